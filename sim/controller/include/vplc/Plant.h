@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vplc/Fault.h"
+#include "vplc/Module.h"
+
+namespace vplc {
+
+enum class Frame { In, Out };
+
+// The virtual controller's Axioline bus and its GDS frame buffers "1:IN" and "1:OUT" of the I/O
+// system "Arp.Io.AxlC". A plant is installed process-wide while it lives (at most one at a
+// time): the controller's C interface works on it. Delete every driver before its plant.
+//
+//   auto plant = vplc::Plant::builder().module(vplc::Module::DI8_DO8)   // position 1
+//                                      .module(vplc::Module::AI2_AO2)   // position 2
+//                                      .build();
+class Plant {
+public:
+    class Builder {
+    public:
+        Builder& module(Module module);
+        Plant build();
+
+    private:
+        std::vector<Module> modules_;
+    };
+
+    static Builder builder();
+    static Plant of(std::initializer_list<Module> modules);
+
+    Plant(Plant&& other) noexcept;
+    Plant& operator=(Plant&&) = delete;
+    Plant(const Plant&) = delete;
+    ~Plant();
+
+    // --- The terminals: what the modules see on their wiring (positions count from 1).
+    std::vector<Module> modules() const;
+    void setDigitalInput(int position, int pin, bool on);
+    void setDigitalInputs(int position, uint8_t byte);
+    void setAnalogInput(int position, int channel, uint16_t raw);
+    uint8_t digitalOutputsOnBus(int position) const;
+    uint16_t analogOutputOnBus(int position, int channel) const;
+    std::vector<uint8_t> outputsOnBus(int position) const;  // the module's output process data
+
+    // --- The GDS: the frames as the driver sees them.
+    std::vector<uint8_t> frameBytes(Frame frame) const;
+    std::vector<uint8_t> inputsInGds(int position) const;
+    std::vector<uint8_t> outputsInGds(int position) const;
+    void setFrameBytes(Frame frame, std::size_t offset, std::vector<uint8_t> bytes);
+    std::optional<std::size_t> variableOffset(std::string_view variableName) const;
+
+    // --- The platform calls, by C function name ("ArpPlcGds_BeginRead", ...).
+    int calls(std::string_view function) const;
+    void inject(std::string_view function, Fault fault);
+    void clearFaults();
+    void resetCounters();
+    int buffersHeld() const;    // acquired and not yet released
+    int unmatchedEnds() const;  // End calls on a buffer that the calling thread had not locked
+    int openLocks() const;      // Begin calls not yet followed by their End
+
+private:
+    Plant();
+};
+
+}  // namespace vplc

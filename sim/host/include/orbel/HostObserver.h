@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "HostRecords.h"
+
+class CSI_base;
+
+namespace orbel {
+
+// Sees everything drivers do through the host library. `driver` identifies the driver object
+// (it is never dereferenced by the library); it is null for a log line that cannot be attributed
+// to a driver. Callbacks may arrive on any thread, one at a time.
+class HostObserver {
+public:
+    virtual ~HostObserver() = default;
+
+    virtual void logged(const CSI_base* driver, int level, std::string_view format,
+                        std::string_view text) = 0;
+
+    // `payload` holds the first nSize bytes of the event's data (empty for a null pData).
+    virtual void published(const CSI_base* driver, uint32_t id, uint32_t size,
+                           std::span<const uint8_t> payload) = 0;
+
+    // `service` is null for the driver-wide overload.
+    virtual void stopped(const CSI_base* driver, const stServiceParams_t* service,
+                         std::string_view message) = 0;
+
+    virtual void threadStarted(const CSI_base* driver) = 0;
+
+    // A driver thread has ended: `how` says why ("ended by the host", or an exception's text).
+    virtual void threadEnded(const CSI_base* driver, std::string_view how) = 0;
+};
+
+// Registers an observer; it must outlive its registration. With no observer registered the
+// library writes readable lines to standard error.
+void addObserver(HostObserver& observer);
+void removeObserver(HostObserver& observer);
+
+}  // namespace orbel

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstdarg>
+#include <string>
+
+namespace orbel {
+
+// Renders a printf format with its arguments, safely. Conversions are taken as printf takes
+// them, with one exception: "&d" (a misspelt "%d") consumes an int argument and shows its
+// value, so that the formats that contain it still give "%s" the text argument meant for it.
+std::string renderLogLine(const char* format, va_list args);
+
+}  // namespace orbel

@@ -1,0 +1,202 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "Arp/System/Core/Arp.h"
+#include "ArpModuleLoader.h"
+#include "ChildProcess.h"
+#include "vplc/PlatformCalls.h"
+#include "vplc/Runtime.h"
+
+using loadertest::runInChild;
+using vplc::Runtime;
+
+namespace {
+
+constexpr const char* kLoadSettings = "/opt/run/./Default.acf.settings";
+
+bool plcHasStarted() {
+    std::lock_guard<std::mutex> lock(plcStateMutex);
+    return plcStarted;
+}
+
+std::string selfDirectory() {
+    char path[4096];
+    ssize_t length = readlink("/proc/self/exe", path, sizeof(path) - 1);
+    path[length < 0 ? 0 : length] = '\0';
+    std::string text(path);
+    return text.substr(0, text.rfind('/') + 1);
+}
+
+}  // namespace
+
+TEST(ModuleLoad, ADomainGivesResult0AndBecomesTheProcessDomain) {
+    auto child = runInChild([] {
+        int result = ArpSystemModule_Load("/usr/lib", "tarnwick", kLoadSettings);
+        Runtime::waitUntilDelivered();
+        bool domainSet = Arp::Singleton<Arp::AppDomain>::pInstance != nullptr;
+        auto assignments = Runtime::domainAssignments();
+        bool assigned = assignments.size() == 2 &&
+                        assignments[0].manager == Runtime::Manager::Log &&
+                        assignments[1].manager == Runtime::Manager::Rsc &&
+                        assignments[0].domain == Arp::Singleton<Arp::AppDomain>::pInstance &&
+                        assignments[1].domain == Arp::Singleton<Arp::AppDomain>::pInstance;
+        return result == 0 && domainSet && assigned ? 0 : 1;
+    });
+    EXPECT_EQ(child.exitCode, 0);
+    EXPECT_EQ(child.output, "");
+}
+
+TEST(ModuleLoad, ANullDomainGivesResult3WithoutALine) {
+    auto child = runInChild([] {
+        Runtime::setModuleMain(Runtime::MainOutcome::NullDomain);
+        return ArpSystemModule_Load("/usr/lib", "tarnwick", kLoadSettings);
+    });
+    EXPECT_EQ(child.exitCode, 3);
+    EXPECT_EQ(child.output, "");
+}
+
+TEST(ModuleLoad, AnArpExceptionPrintsItsLineAndGivesResult4) {
+    auto child = runInChild([] {
+        vplc::inject(Runtime::kModuleMain, vplc::Fault::next("settings file not found"));
+        return ArpSystemModule_Load("/usr/lib", "tarnwick", kLoadSettings);
+    });
+    EXPECT_EQ(child.exitCode, 4);
+    EXPECT_EQ(child.output,
+              "Exception of type Arp::Exception occured during call of ArpSystemModule_Load : "
+              "settings file not found\n");
+}
+
+TEST(ModuleLoad, AStandardExceptionPrintsItsLineAndGivesResult4) {
+    auto child = runInChild([] {
+        Runtime::setModuleMain(Runtime::MainOutcome::StdException, "bad settings");
+        return ArpSystemModule_Load("/usr/lib", "tarnwick", kLoadSettings);
+    });
+    EXPECT_EQ(child.exitCode, 4);
+    EXPECT_EQ(child.output,
+              "Exception of type std::exception occured during call of ArpSystemModule_Load : "
+              "bad settings\n");
+}
+
+TEST(ModuleLoad, AnExceptionOfAnotherTypePrintsItsLineAndGivesResult4) {
+    auto child = runInChild([] {
+        Runtime::setModuleMain(Runtime::MainOutcome::UnknownException);
+        return ArpSystemModule_Load("/usr/lib", "tarnwick", kLoadSettings);
+    });
+    EXPECT_EQ(child.exitCode, 4);
+    EXPECT_EQ(child.output,
+              "Exception of unknown type occured during call of ArpSystemModule_Load\n");
+}
+
+TEST(ModuleLoader, ANullDomainSetsTheErrorStatusAndDoesNotWait) {
+    auto child = runInChild([] {
+        Runtime::setModuleMain(Runtime::MainOutcome::NullDomain);
+        ArpModuleLoader::initialize();
+        return ArpModuleLoader::m_bErrorStatus ? 0 : 1;
+    });
+    EXPECT_EQ(child.exitCode, 0);
+}
+
+TEST(ModuleLoader, AnExceptionSetsTheErrorStatusAndDoesNotWait) {
+    auto child = runInChild([] {
+        Runtime::setModuleMain(Runtime::MainOutcome::StdException, "no runtime");
+        ArpModuleLoader::initialize();
+        return ArpModuleLoader::m_bErrorStatus ? 0 : 1;
+    });
+    EXPECT_EQ(child.exitCode, 0);
+    EXPECT_EQ(child.output,
+              "Exception of type std::exception occured during call of ArpSystemModule_Load : "
+              "no runtime\n");
+}
+
+TEST(ModuleLoader, LoadsTarnwickWithTheSettingsFileBesideTheExecutable) {
+    auto child = runInChild([] {
+        ArpModuleLoader::initialize();
+        auto calls = Runtime::moduleMainCalls();
+        Runtime::MainCall expected{"tarnwick", selfDirectory() + "./Default.acf.settings"};
+        return calls.size() == 1 && calls[0] == expected && !ArpModuleLoader::m_bErrorStatus ? 0
+                                                                                             : 1;
+    });
+    EXPECT_EQ(child.exitCode, 0);
+}
+
+TEST(ModuleLoader, LoadsOncePerProcess) {
+    auto child = runInChild([] {
+        ArpModuleLoader::initialize();
+        ArpModuleLoader::initialize();
+        return static_cast<int>(Runtime::moduleMainCalls().size());
+    });
+    EXPECT_EQ(child.exitCode, 1);
+}
+
+class StartOperation : public testing::TestWithParam<PlcOperation> {};
+
+TEST_P(StartOperation, ReleasesTheLoadersWait) {
+    PlcOperation operation = GetParam();
+    auto child = runInChild([operation] {
+        Runtime::setStartOperations({operation});
+        ArpModuleLoader::initialize();
+        return plcHasStarted() && !ArpModuleLoader::m_bErrorStatus ? 0 : 1;
+    });
+    EXPECT_EQ(child.exitCode, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(ColdWarmAndHot, StartOperation,
+                         testing::Values(PlcOperation_StartCold, PlcOperation_StartWarm,
+                                         PlcOperation_StartHot));
+
+TEST(ModuleLoader, OperationsOtherThanStartsLeaveItWaiting) {
+    auto child = runInChild([] {
+        Runtime::setStartOperations({PlcOperation_None, PlcOperation_Load, PlcOperation_Setup,
+                                     PlcOperation_Stop, PlcOperation_Reset, PlcOperation_Unload});
+        std::thread loader([] { ArpModuleLoader::initialize(); });
+        Runtime::waitUntilDelivered();
+        bool startedEarly = plcHasStarted();
+        Runtime::deliver(PlcOperation_StartWarm);
+        loader.join();
+        return !startedEarly && plcHasStarted() ? 0 : 1;
+    });
+    EXPECT_EQ(child.exitCode, 0);
+}
+
+TEST(ModuleLoader, AStartReportedBeforeTheWaitDoesNotBlockIt) {
+    auto child = runInChild([] {
+        PlcOperationHandler(PlcOperation_StartCold);
+        Runtime::setStartOperations({});
+        ArpModuleLoader::initialize();
+        return 0;
+    });
+    EXPECT_EQ(child.exitCode, 0);
+}
+
+TEST(PlcOperationHandler, OnlyTheThreeStartOperationsSetTheStartedFlag) {
+    for (int value : {0, 1, 2, 6, 7, 8, 9}) {
+        auto child = runInChild([value] {
+            PlcOperationHandler(static_cast<PlcOperation>(value));
+            return plcHasStarted() ? 1 : 0;
+        });
+        EXPECT_EQ(child.exitCode, 0) << "operation " << value;
+    }
+    for (int value : {3, 4, 5}) {
+        auto child = runInChild([value] {
+            PlcOperationHandler(static_cast<PlcOperation>(value));
+            return plcHasStarted() ? 1 : 0;
+        });
+        EXPECT_EQ(child.exitCode, 1) << "operation " << value;
+    }
+}
+
+TEST(ExecutableDirectory, EndsWithTheLastSeparator) {
+    EXPECT_EQ(ArpModuleLoader::directoryOf("/opt/run/host"), "/opt/run/");
+    EXPECT_EQ(ArpModuleLoader::directoryOf("C:\\run\\host.exe"), "C:\\run\\");
+    EXPECT_EQ(ArpModuleLoader::directoryOf("/opt\\run/host"), "/opt\\run/");
+}
+
+TEST(ExecutableDirectory, APathWithoutSeparatorIsKeptWhole) {
+    EXPECT_EQ(ArpModuleLoader::directoryOf("host"), "host");
+    EXPECT_EQ(ArpModuleLoader::directoryOf("host") + "./Default.acf.settings",
+              "host./Default.acf.settings");
+}

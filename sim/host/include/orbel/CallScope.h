@@ -18,6 +18,11 @@ public:
     static const CSI_base* current();
 
 private:
+    friend class ::CSI_base;
+
+    // Called by every CSI_base constructor: an unbound creation scope takes that driver.
+    static void bindCreated(const CSI_base* driver);
+
     const CSI_base* previous_;
     bool previousCreating_;
 };

@@ -35,8 +35,14 @@ public:
     virtual void threadEnded(const CSI_base* driver, std::string_view how) = 0;
 };
 
+// The level of the log lines that the host library writes about drivers itself (drivers use 2
+// and 4).
+inline constexpr int kHostWarningLevel = 3;
+
 // Registers an observer; it must outlive its registration. With no observer registered the
-// library writes readable lines to standard error.
+// library writes readable lines to standard error. Callbacks must not add or remove observers
+// (std::logic_error) nor end driver threads; a log line written from a callback goes to standard
+// error.
 void addObserver(HostObserver& observer);
 void removeObserver(HostObserver& observer);
 

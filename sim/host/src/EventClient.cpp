@@ -1,0 +1,5 @@
+#include "EventClient.h"
+
+CEventClient::~CEventClient() = default;
+
+void CEventClient::onReceiveEvent(unsigned, bool) {}

@@ -1,0 +1,51 @@
+#include "SanitizerFiber.h"
+
+#if defined(__SANITIZE_THREAD__)
+#define ORBEL_THREAD_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define ORBEL_THREAD_SANITIZER 1
+#endif
+#endif
+
+#ifdef ORBEL_THREAD_SANITIZER
+
+#include <sanitizer/tsan_interface.h>
+
+namespace orbel {
+
+SanitizerFiber::SanitizerFiber() : fiber_(__tsan_create_fiber(0)) {}
+
+SanitizerFiber::~SanitizerFiber() {
+    __tsan_destroy_fiber(fiber_);
+}
+
+void* SanitizerFiber::enter() {
+    void* caller = __tsan_get_current_fiber();
+    __tsan_switch_to_fiber(fiber_, 0);
+    return caller;
+}
+
+void SanitizerFiber::leave(void* caller) {
+    __tsan_switch_to_fiber(caller, 0);
+}
+
+}  // namespace orbel
+
+#else
+
+namespace orbel {
+
+SanitizerFiber::SanitizerFiber() = default;
+
+SanitizerFiber::~SanitizerFiber() = default;
+
+void* SanitizerFiber::enter() {
+    return nullptr;
+}
+
+void SanitizerFiber::leave(void*) {}
+
+}  // namespace orbel
+
+#endif

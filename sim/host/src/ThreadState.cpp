@@ -1,0 +1,193 @@
+#include "ThreadState.h"
+
+#include <pthread.h>
+#include <signal.h>
+
+#include <chrono>
+#include <exception>
+#include <string>
+
+#include "DriverRegistry.h"
+#include "ObserverHub.h"
+#include "PosixThread.h"
+#include "SanitizerFiber.h"
+#include "orbel/DriverThreads.h"
+#include "orbel/PauseClock.h"
+
+namespace orbel {
+
+namespace {
+
+constexpr std::string_view kEndedByHost = "ended by the host";
+constexpr std::string_view kRunReturned = "run() returned";
+constexpr std::string_view kUnknownException = "an exception of unknown type";
+constexpr std::string_view kDeletedWhileRunning =
+    "A driver object was deleted while its thread was running; the host ends the thread.";
+constexpr std::string_view kStartedWhileRunning =
+    "A driver thread was started while it was still running; the second start is ignored.";
+
+// Interrupts a driver thread's real-time sleep; its handler does nothing, and it is installed
+// without SA_RESTART so that the sleep returns and the thread can see the end request.
+constexpr int kWakeSignal = SIGUSR2;
+
+// A wake can arrive just before the thread starts to sleep, so it is repeated until the thread
+// has ended.
+constexpr auto kWakeInterval = std::chrono::milliseconds(2);
+
+thread_local ThreadState* currentState = nullptr;
+
+void ignoreWakeSignal(int) {}
+
+void installWakeSignal() {
+    static const bool installed = [] {
+        struct sigaction action {};
+        action.sa_handler = ignoreWakeSignal;
+        sigemptyset(&action.sa_mask);
+        action.sa_flags = 0;
+        return sigaction(kWakeSignal, &action, nullptr) == 0;
+    }();
+    static_cast<void>(installed);
+}
+
+}  // namespace
+
+ThreadState::ThreadState(CPosixThread& owner) : owner_(owner) {}
+
+ThreadState* ThreadState::current() {
+    return currentState;
+}
+
+void ThreadState::start() {
+    std::unique_lock lock(mutex_);
+    if (worker_.joinable()) {
+        if (!ended_) {
+            const CSI_base* driver = driver_;
+            lock.unlock();
+            ObserverHub::instance().warn(driver, kStartedWhileRunning);
+            return;
+        }
+        worker_.join();
+    }
+    object_ = dynamic_cast<const void*>(&owner_);
+    driver_ = DriverRegistry::instance().driverOf(object_);
+    endRequested_ = false;
+    runFinished_ = false;
+    ended_ = false;
+    PauseClock* clock = pauseClock();
+    if (clock != nullptr)
+        clock->threadStarting();
+    try {
+        worker_ = std::thread([self = shared_from_this()] { self->run(); });
+    } catch (...) {
+        if (clock != nullptr)
+            clock->threadEnding();
+        throw;
+    }
+}
+
+void ThreadState::run() {
+    currentState = this;
+    ObserverHub::instance().threadStarted(driver_);
+    std::string how;
+    {
+        SanitizerFiber runFiber;
+        SanitizerFiber pauseFiber;
+        pauseFiber_ = &pauseFiber;
+        runFiber.run([&] { how = runOwner(); });
+        pauseFiber_ = nullptr;
+    }
+    finish(how);
+    if (PauseClock* clock = pauseClock())
+        clock->threadEnding();
+    currentState = nullptr;
+    {
+        std::lock_guard lock(mutex_);
+        ended_ = true;
+    }
+    endedChanged_.notify_all();
+}
+
+std::string ThreadState::runOwner() {
+    try {
+        owner_.run();
+        return std::string(kRunReturned);
+    } catch (const ThreadEnd&) {
+        return std::string(kEndedByHost);
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (...) {
+        return std::string(kUnknownException);
+    }
+}
+
+void ThreadState::pause(PauseClock& clock, const timespec& request) {
+    if (pauseFiber_ == nullptr) {
+        clock.pause(request);
+        return;
+    }
+    pauseFiber_->run([&] { clock.pause(request); });
+}
+
+void ThreadState::finish(std::string_view how) noexcept {
+    {
+        std::lock_guard lock(mutex_);
+        runFinished_ = true;
+    }
+    ObserverHub::instance().threadEnded(driver_, how);
+}
+
+void ThreadState::join() {
+    std::unique_lock lock(mutex_);
+    if (!worker_.joinable() || onOwnThread())
+        return;
+    endedChanged_.wait(lock, [this] { return ended_; });
+    if (worker_.joinable())
+        worker_.join();
+}
+
+void ThreadState::end() {
+    std::unique_lock lock(mutex_);
+    if (!worker_.joinable())
+        return;
+    endRequested_ = true;
+    if (onOwnThread())
+        return;
+    while (!ended_) {
+        wake();
+        endedChanged_.wait_for(lock, kWakeInterval, [this] { return ended_; });
+    }
+    if (worker_.joinable())
+        worker_.join();
+}
+
+void ThreadState::endForDestruction() {
+    std::unique_lock lock(mutex_);
+    if (!worker_.joinable())
+        return;
+    if (onOwnThread()) {
+        endRequested_ = true;
+        worker_.detach();
+        return;
+    }
+    const bool running = !runFinished_;
+    const CSI_base* driver = driver_;
+    lock.unlock();
+    if (running)
+        ObserverHub::instance().warn(driver, kDeletedWhileRunning);
+    end();
+}
+
+void ThreadState::wake() {
+    if (PauseClock* clock = pauseClock()) {
+        clock->wakeAll();
+        return;
+    }
+    installWakeSignal();
+    pthread_kill(worker_.native_handle(), kWakeSignal);
+}
+
+bool ThreadState::onOwnThread() const {
+    return worker_.get_id() == std::this_thread::get_id();
+}
+
+}  // namespace orbel

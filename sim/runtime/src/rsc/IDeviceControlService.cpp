@@ -1,0 +1,7 @@
+#include "Arp/Device/Interface/Services/IDeviceControlService.hpp"
+
+namespace Arp::Device::Interface::Services {
+
+IDeviceControlService::~IDeviceControlService() = default;
+
+}  // namespace Arp::Device::Interface::Services

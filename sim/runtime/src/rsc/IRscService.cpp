@@ -1,0 +1,7 @@
+#include "Arp/System/Rsc/Services/IRscService.hpp"
+
+namespace Arp::System::Rsc::Services {
+
+IRscService::~IRscService() = default;
+
+}  // namespace Arp::System::Rsc::Services

@@ -1,0 +1,7 @@
+#include "Arp/System/Rsc/Services/IRscServiceProxyFactory.hpp"
+
+namespace Arp::System::Rsc::Services {
+
+IRscServiceProxyFactory::~IRscServiceProxyFactory() = default;
+
+}  // namespace Arp::System::Rsc::Services

@@ -1,0 +1,65 @@
+#include "TestPauseClock.h"
+
+#include "orbel/DriverThreads.h"
+
+namespace hosttest {
+
+TestPauseClock::TestPauseClock() {
+    orbel::setPauseClock(this);
+}
+
+TestPauseClock::~TestPauseClock() {
+    orbel::setPauseClock(nullptr);
+}
+
+void TestPauseClock::threadStarting() {
+    std::lock_guard lock(mutex_);
+    ++started_;
+}
+
+void TestPauseClock::threadEnding() {
+    std::lock_guard lock(mutex_);
+    ++ended_;
+}
+
+void TestPauseClock::pause(const timespec& request) {
+    std::unique_lock lock(mutex_);
+    requests_.push_back(request);
+    const uint64_t releasesBefore = releases_;
+    changed_.notify_all();
+    changed_.wait(lock, [&] { return orbel::endRequested() || releases_ != releasesBefore; });
+}
+
+void TestPauseClock::wakeAll() {
+    std::lock_guard lock(mutex_);
+    changed_.notify_all();
+}
+
+bool TestPauseClock::waitForPauses(std::size_t count) {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, std::chrono::seconds(10),
+                             [&] { return requests_.size() >= count; });
+}
+
+void TestPauseClock::release() {
+    std::lock_guard lock(mutex_);
+    ++releases_;
+    changed_.notify_all();
+}
+
+int TestPauseClock::started() const {
+    std::lock_guard lock(mutex_);
+    return started_;
+}
+
+int TestPauseClock::ended() const {
+    std::lock_guard lock(mutex_);
+    return ended_;
+}
+
+std::vector<timespec> TestPauseClock::requests() const {
+    std::lock_guard lock(mutex_);
+    return requests_;
+}
+
+}  // namespace hosttest

@@ -5,7 +5,11 @@
 namespace vplc {
 
 // A failure to inject into a platform call: the call returns false (or, for a lookup, reports no
-// result) and sets the last error text, as the real controller does.
+// result) and sets the last error text, as the real controller does. A failed call changes
+// nothing else: a lookup leaves its output untouched, a Begin takes no lock and leaves the data
+// pointer untouched, an End leaves the lock held by its thread (until that thread's next End on
+// the frame), a bus copy copies nothing, ArpPlc_GetLastError hands out the fault's text, and
+// ArpPlcDomain_SetHandler keeps the handler registered before.
 class Fault {
 public:
     static Fault next(std::string errorText);              // the next call fails

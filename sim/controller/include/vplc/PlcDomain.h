@@ -1,0 +1,11 @@
+#pragma once
+
+#include "Arp/Plc/AnsiC/Domain/PlcOperationHandler.h"
+
+namespace vplc {
+
+// The handler last registered through ArpPlcDomain_SetHandler, or null: the runtime calls it on
+// every PLC operation.
+ArpPlcDomainHandler plcOperationHandler();
+
+}  // namespace vplc

@@ -1,0 +1,107 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <ctime>
+#include <mutex>
+#include <vector>
+
+#include "orbel/PauseClock.h"
+
+class CSI_base;
+
+namespace vplc {
+
+// Virtual time for driver threads, so that a test of a scan runs without real sleeps and is
+// exact. While it lives, the clock is the process's pause clock: every pause (nanosleep) of a
+// driver thread waits on it, and time moves only when the test says so. At most one pause clock
+// can be installed; constructing a second throws std::logic_error. Construct it before any driver
+// thread starts and destroy it after every driver thread has ended.
+//
+// The clock knows every driver thread to be in one of four states:
+//   running  counted from threadStarting(), before the thread runs; settle() waits for these
+//   paused   in pause(), until virtual time reaches its wake time (start + request)
+//   held     at the scan gate, at the start of ArpPlcAxio_ReadFromAxioToGds, until released
+//   ended    after threadEnding()
+// A thread that is woken (by runUntil(), releaseScan() or holdScans(false)) is counted as running
+// again before it wakes, so settle() cannot miss it. A paused or held thread whose end has been
+// requested (orbel::endRequested()) leaves at wakeAll(): a pause returns early, the gate throws
+// orbel::ThreadEnd. Host threads are never paused or held.
+//
+// The methods that settle block the calling test thread; never call them from a driver thread.
+class VirtualClock final : public orbel::PauseClock {
+public:
+    using Duration = std::chrono::nanoseconds;
+
+    struct Pause {
+        const CSI_base* driver;  // the driver whose thread paused
+        Duration start;          // virtual time at which the pause began
+        Duration duration;       // the requested duration
+    };
+
+    VirtualClock();
+    ~VirtualClock() override;
+    VirtualClock(const VirtualClock&) = delete;
+    VirtualClock& operator=(const VirtualClock&) = delete;
+
+    // Virtual time since the clock was made; starts at 0.
+    Duration now() const;
+
+    // Blocks until no driver thread is running: each is paused, held or ended. A driver thread
+    // that waits for anything else (a GDS frame lock that the test thread holds, say) is running.
+    void settle();
+
+    // Settles; then, in time order, sets the time to the earliest wake time that lies strictly
+    // before t, wakes the threads due then and settles again; finally sets the time to t.
+    // Threads due exactly at t stay paused, so what a test does at t happens before they wake.
+    // Throws std::invalid_argument for a t before now().
+    void runUntil(Duration t);
+    void runFor(Duration d);
+
+    // Every pause so far, in the order the threads began them.
+    std::vector<Pause> pauses() const;
+
+    // Holding, every driver thread that starts a scan waits at the gate. Ending the hold lets the
+    // held threads go on and settles.
+    void holdScans(bool hold);
+
+    // Settles, lets each held thread through the gate for that one call, and settles again (each
+    // then pauses on the clock or comes back to the gate). Returns the number of threads let
+    // through.
+    int releaseScan();
+
+    int pausedThreads() const;
+    int heldThreads() const;
+
+    // The scan gate: the controller calls it at the start of ArpPlcAxio_ReadFromAxioToGds.
+    void atScanStart();
+
+    // orbel::PauseClock
+    void threadStarting() override;
+    void threadEnding() override;
+    void pause(const timespec& request) override;
+    void wakeAll() override;
+
+private:
+    struct Sleeper {
+        Duration wakeAt;
+        bool woken = false;
+    };
+    struct Ticket {
+        bool released = false;
+    };
+
+    void settle(std::unique_lock<std::mutex>& lock);
+    int releaseHeld();
+
+    mutable std::mutex mutex_;
+    std::condition_variable changed_;
+    Duration now_{0};
+    int running_ = 0;
+    bool holding_ = false;
+    std::vector<Sleeper*> sleepers_;
+    std::vector<Ticket*> held_;
+    std::vector<Pause> pauses_;
+};
+
+}  // namespace vplc

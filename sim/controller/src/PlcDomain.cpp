@@ -1,0 +1,13 @@
+#include "vplc/PlcDomain.h"
+
+#include "Controller.h"
+
+namespace vplc {
+
+ArpPlcDomainHandler plcOperationHandler() {
+    Controller& controller = Controller::instance();
+    auto lock = controller.lock();
+    return controller.handler();
+}
+
+}  // namespace vplc

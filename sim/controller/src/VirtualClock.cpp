@@ -1,0 +1,169 @@
+#include "vplc/VirtualClock.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <stdexcept>
+
+#include "orbel/DriverThreads.h"
+
+namespace vplc {
+
+namespace {
+
+VirtualClock::Duration durationOf(const timespec& request) {
+    const auto duration = std::chrono::seconds(static_cast<std::int64_t>(request.tv_sec)) +
+                          std::chrono::nanoseconds(static_cast<std::int64_t>(request.tv_nsec));
+    return std::max(VirtualClock::Duration(0), duration);
+}
+
+}  // namespace
+
+VirtualClock::VirtualClock() {
+    if (orbel::pauseClock() != nullptr)
+        throw std::logic_error("A pause clock is already installed");
+    orbel::setPauseClock(this);
+}
+
+VirtualClock::~VirtualClock() {
+    orbel::setPauseClock(nullptr);
+}
+
+VirtualClock::Duration VirtualClock::now() const {
+    std::lock_guard lock(mutex_);
+    return now_;
+}
+
+void VirtualClock::settle() {
+    std::unique_lock lock(mutex_);
+    settle(lock);
+}
+
+void VirtualClock::runUntil(Duration t) {
+    std::unique_lock lock(mutex_);
+    if (t < now_)
+        throw std::invalid_argument("A virtual clock cannot run back in time");
+    settle(lock);
+    for (;;) {
+        auto earliest = std::min_element(
+            sleepers_.begin(), sleepers_.end(),
+            [](const Sleeper* a, const Sleeper* b) { return a->wakeAt < b->wakeAt; });
+        if (earliest == sleepers_.end() || (*earliest)->wakeAt >= t)
+            break;
+        now_ = (*earliest)->wakeAt;
+        std::erase_if(sleepers_, [this](Sleeper* sleeper) {
+            if (sleeper->wakeAt != now_)
+                return false;
+            sleeper->woken = true;
+            ++running_;
+            return true;
+        });
+        changed_.notify_all();
+        settle(lock);
+    }
+    now_ = t;
+}
+
+void VirtualClock::runFor(Duration d) {
+    runUntil(now() + d);
+}
+
+std::vector<VirtualClock::Pause> VirtualClock::pauses() const {
+    std::lock_guard lock(mutex_);
+    return pauses_;
+}
+
+void VirtualClock::holdScans(bool hold) {
+    std::unique_lock lock(mutex_);
+    holding_ = hold;
+    if (hold)
+        return;
+    releaseHeld();
+    settle(lock);
+}
+
+int VirtualClock::releaseScan() {
+    std::unique_lock lock(mutex_);
+    settle(lock);
+    const int released = releaseHeld();
+    settle(lock);
+    return released;
+}
+
+int VirtualClock::pausedThreads() const {
+    std::lock_guard lock(mutex_);
+    return static_cast<int>(sleepers_.size());
+}
+
+int VirtualClock::heldThreads() const {
+    std::lock_guard lock(mutex_);
+    return static_cast<int>(held_.size());
+}
+
+void VirtualClock::atScanStart() {
+    if (!orbel::isDriverThread())
+        return;
+    std::unique_lock lock(mutex_);
+    if (!holding_)
+        return;
+    Ticket ticket;
+    held_.push_back(&ticket);
+    --running_;
+    changed_.notify_all();
+    changed_.wait(lock, [&ticket] { return ticket.released || orbel::endRequested(); });
+    if (!ticket.released) {
+        std::erase(held_, &ticket);
+        ++running_;
+    }
+    lock.unlock();
+    orbel::endIfRequested();
+}
+
+void VirtualClock::threadStarting() {
+    std::lock_guard lock(mutex_);
+    ++running_;
+}
+
+void VirtualClock::threadEnding() {
+    std::lock_guard lock(mutex_);
+    --running_;
+    changed_.notify_all();
+}
+
+void VirtualClock::pause(const timespec& request) {
+    if (!orbel::isDriverThread())
+        return;
+    std::unique_lock lock(mutex_);
+    const Duration duration = durationOf(request);
+    pauses_.push_back(Pause{orbel::currentThreadDriver(), now_, duration});
+    Sleeper sleeper{now_ + duration};
+    sleepers_.push_back(&sleeper);
+    --running_;
+    changed_.notify_all();
+    changed_.wait(lock, [&sleeper] { return sleeper.woken || orbel::endRequested(); });
+    if (!sleeper.woken) {
+        std::erase(sleepers_, &sleeper);
+        ++running_;
+    }
+}
+
+void VirtualClock::wakeAll() {
+    std::lock_guard lock(mutex_);
+    changed_.notify_all();
+}
+
+void VirtualClock::settle(std::unique_lock<std::mutex>& lock) {
+    changed_.wait(lock, [this] { return running_ <= 0; });
+}
+
+int VirtualClock::releaseHeld() {
+    const int released = static_cast<int>(held_.size());
+    for (Ticket* ticket : held_) {
+        ticket->released = true;
+        ++running_;
+    }
+    held_.clear();
+    changed_.notify_all();
+    return released;
+}
+
+}  // namespace vplc

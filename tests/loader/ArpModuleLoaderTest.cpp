@@ -5,6 +5,7 @@
 #include <string>
 #include <thread>
 
+#include "Arp/Plc/AnsiC/Domain/PlcOperationHandler.h"
 #include "Arp/System/Core/Arp.h"
 #include "ArpModuleLoader.h"
 #include "ChildProcess.h"
@@ -150,11 +151,17 @@ INSTANTIATE_TEST_SUITE_P(ColdWarmAndHot, StartOperation,
 
 TEST(ModuleLoader, OperationsOtherThanStartsLeaveItWaiting) {
     auto child = runInChild([] {
+        // The handler is registered before the runtime is loaded, as the loader does, so that
+        // every operation finds it; the loader itself then waits for the start.
+        ArpPlcDomain_SetHandler(PlcOperationHandler);
         Runtime::setStartOperations({PlcOperation_None, PlcOperation_Load, PlcOperation_Setup,
                                      PlcOperation_Stop, PlcOperation_Reset, PlcOperation_Unload});
-        std::thread loader([] { ArpModuleLoader::initialize(); });
+        if (ArpSystemModule_Load("/usr/lib", "tarnwick", kLoadSettings) != 0) {
+            return 2;
+        }
         Runtime::waitUntilDelivered();
         bool startedEarly = plcHasStarted();
+        std::thread loader([] { ArpModuleLoader::initialize(); });
         Runtime::deliver(PlcOperation_StartWarm);
         loader.join();
         return !startedEarly && plcHasStarted() ? 0 : 1;

@@ -1,0 +1,304 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "DriverConfig.h"
+#include "ExposedDriver.h"
+#include "StepClock.h"
+#include "TestHost.h"
+#include "orbel/HostObserver.h"
+#include "vplc/Plant.h"
+
+using drivertest::DriverConfig;
+using drivertest::DriverPtr;
+using drivertest::ExposedDriver;
+using drivertest::StepClock;
+using drivertest::TestHost;
+
+namespace {
+
+// Allocations are counted on a thread that has switched counting on, and on driver threads while
+// a measurement runs.
+std::atomic<long> allocations{0};
+std::atomic<bool> measuringDriverThreads{false};
+// When set, the counted allocation with this number fails (counting from 1).
+std::atomic<long> failingAllocation{0};
+thread_local bool countingHere = false;
+thread_local bool onDriverThread = false;
+
+class CountingScope {
+public:
+    CountingScope() : previous_(countingHere) { countingHere = true; }
+    ~CountingScope() { countingHere = previous_; }
+
+private:
+    bool previous_;
+};
+
+// Out of line, so that the compiler does not pair an inlined malloc with the free below.
+[[gnu::noinline]] void* allocate(std::size_t size) {
+    if (countingHere || (onDriverThread && measuringDriverThreads.load())) {
+        if (allocations.fetch_add(1) + 1 == failingAllocation.load()) {
+            throw std::bad_alloc();
+        }
+    }
+    void* memory = std::malloc(size == 0 ? 1 : size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+[[gnu::noinline]] void release(void* memory) noexcept {
+    std::free(memory);
+}
+
+// Marks driver threads as they start, and counts publications without keeping anything.
+class DriverThreadMarker final : public orbel::HostObserver {
+public:
+    DriverThreadMarker() { orbel::addObserver(*this); }
+    ~DriverThreadMarker() override { orbel::removeObserver(*this); }
+
+    int publications() const { return publications_.load(); }
+
+    void logged(const CSI_base*, int, std::string_view, std::string_view) override {}
+    void published(const CSI_base*, uint32_t, uint32_t, std::span<const uint8_t>) override {
+        publications_.fetch_add(1);
+    }
+    void stopped(const CSI_base*, const stServiceParams_t*, std::string_view) override {}
+    void threadStarted(const CSI_base*) override { onDriverThread = true; }
+    void threadEnded(const CSI_base*, std::string_view) override {}
+
+private:
+    std::atomic<int> publications_{0};
+};
+
+// A module kept in memory alone: every pin kind on pins 0 to 7, no platform calls.
+class MemoryModule final : public INumberedPinModule {
+public:
+    bool isServiceTypeSupported(ServiceType type) override { return type != Unsupported; }
+    bool isServiceAlreadyRegistered(int pin, ServiceType type) override {
+        return taken_[type][pin];
+    }
+    bool registerService(int pin, ServiceType type) override {
+        if (taken_[type][pin]) {
+            return false;
+        }
+        taken_[type][pin] = true;
+        return true;
+    }
+    bool isServiceAvailable(int pin, ServiceType type) override {
+        return isServiceTypeSupported(type) && pin >= 0 && pin < 8;
+    }
+    std::string getValidRange(ServiceType) override { return "0 - 7"; }
+
+private:
+    bool taken_[5][8] = {};
+};
+
+stEventParams_t eventWith(uint32_t id, uint8_t* payload, uint32_t size) {
+    stEventParams_t event;
+    event.pData = payload;
+    event.nId = id;
+    event.nSize = size;
+    return event;
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    return allocate(size);
+}
+
+void* operator new[](std::size_t size) {
+    return allocate(size);
+}
+
+void operator delete(void* memory) noexcept {
+    release(memory);
+}
+
+void operator delete[](void* memory) noexcept {
+    release(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept {
+    release(memory);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept {
+    release(memory);
+}
+
+TEST(Allocation, TheCounterSeesAnAllocationOnACountingThread) {
+    allocations = 0;
+    {
+        CountingScope counting;
+        // Called directly: a new-expression whose result is unused may be left out.
+        ::operator delete(::operator new(16));
+    }
+    EXPECT_EQ(allocations.load(), 1);
+}
+
+TEST(Allocation, ASteadyDigitalScanAllocatesNothingAlsoWhenItPublishes) {
+    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    StepClock clock;
+    DriverThreadMarker marker;
+    auto driver = TestHost::create(DriverConfig::digital().digitalIn(1, "0").digitalIn(2, "4"));
+    TestHost::initialize(*driver);
+    // Through the two initial pauses and two passes, one of them publishing, so that everything
+    // the platform sets up on first use is in place.
+    clock.step(2);
+    plant.setDigitalInput(1, 0, true);
+    clock.step(2);
+    const int publicationsBefore = marker.publications();
+    allocations = 0;
+
+    measuringDriverThreads = true;
+    for (int pass = 0; pass < 20; ++pass) {
+        plant.setDigitalInput(1, 4, pass % 2 == 0);
+        clock.step();
+    }
+    measuringDriverThreads = false;
+
+    EXPECT_EQ(allocations.load(), 0);
+    EXPECT_EQ(marker.publications() - publicationsBefore, 20);
+}
+
+TEST(Allocation, ASteadyAnalogScanAllocatesNothingAlsoWhenItPublishes) {
+    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    StepClock clock;
+    DriverThreadMarker marker;
+    auto driver = TestHost::create(DriverConfig::analog().analogIn(1, "0").analogIn(2, "1"));
+    TestHost::initialize(*driver);
+    clock.step(2);
+    plant.setAnalogInput(1, 0, 3000);
+    clock.step(2);
+    const int publicationsBefore = marker.publications();
+    allocations = 0;
+
+    measuringDriverThreads = true;
+    for (int pass = 0; pass < 20; ++pass) {
+        plant.setAnalogInput(1, 1, pass % 2 == 0 ? 30000 : 0);
+        clock.step();
+    }
+    measuringDriverThreads = false;
+
+    EXPECT_EQ(allocations.load(), 0);
+    EXPECT_EQ(marker.publications() - publicationsBefore, 20);
+}
+
+TEST(Allocation, DigitalOutputEventsAllocateNothing) {
+    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    StepClock clock;
+    auto driver =
+        TestHost::create(DriverConfig::digital()
+                             .digitalOut(20, "3", "0")
+                             .digitalOut(21, "4", "0")
+                             .service(22, "DigitalOut", 20, {{"PinNum", "5"}, {"InitVal", "0"}}));
+    TestHost::initialize(*driver);
+    clock.waitUntilPaused();
+    uint8_t payload = 1;
+    const stEventParams_t event = eventWith(20, &payload, 1);
+    driver->receiveEvent(event);
+    allocations = 0;
+
+    {
+        CountingScope counting;
+        for (int i = 0; i < 20; ++i) {
+            payload = static_cast<uint8_t>(i % 2);
+            driver->receiveEvent(event);
+        }
+    }
+
+    EXPECT_EQ(allocations.load(), 0);
+    EXPECT_EQ(plant.digitalOutputsOnBus(1), 0x28);
+}
+
+TEST(Allocation, AnalogOutputEventsAllocateNothing) {
+    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    StepClock clock;
+    auto driver = TestHost::create(DriverConfig::analog().analogOut(20, "1", "0"));
+    TestHost::initialize(*driver);
+    clock.waitUntilPaused();
+    float value = 1.0f;
+    const stEventParams_t event = eventWith(20, reinterpret_cast<uint8_t*>(&value), sizeof value);
+    driver->receiveEvent(event);
+    allocations = 0;
+
+    {
+        CountingScope counting;
+        for (int i = 0; i < 20; ++i) {
+            value = static_cast<float>(i);
+            driver->receiveEvent(event);
+        }
+    }
+
+    EXPECT_EQ(allocations.load(), 0);
+    EXPECT_EQ(plant.analogOutputOnBus(1, 1), 57000);
+}
+
+TEST(Allocation, WhereverTheFactoryRunsOutOfMemoryItThrowsBadAllocAndLeavesNothingBehind) {
+    const auto config = DriverConfig::digital().digitalIn(1, "0").restart(2);
+    int failures = 0;
+    for (long failing = 1;; ++failing) {
+        allocations = 0;
+        failingAllocation = failing;
+        bool created = false;
+        try {
+            CountingScope counting;
+            auto driver = TestHost::create(config);
+            created = true;
+        } catch (const std::bad_alloc&) {
+            ++failures;
+        }
+        failingAllocation = 0;
+        if (created) {
+            break;
+        }
+    }
+    // Copying the records alone takes several allocations; each of them was made to fail once.
+    EXPECT_GT(failures, 5);
+}
+
+TEST(Allocation, WhereverRegistrationRunsOutOfMemoryItThrowsBadAlloc) {
+    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    // Attached, and the platform's input copy used once, beforehand: the failing allocation is
+    // to meet the driver's own work, not the runtime's start or the virtual controller's.
+    TestHost::initialize(*TestHost::create(DriverConfig("NONE").restart(1)));
+    // Refused at the last service, so that no thread starts.
+    const auto config = DriverConfig("MEMORY")
+                            .digitalIn(1, "0")
+                            .analogIn(2, "1")
+                            .digitalOut(3, "2", "1")
+                            .analogOut(4, "3", "1")
+                            .restart(5)
+                            .service(6, "Counter", 6);
+    int failures = 0;
+    for (long failing = 1;; ++failing) {
+        DriverPtr<ExposedDriver> driver(new ExposedDriver(config));
+        driver->setModule(new MemoryModule());
+        allocations = 0;
+        failingAllocation = failing;
+        bool initialised = false;
+        try {
+            CountingScope counting;
+            TestHost::initialize(*driver);
+            initialised = true;
+        } catch (const std::bad_alloc&) {
+            ++failures;
+        }
+        failingAllocation = 0;
+        if (initialised) {
+            EXPECT_EQ(driver->restartEventIds().size(), 1u);
+            break;
+        }
+    }
+    EXPECT_GT(failures, 5);
+}

@@ -1,0 +1,67 @@
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "DriverConfig.h"
+#include "LogLines.h"
+#include "TestHost.h"
+#include "orbel/Recorder.h"
+#include "vplc/Plant.h"
+#include "vplc/Runtime.h"
+
+using drivertest::DriverConfig;
+using drivertest::Logged;
+using drivertest::TestHost;
+
+namespace {
+
+const Logged kNotAttached{2,
+                          "CPLCNext: Not attached to the PLCnext runtime (loading the Arp system "
+                          "module failed); the driver does not start.",
+                          "CPLCNext: Not attached to the PLCnext runtime (loading the Arp system "
+                          "module failed); the driver does not start."};
+
+// The attachment is made once per process: in this program it always fails.
+class WithoutRuntime : public ::testing::Test {
+protected:
+    WithoutRuntime() { vplc::Runtime::setModuleMain(vplc::Runtime::MainOutcome::NullDomain); }
+    ~WithoutRuntime() override { vplc::Runtime::reset(); }
+
+    orbel::Recorder recorder_;
+    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8});
+};
+
+}  // namespace
+
+TEST_F(WithoutRuntime, ADriverThatCannotAttachReportsItAndDoesNotStart) {
+    auto driver =
+        TestHost::create(DriverConfig::digital().digitalIn(1, "0").digitalOut(2, "1", "1"));
+    recorder_.clear();
+
+    TestHost::initialize(*driver);
+
+    EXPECT_EQ(drivertest::loggedLines(recorder_), std::vector<Logged>{kNotAttached});
+    const auto stops = recorder_.stops(driver.get());
+    ASSERT_EQ(stops.size(), 1u);
+    EXPECT_FALSE(stops[0].hasService);
+    EXPECT_EQ(stops[0].message, "PLCnext runtime not available");
+    EXPECT_EQ(plant_.calls("ArpPlcIo_GetBufferPtrByBufferID"), 0);
+    EXPECT_EQ(plant_.calls("ArpPlcAxio_ReadFromAxioToGds"), 0);
+    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
+    EXPECT_TRUE(recorder_.threadStarts().empty());
+}
+
+TEST_F(WithoutRuntime, EveryLaterDriverOfTheProcessIsRefusedTheSameWay) {
+    auto first = TestHost::create(DriverConfig::digital());
+    TestHost::initialize(*first);
+    auto second = TestHost::create(DriverConfig::analog());
+    recorder_.clear();
+
+    TestHost::initialize(*second);
+
+    EXPECT_EQ(drivertest::loggedLines(recorder_), std::vector<Logged>{kNotAttached});
+    ASSERT_EQ(recorder_.stops(second.get()).size(), 1u);
+    EXPECT_EQ(recorder_.stops(second.get())[0].message, "PLCnext runtime not available");
+    EXPECT_EQ(plant_.buffersHeld(), 0);
+    EXPECT_TRUE(recorder_.threadStarts().empty());
+}

@@ -1,0 +1,161 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "Arp/System/Commons/Exceptions/Exceptions.h"
+#include "DriverConfig.h"
+#include "LogLines.h"
+#include "TestHost.h"
+#include "orbel/Recorder.h"
+#include "vplc/Plant.h"
+#include "vplc/PlatformCalls.h"
+#include "vplc/Runtime.h"
+#include "vplc/VirtualClock.h"
+
+using drivertest::DriverConfig;
+using drivertest::DriverPtr;
+using drivertest::Logged;
+using drivertest::TestHost;
+
+namespace {
+
+const Logged kRestartLine{4,
+                          "CPLCNext: Device restart requested from Runtime, going for reboot now.",
+                          "CPLCNext: Device restart requested from Runtime, going for reboot now."};
+
+class DeviceRestart : public ::testing::Test {
+protected:
+    DeviceRestart() {
+        vplc::Runtime::reset();
+        clock_.holdScans(true);
+        driver_ = TestHost::create(DriverConfig::digital().restart(30).digitalOut(20, "0", "0"));
+        TestHost::initialize(*driver_);
+        clock_.settle();
+        recorder_.clear();
+        busCopiesAtStart_ = plant_.calls("ArpPlcAxio_WriteFromGdsToAxio");
+        servicesAtStart_ = vplc::Runtime::servicesMade();
+    }
+    ~DeviceRestart() override {
+        driver_.reset();
+        vplc::Runtime::reset();
+    }
+
+    void restart() { TestHost::deliverBytes(*driver_, 30, {0}); }
+
+    std::vector<Logged> logs() const {
+        std::vector<Logged> lines;
+        for (const auto& line : recorder_.logs(driver_.get())) {
+            lines.push_back({line.level, line.format, line.text});
+        }
+        return lines;
+    }
+
+    int busCopies() const {
+        return plant_.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesAtStart_;
+    }
+
+    orbel::Recorder recorder_;
+    vplc::VirtualClock clock_;
+    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8});
+    DriverPtr<> driver_;
+    int busCopiesAtStart_ = 0;
+    int servicesAtStart_ = 0;
+};
+
+}  // namespace
+
+TEST_F(DeviceRestart, EachRestartEventLogsTheRequestOnceAndRestartsOnce) {
+    restart();
+
+    EXPECT_EQ(logs(), std::vector<Logged>{kRestartLine});
+    EXPECT_EQ(vplc::Runtime::restarts(), 1);
+    EXPECT_EQ(busCopies(), 1);
+}
+
+TEST_F(DeviceRestart, TwoRestartEventsObtainAndReleaseTwoSeparateServiceObjects) {
+    const int liveBefore = vplc::Runtime::liveServices();
+
+    restart();
+    EXPECT_EQ(vplc::Runtime::liveServices(), liveBefore);
+    restart();
+
+    EXPECT_EQ(vplc::Runtime::servicesMade() - servicesAtStart_, 2);
+    EXPECT_EQ(vplc::Runtime::liveServices(), liveBefore);
+    EXPECT_EQ(vplc::Runtime::restarts(), 2);
+    EXPECT_EQ(logs(), (std::vector<Logged>{kRestartLine, kRestartLine}));
+}
+
+TEST_F(DeviceRestart, WhenNoServiceIsFoundTheLineIsLoggedAndTheLookupExceptionReachesTheHost) {
+    vplc::Runtime::setServiceLookup(vplc::Runtime::Lookup::NoService);
+
+    try {
+        restart();
+        FAIL() << "nothing thrown";
+    } catch (const Arp::System::Commons::InvalidOperationException& error) {
+        EXPECT_EQ(error.GetMessage(),
+                  "Could not retrieve service "
+                  "'Arp::Device::Interface::Services::IDeviceControlService' from service provider "
+                  "'Arp'.");
+    }
+
+    EXPECT_EQ(logs(), std::vector<Logged>{kRestartLine});
+    EXPECT_EQ(vplc::Runtime::restarts(), 0);
+    EXPECT_EQ(busCopies(), 0);
+}
+
+TEST_F(DeviceRestart, AFactoryWithoutProviderNameFailsWithAnArgumentException) {
+    vplc::Runtime::setServiceLookup(vplc::Runtime::Lookup::EmptyProviderName);
+
+    try {
+        restart();
+        FAIL() << "nothing thrown";
+    } catch (const Arp::System::Commons::ArgumentException& error) {
+        EXPECT_EQ(error.GetMessage(), "Service does not specify a service provider");
+        EXPECT_EQ(error.GetArgumentName(), "TService");
+        EXPECT_EQ(error.GetArgumentValue(), "Arp.Device.Interface.Services.IDeviceControlService");
+    }
+
+    EXPECT_EQ(logs(), std::vector<Logged>{kRestartLine});
+    EXPECT_EQ(busCopies(), 0);
+}
+
+TEST_F(DeviceRestart, AFactoryWithANullProviderNameFailsWithALogicError) {
+    vplc::Runtime::setServiceLookup(vplc::Runtime::Lookup::NullProviderName);
+
+    EXPECT_THROW(restart(), std::logic_error);
+
+    EXPECT_EQ(logs(), std::vector<Logged>{kRestartLine});
+    EXPECT_EQ(busCopies(), 0);
+}
+
+TEST_F(DeviceRestart, AServiceOfTheWrongTypeFailsWithAnInvalidCastException) {
+    vplc::Runtime::setServiceLookup(vplc::Runtime::Lookup::WrongType);
+
+    try {
+        restart();
+        FAIL() << "nothing thrown";
+    } catch (const Arp::System::Commons::InvalidCastException& error) {
+        EXPECT_EQ(error.GetMessage(),
+                  "The service does not implement service interface "
+                  "'Arp.Device.Interface.Services.IDeviceControlService'.");
+    }
+
+    EXPECT_EQ(vplc::Runtime::restarts(), 0);
+    EXPECT_EQ(busCopies(), 0);
+}
+
+TEST_F(DeviceRestart, AFailingRestartPassesItsExceptionOnAndStillReleasesTheService) {
+    const int liveBefore = vplc::Runtime::liveServices();
+    vplc::inject(vplc::Runtime::kRestartDevice, vplc::Fault::next("device busy"));
+
+    try {
+        restart();
+        FAIL() << "nothing thrown";
+    } catch (const Arp::Exception& error) {
+        EXPECT_EQ(error.GetMessage(), "device busy");
+    }
+
+    EXPECT_EQ(vplc::Runtime::liveServices(), liveBefore);
+    EXPECT_EQ(busCopies(), 0);
+}

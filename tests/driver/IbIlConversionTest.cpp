@@ -1,0 +1,173 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "modules/IbIlConversion.h"
+
+namespace {
+
+uint32_t bitsOf(float value) {
+    uint32_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
+}
+
+float floatWithBits(uint32_t bits) {
+    float value = 0.0f;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+// The scale step: the float nearest to 1/3000.
+const float kStep = floatWithBits(0x39AEC33Eu);
+
+}  // namespace
+
+TEST(IbIlConversion, WordZeroIsZero) {
+    EXPECT_EQ(bitsOf(from_ib_il(0)), bitsOf(0.0f));
+}
+
+TEST(IbIlConversion, WordOneIsExactlyTheScaleStep) {
+    EXPECT_EQ(bitsOf(from_ib_il(1)), 0x39AEC33Eu);
+    EXPECT_EQ(bitsOf(from_ib_il(1)), bitsOf(kStep));
+}
+
+TEST(IbIlConversion, Word3000IsOne) {
+    EXPECT_EQ(bitsOf(from_ib_il(3000)), bitsOf(1.0f));
+}
+
+TEST(IbIlConversion, Word15000IsFive) {
+    EXPECT_EQ(bitsOf(from_ib_il(15000)), bitsOf(5.0f));
+}
+
+TEST(IbIlConversion, Word30000IsTen) {
+    EXPECT_EQ(bitsOf(from_ib_il(30000)), bitsOf(10.0f));
+}
+
+TEST(IbIlConversion, Word65535Is21_844999) {
+    EXPECT_EQ(bitsOf(from_ib_il(65535)), bitsOf(21.844999f));
+}
+
+TEST(IbIlConversion, WordsFrom0x8000UpAreLargePositiveValues) {
+    EXPECT_EQ(bitsOf(from_ib_il(32768)), bitsOf(10.922667f));
+}
+
+TEST(IbIlConversion, EveryWordIsTheSinglePrecisionProductOfWordAndStep) {
+    for (uint32_t word = 0; word <= 0xFFFFu; ++word) {
+        const float expected = static_cast<float>(word) * kStep;
+        ASSERT_EQ(bitsOf(from_ib_il(static_cast<unsigned short>(word))), bitsOf(expected))
+            << "word " << word;
+    }
+}
+
+TEST(IbIlConversion, OneIsSentAs3000) {
+    EXPECT_EQ(to_ib_il(1.0f), 3000);
+}
+
+TEST(IbIlConversion, TenIsSentAs30000) {
+    EXPECT_EQ(to_ib_il(10.0f), 30000);
+}
+
+TEST(IbIlConversion, AValueBetweenStepsIsTruncatedNotRounded) {
+    EXPECT_EQ(to_ib_il(3.3333f), 9999);
+}
+
+TEST(IbIlConversion, OnePoint23456IsSentAs3703) {
+    EXPECT_EQ(to_ib_il(1.23456f), 3703);
+}
+
+TEST(IbIlConversion, AValueBelowOneStepIsSentAsZero) {
+    EXPECT_EQ(to_ib_il(0.0001f), 0);
+}
+
+TEST(IbIlConversion, TwentyOnePoint845IsSentAs65535) {
+    EXPECT_EQ(to_ib_il(21.845f), 65535);
+}
+
+TEST(IbIlConversion, TwentyOnePoint846WrapsAroundTo2) {
+    EXPECT_EQ(to_ib_il(21.846f), 2);
+}
+
+TEST(IbIlConversion, TwentyTwoIsSentAs464BecauseTheCountWraps) {
+    EXPECT_EQ(to_ib_il(22.0f), 464);
+}
+
+TEST(IbIlConversion, OneHundredIsSentAs37856BecauseTheCountWraps) {
+    EXPECT_EQ(to_ib_il(100.0f), 37856);
+}
+
+TEST(IbIlConversion, ANegativeValueIsSentAsZero) {
+    EXPECT_EQ(to_ib_il(-1.0f), 0);
+    EXPECT_EQ(to_ib_il(-0.0001f), 0);
+    EXPECT_EQ(to_ib_il(-std::numeric_limits<float>::infinity()), 0);
+}
+
+TEST(IbIlConversion, NotANumberIsSentAsZero) {
+    EXPECT_EQ(to_ib_il(std::numeric_limits<float>::quiet_NaN()), 0);
+    EXPECT_EQ(to_ib_il(-std::numeric_limits<float>::quiet_NaN()), 0);
+}
+
+TEST(IbIlConversion, ACountOf2To32OrMoreSaturatesBeforeKeepingTheLow16Bits) {
+    EXPECT_EQ(to_ib_il(1e10f), 65535);
+    EXPECT_EQ(to_ib_il(std::numeric_limits<float>::infinity()), 65535);
+    EXPECT_EQ(to_ib_il(std::numeric_limits<float>::max()), 65535);
+}
+
+TEST(IbIlConversion, ACountAbove2To31IsTakenAsUnsignedBeforeKeepingTheLow16Bits) {
+    // 1000000 / step is 3000000000, beyond the int range: 3000000000 mod 65536 is 24064.
+    EXPECT_EQ(to_ib_il(1000000.0f), 24064);
+}
+
+TEST(IbIlConversion, TheLastCountBelow2To32WrapsAndTheFirstAboveItSaturates) {
+    // 1431655 / step is 4294964992 (0xFFFFF700); 1431656 / step is 4294967808, above 2^32 - 1.
+    EXPECT_EQ(to_ib_il(1431655.0f), 0xF700);
+    EXPECT_EQ(to_ib_il(1431656.0f), 65535);
+}
+
+TEST(IbIlConversion, ValuesAreDividedByTheStepNotMultipliedBy3000) {
+    // For the word 7 the two differ: from_ib_il(7) * 3000 truncates to 6, while dividing it by the
+    // step gives back 7.
+    const float value = from_ib_il(7);
+    ASSERT_EQ(static_cast<uint32_t>(value * 3000.0f), 6u);
+    EXPECT_EQ(to_ib_il(value), 7);
+}
+
+TEST(IbIlConversion, Word3ComesBackAs2BecauseItsQuotientIsJustBelow3) {
+    EXPECT_EQ(bitsOf(from_ib_il(3)), bitsOf(0.00099999993f));
+    EXPECT_EQ(to_ib_il(from_ib_il(3)), 2);
+}
+
+TEST(IbIlConversion, TheRoundTripGivesBack5587WordsOneLowerAndNoneFurtherOff) {
+    int oneLower = 0;
+    int furtherOff = 0;
+    for (uint32_t word = 0; word <= 0xFFFFu; ++word) {
+        const unsigned back = to_ib_il(from_ib_il(static_cast<unsigned short>(word)));
+        if (back + 1 == word) {
+            ++oneLower;
+        } else if (back != word) {
+            ++furtherOff;
+        }
+    }
+    EXPECT_EQ(oneLower, 5587);
+    EXPECT_EQ(furtherOff, 0);
+}
+
+TEST(IbIlConversion, TheFirstWordsThatComeBackOneLowerAre3_6_12And13) {
+    std::vector<unsigned> firstLower;
+    for (uint32_t word = 0; word <= 0xFFFFu && firstLower.size() < 4; ++word) {
+        if (to_ib_il(from_ib_il(static_cast<unsigned short>(word))) != word) {
+            firstLower.push_back(word);
+        }
+    }
+    EXPECT_EQ(firstLower, (std::vector<unsigned>{3, 6, 12, 13}));
+}
+
+TEST(IbIlConversion, TheRoundTripKeeps3000_15000And30000) {
+    EXPECT_EQ(to_ib_il(from_ib_il(3000)), 3000);
+    EXPECT_EQ(to_ib_il(from_ib_il(15000)), 15000);
+    EXPECT_EQ(to_ib_il(from_ib_il(30000)), 30000);
+}

@@ -1,0 +1,466 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "DriverConfig.h"
+#include "ExposedDriver.h"
+#include "LogLines.h"
+#include "TestHost.h"
+#include "modules/AXL_F_AI2_AO2.h"
+#include "modules/AXL_F_DI8_1_DO8_1.h"
+#include "orbel/Recorder.h"
+#include "vplc/Plant.h"
+#include "vplc/VirtualClock.h"
+
+using drivertest::DriverConfig;
+using drivertest::DriverPtr;
+using drivertest::ExposedDriver;
+using drivertest::Logged;
+using drivertest::TestHost;
+
+namespace {
+
+// Modules that answer registration differently from the real ones.
+template <class Module>
+class RefusingModule : public Module {
+public:
+    using Module::Module;
+    bool registerService(int, ServiceType) override { return false; }
+};
+
+template <class Module>
+class NeverTakenModule : public Module {
+public:
+    using Module::Module;
+    bool isServiceAlreadyRegistered(int, ServiceType) override { return false; }
+    bool registerService(int, ServiceType) override { return true; }
+};
+
+constexpr const char* kTestModule = "TEST_MODULE";
+
+// Driver threads wait at the scan gate, so that the tables and the input buffers stay as the
+// registration left them.
+class PinRegistration : public ::testing::Test {
+protected:
+    PinRegistration() { clock_.holdScans(true); }
+
+    ExposedDriver& initialize(const DriverConfig& config) {
+        driver_.reset(new ExposedDriver(config));
+        TestHost::initialize(*driver_);
+        clock_.settle();
+        return *driver_;
+    }
+
+    // Initialises with a module of the test's own, for the device type kTestModule.
+    ExposedDriver& initializeWith(INumberedPinModule* module, DriverConfig config) {
+        driver_.reset(new ExposedDriver(config));
+        driver_->setModule(module);
+        TestHost::initialize(*driver_);
+        clock_.settle();
+        return *driver_;
+    }
+
+    std::vector<Logged> logs() const {
+        std::vector<Logged> lines;
+        for (const auto& line : recorder_.logs(driver_.get())) {
+            lines.push_back({line.level, line.format, line.text});
+        }
+        return lines;
+    }
+
+    std::vector<std::string> stopMessages() const {
+        std::vector<std::string> messages;
+        for (const auto& stop : recorder_.stops(driver_.get())) {
+            EXPECT_TRUE(stop.hasService);
+            messages.push_back(stop.message);
+        }
+        return messages;
+    }
+
+    // Whether the driver's output registry binds the pin to the event id, as the given kind.
+    ::testing::AssertionResult outputBound(int pin, uint32_t eventId, ServiceType type) const {
+        const auto& outputs = driver_->outputs();
+        const auto entry = outputs.find(pin);
+        if (entry == outputs.end()) {
+            return ::testing::AssertionFailure() << "no output entry for pin " << pin;
+        }
+        if (entry->second.nEventId != eventId || entry->second.eType != type) {
+            return ::testing::AssertionFailure()
+                   << "pin " << pin << " is bound to " << entry->second.nEventId << " as "
+                   << entry->second.eType;
+        }
+        return ::testing::AssertionSuccess();
+    }
+
+    orbel::Recorder recorder_;
+    vplc::VirtualClock clock_;
+    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    DriverPtr<ExposedDriver> driver_;
+};
+
+}  // namespace
+
+TEST_F(PinRegistration, ADigitalInputOnPin3GetsAZeroedBufferOfItsSizeAndItsEventId) {
+    auto& driver = initialize(DriverConfig::digital().digitalIn(17, "3", 6));
+
+    ASSERT_EQ(driver.digitalInputs().count(3), 1u);
+    const stEventParams_t& event = driver.digitalInputs().at(3);
+    EXPECT_EQ(event.nId, 17u);
+    EXPECT_EQ(event.nSize, 6u);
+    ASSERT_NE(event.pData, nullptr);
+    EXPECT_EQ(std::vector<uint8_t>(event.pData, event.pData + 6), std::vector<uint8_t>(6, 0));
+    EXPECT_TRUE(driver.module()->isServiceAlreadyRegistered(3, DigitalIn));
+    EXPECT_TRUE(recorder_.stops().empty());
+    EXPECT_TRUE(logs().empty());
+}
+
+TEST_F(PinRegistration, AnAnalogInputOnPin1GetsAZeroedBufferOfItsSizeAndItsEventId) {
+    auto& driver = initialize(DriverConfig::analog(2).analogIn(8, "1"));
+
+    ASSERT_EQ(driver.analogInputs().count(1), 1u);
+    const stEventParams_t& event = driver.analogInputs().at(1);
+    EXPECT_EQ(event.nId, 8u);
+    EXPECT_EQ(event.nSize, 4u);
+    EXPECT_EQ(std::vector<uint8_t>(event.pData, event.pData + 4), std::vector<uint8_t>(4, 0));
+    EXPECT_TRUE(driver.module()->isServiceAlreadyRegistered(1, AnalogIn));
+}
+
+TEST_F(PinRegistration, APinNumberAfterBlanksIsRead) {
+    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "   7"));
+    EXPECT_EQ(driver.digitalInputs().count(7), 1u);
+}
+
+TEST_F(PinRegistration, TextAfterThePinNumberIsIgnored) {
+    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "7abc"));
+    EXPECT_EQ(driver.digitalInputs().count(7), 1u);
+}
+
+TEST_F(PinRegistration, APinNumberOf1Point5IsPin1) {
+    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "1.5"));
+    EXPECT_EQ(driver.digitalInputs().count(1), 1u);
+}
+
+TEST_F(PinRegistration, PinMinus1IsReportedAsNotAvailable) {
+    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "-1"));
+
+    EXPECT_EQ(logs(), (std::vector<Logged>{
+                          {2,
+                           "Digital input pin with number &d is not available. Valid numbers "
+                           "are %s.",
+                           "Digital input pin with number -1 is not available. Valid numbers are "
+                           "0 - 7."}}));
+    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid digital input number."});
+    EXPECT_TRUE(driver.digitalInputs().empty());
+}
+
+TEST_F(PinRegistration, DigitalInputPin8IsNotAvailableOnTheDigitalModule) {
+    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "8"));
+
+    EXPECT_EQ(
+        logs(),
+        (std::vector<Logged>{{2,
+                              "Digital input pin with number &d is not available. Valid numbers "
+                              "are %s.",
+                              "Digital input pin with number 8 is not available. Valid numbers are "
+                              "0 - 7."}}));
+    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid digital input number."});
+    EXPECT_TRUE(driver.digitalInputs().empty());
+    EXPECT_TRUE(recorder_.threadStarts().empty());
+}
+
+TEST_F(PinRegistration, DigitalOutputPin8IsNotAvailableOnTheDigitalModule) {
+    auto& driver = initialize(DriverConfig::digital().digitalOut(1, "8", "1"));
+
+    EXPECT_EQ(logs(), (std::vector<Logged>{
+                          {2,
+                           "Digital output pin with number &d is not available. Valid numbers "
+                           "are %s.",
+                           "Digital output pin with number 8 is not available. Valid numbers are "
+                           "0 - 7."}}));
+    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid digital output pin number."});
+    EXPECT_TRUE(driver.outputs().empty());
+    EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 0);
+}
+
+TEST_F(PinRegistration, AnalogInputPin2IsNotAvailableOnTheAnalogModule) {
+    auto& driver = initialize(DriverConfig::analog(2).analogIn(1, "2"));
+
+    EXPECT_EQ(
+        logs(),
+        (std::vector<Logged>{{2,
+                              "Analog input pin with number &d is not available. Valid numbers "
+                              "are %s",
+                              "Analog input pin with number 2 is not available. Valid numbers are "
+                              "0 - 1"}}));
+    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid analog input number."});
+    EXPECT_TRUE(driver.analogInputs().empty());
+}
+
+TEST_F(PinRegistration, AnalogOutputPin5IsNotAvailableOnTheAnalogModule) {
+    auto& driver = initialize(DriverConfig::analog(2).analogOut(1, "5", "1"));
+
+    EXPECT_EQ(
+        logs(),
+        (std::vector<Logged>{{2,
+                              "Analog output pin with number &d is not available. Valid numbers "
+                              "are %s.",
+                              "Analog output pin with number 5 is not available. Valid numbers are "
+                              "0 - 1."}}));
+    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid analog output number"});
+    EXPECT_TRUE(driver.outputs().empty());
+}
+
+TEST_F(PinRegistration, ASecondAnalogInputOnOnePinIsInUseWithAFullStop) {
+    auto& driver = initialize(DriverConfig::analog(2).analogIn(1, "1").analogIn(2, "1"));
+
+    EXPECT_EQ(logs(), (std::vector<Logged>{{2, "Analog input pin with number %d is already in use.",
+                                            "Analog input pin with number 1 is already in use."}}));
+    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Pin already in use."});
+    ASSERT_EQ(driver.analogInputs().size(), 1u);
+    EXPECT_EQ(driver.analogInputs().at(1).nId, 1u);
+}
+
+TEST_F(PinRegistration, ASecondDigitalInputOnOnePinIsInUseWithoutAFullStop) {
+    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "4").digitalIn(2, "4"));
+
+    EXPECT_EQ(logs(),
+              (std::vector<Logged>{{2, "Digital input pin with number %d is already in use.",
+                                    "Digital input pin with number 4 is already in use."}}));
+    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Pin already in use"});
+    ASSERT_EQ(driver.digitalInputs().size(), 1u);
+    EXPECT_EQ(driver.digitalInputs().at(4).nId, 1u);
+}
+
+TEST_F(PinRegistration, ASecondDigitalOutputOnOnePinIsInUseWithAFullStop) {
+    auto& driver =
+        initialize(DriverConfig::digital().digitalOut(1, "4", "0").digitalOut(2, "4", "1"));
+
+    EXPECT_EQ(driver.outputs().size(), 1u);
+    EXPECT_EQ(logs(),
+              (std::vector<Logged>{{2, "Digital output pin with number %d is already in use.",
+                                    "Digital output pin with number 4 is already in use."}}));
+    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Pin already in use."});
+    EXPECT_TRUE(outputBound(4, 1, DigitalOut));
+}
+
+TEST_F(PinRegistration, ASecondAnalogOutputOnOnePinIsInUseWithoutAFullStop) {
+    auto& driver =
+        initialize(DriverConfig::analog(2).analogOut(1, "0", "1").analogOut(2, "0", "2"));
+
+    EXPECT_EQ(logs(),
+              (std::vector<Logged>{{2, "Analog output pin with number %d is already in use.",
+                                    "Analog output pin with number 0 is already in use."}}));
+    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Pin already in use"});
+    EXPECT_TRUE(outputBound(0, 1, AnalogOut));
+    EXPECT_EQ(driver.outputs().size(), 1u);
+}
+
+TEST_F(PinRegistration, ADigitalInputAndADigitalOutputMayShareAPinNumber) {
+    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "2").digitalOut(2, "2", "0"));
+
+    EXPECT_TRUE(recorder_.stops().empty());
+    EXPECT_EQ(driver.digitalInputs().count(2), 1u);
+    EXPECT_TRUE(outputBound(2, 2, DigitalOut));
+}
+
+TEST_F(PinRegistration, AServiceWithoutPinNumThrowsAndLeavesTheHostsRecordWithoutIt) {
+    driver_.reset(new ExposedDriver(DriverConfig::digital().service(1, "DigitalIn", 1)));
+
+    try {
+        TestHost::initialize(*driver_);
+        FAIL() << "nothing thrown";
+    } catch (const std::invalid_argument& error) {
+        EXPECT_STREQ(error.what(), "stoi");
+    }
+
+    EXPECT_TRUE(driver_->hostServices().at(1).mapParams.empty());
+    EXPECT_TRUE(driver_->digitalInputs().empty());
+    EXPECT_TRUE(recorder_.stops().empty());
+    EXPECT_TRUE(logs().empty());
+}
+
+TEST_F(PinRegistration, APinNumAbcThrowsInvalidArgument) {
+    driver_.reset(new ExposedDriver(DriverConfig::digital().digitalIn(1, "abc")));
+
+    try {
+        TestHost::initialize(*driver_);
+        FAIL() << "nothing thrown";
+    } catch (const std::invalid_argument& error) {
+        EXPECT_STREQ(error.what(), "stoi");
+    }
+
+    EXPECT_EQ(driver_->hostServices().at(1).mapParams.at("PinNum"), "abc");
+    EXPECT_FALSE(driver_->module()->isServiceAlreadyRegistered(0, DigitalIn));
+}
+
+TEST_F(PinRegistration, APinNumBeyondTheIntRangeThrowsOutOfRange) {
+    driver_.reset(new ExposedDriver(DriverConfig::analog(2).analogIn(1, "99999999999")));
+
+    try {
+        TestHost::initialize(*driver_);
+        FAIL() << "nothing thrown";
+    } catch (const std::out_of_range& error) {
+        EXPECT_STREQ(error.what(), "stoi");
+    }
+    EXPECT_TRUE(recorder_.stops().empty());
+}
+
+TEST_F(PinRegistration, ADigitalOutputWithoutInitValThrowsBeforeTheModuleIsAsked) {
+    driver_.reset(
+        new ExposedDriver(DriverConfig::digital().service(1, "DigitalOut", 1, {{"PinNum", "3"}})));
+
+    try {
+        TestHost::initialize(*driver_);
+        FAIL() << "nothing thrown";
+    } catch (const std::invalid_argument& error) {
+        EXPECT_STREQ(error.what(), "stoi");
+    }
+
+    EXPECT_FALSE(driver_->module()->isServiceAlreadyRegistered(3, DigitalOut));
+    EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 0);
+    EXPECT_TRUE(driver_->outputs().empty());
+    EXPECT_EQ(driver_->hostServices().at(1).mapParams.count("InitVal"), 0u);
+}
+
+TEST_F(PinRegistration, AnInvalidInitValThrowsEvenForAPinThatIsNotAvailable) {
+    driver_.reset(new ExposedDriver(DriverConfig::analog(2).analogOut(1, "7", "x")));
+
+    EXPECT_THROW(TestHost::initialize(*driver_), std::invalid_argument);
+
+    EXPECT_TRUE(logs().empty());
+    EXPECT_TRUE(recorder_.stops().empty());
+}
+
+TEST_F(PinRegistration, InitVal1SwitchesADigitalOutputOn) {
+    initialize(DriverConfig::digital().digitalOut(1, "6", "1"));
+    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x40);
+}
+
+TEST_F(PinRegistration, InitVal256WritesTheLow8BitsWhichAre0) {
+    initialize(DriverConfig::digital().digitalOut(1, "0", "256"));
+    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x00);
+    EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 1);
+}
+
+TEST_F(PinRegistration, InitValMinus1Writes255) {
+    // The module's set-or-clear rule makes 255 set pin 0 and clear every other pin; a value of 1
+    // would have set pin 2 as well.
+    initialize(DriverConfig::digital().digitalOut(1, "0", "-1").digitalOut(2, "2", "-1"));
+    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x01);
+}
+
+TEST_F(PinRegistration, AnAnalogInitVal1Writes3000) {
+    initialize(DriverConfig::analog(2).analogOut(1, "1", "1"));
+    EXPECT_EQ(plant_.analogOutputOnBus(2, 1), 3000);
+}
+
+TEST_F(PinRegistration, AnAnalogInitVal10Writes30000) {
+    initialize(DriverConfig::analog(2).analogOut(1, "0", "10"));
+    EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 30000);
+}
+
+TEST_F(PinRegistration, AnAnalogInitVal1Point5IsTakenAs1) {
+    initialize(DriverConfig::analog(2).analogOut(1, "0", "1.5"));
+    EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 3000);
+}
+
+TEST_F(PinRegistration, ADigitalOutputOnPin2IsRegisteredWithType3) {
+    initialize(DriverConfig::digital().digitalOut(12, "2", "0"));
+    EXPECT_TRUE(outputBound(2, 12, DigitalOut));
+    EXPECT_EQ(static_cast<int>(DigitalOut), 3);
+}
+
+TEST_F(PinRegistration, AnAnalogOutputOnPin1IsRegisteredWithType1) {
+    initialize(DriverConfig::analog(2).analogOut(13, "1", "0"));
+    EXPECT_TRUE(outputBound(1, 13, AnalogOut));
+    EXPECT_EQ(static_cast<int>(AnalogOut), 1);
+}
+
+TEST_F(PinRegistration, AnEventIdWithoutMappingGetsAnElementOfSize0AndAnEmptyPayload) {
+    auto config = DriverConfig::digital().digitalIn(5, "1");
+    config.mappings.clear();
+
+    auto& driver = initialize(config);
+
+    ASSERT_EQ(driver.hostMappings().count(5), 1u);
+    EXPECT_EQ(driver.hostMappings().at(5).nDataSize, 0);
+    ASSERT_EQ(driver.digitalInputs().count(1), 1u);
+    EXPECT_EQ(driver.digitalInputs().at(1).nSize, 0u);
+    EXPECT_NE(driver.digitalInputs().at(1).pData, nullptr);
+    EXPECT_TRUE(recorder_.stops().empty());
+}
+
+TEST_F(PinRegistration, AModuleRefusingADigitalInputStopsSilentlyAndKeepsTheEntry) {
+    auto& driver = initializeWith(new RefusingModule<AXL_F_DI8_1_DO8_1>(1),
+                                  DriverConfig(kTestModule).digitalIn(3, "5"));
+
+    EXPECT_TRUE(logs().empty());
+    EXPECT_EQ(stopMessages(),
+              std::vector<std::string>{"Can't register service for digital input pin."});
+    ASSERT_EQ(driver.digitalInputs().count(5), 1u);
+    EXPECT_EQ(driver.digitalInputs().at(5).nId, 3u);
+}
+
+TEST_F(PinRegistration, AModuleRefusingAnAnalogInputIsLoggedAndStoppedAndKeepsTheEntry) {
+    auto& driver = initializeWith(new RefusingModule<AXL_F_AI2_AO2>(2),
+                                  DriverConfig(kTestModule).analogIn(3, "1"));
+
+    EXPECT_EQ(logs(), (std::vector<Logged>{{2, "Could not register service for analog input pin %i",
+                                            "Could not register service for analog input pin 1"}}));
+    EXPECT_EQ(stopMessages(),
+              std::vector<std::string>{"Could not register service for analog input pin"});
+    EXPECT_EQ(driver.analogInputs().count(1), 1u);
+}
+
+TEST_F(PinRegistration, AModuleRefusingADigitalOutputGetsNoInitialWriteAndNoEntry) {
+    auto& driver = initializeWith(new RefusingModule<AXL_F_DI8_1_DO8_1>(1),
+                                  DriverConfig(kTestModule).digitalOut(3, "5", "1"));
+
+    EXPECT_TRUE(logs().empty());
+    EXPECT_EQ(stopMessages(),
+              std::vector<std::string>{"Could not register service for digital output pin."});
+    EXPECT_TRUE(driver.outputs().empty());
+    EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 0);
+}
+
+TEST_F(PinRegistration, AModuleRefusingAnAnalogOutputGetsNoInitialWriteAndNoEntry) {
+    auto& driver = initializeWith(new RefusingModule<AXL_F_AI2_AO2>(2),
+                                  DriverConfig(kTestModule).analogOut(3, "0", "4"));
+
+    EXPECT_TRUE(logs().empty());
+    EXPECT_EQ(stopMessages(),
+              std::vector<std::string>{"Can't register service for analog output pin"});
+    EXPECT_TRUE(driver.outputs().empty());
+    EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 0);
+}
+
+TEST_F(PinRegistration, ALaterDigitalInputOnAPinReplacesTheEarlierRecord) {
+    auto& driver = initializeWith(new NeverTakenModule<AXL_F_DI8_1_DO8_1>(1),
+                                  DriverConfig(kTestModule).digitalIn(1, "2").digitalIn(2, "2", 3));
+
+    ASSERT_EQ(driver.digitalInputs().count(2), 1u);
+    EXPECT_EQ(driver.digitalInputs().at(2).nId, 2u);
+    EXPECT_EQ(driver.digitalInputs().at(2).nSize, 3u);
+}
+
+TEST_F(PinRegistration, ALaterAnalogInputOnAPinKeepsTheEarlierRecord) {
+    auto& driver = initializeWith(new NeverTakenModule<AXL_F_AI2_AO2>(2),
+                                  DriverConfig(kTestModule).analogIn(1, "0").analogIn(2, "0", 8));
+
+    ASSERT_EQ(driver.analogInputs().count(0), 1u);
+    EXPECT_EQ(driver.analogInputs().at(0).nId, 1u);
+    EXPECT_EQ(driver.analogInputs().at(0).nSize, 4u);
+}
+
+TEST_F(PinRegistration, ALaterOutputOnAPinTakesOverItsEntry) {
+    auto& driver =
+        initializeWith(new NeverTakenModule<AXL_F_AI2_AO2>(2),
+                       DriverConfig(kTestModule).analogOut(1, "0", "0").analogOut(2, "0", "1"));
+
+    EXPECT_TRUE(outputBound(0, 2, AnalogOut));
+    EXPECT_EQ(driver.outputs().size(), 1u);
+    EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 3000);
+}

@@ -88,7 +88,13 @@ bool begin(std::string_view function, TGdsBuffer* pBuffer, char** ppData, Access
         frame->unlock(access);
         return fail(kNoBus);
     }
-    frame->addHolder(self, access);
+    try {
+        frame->addHolder(self, access);
+    } catch (...) {
+        // Out of memory: the lock must not outlive the failed call.
+        frame->unlock(access);
+        throw;
+    }
     *ppData = frame->data();
     return true;
 }

@@ -1,0 +1,178 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include "Program.h"
+
+namespace {
+
+using axlsimtest::runProgram;
+using axlsimtest::writeConfig;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+const std::string kFeedbackLoop = AXLSIM_EXAMPLES "/feedback_loop.json";
+const std::string kMistakes = AXLSIM_EXAMPLES "/mistakes.json";
+
+std::string digitalConfig(const std::string& scenario, const std::string& extra = "") {
+    return R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+                "mappings": { "200": { "size": 1 } },
+                "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } },
+                "scenario": )" +
+           scenario + extra + "}";
+}
+
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> result;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        result.push_back(line);
+    return result;
+}
+
+TEST(CommandLine, RunExitsWith0WhenTheRunGoesAsTheConfigurationExpects) {
+    const auto run = runProgram({"run", kFeedbackLoop});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out,
+                HasSubstr("CPLCNext: Drivername[Plc Next]-Version [1.3.2] - Service[IO1]"));
+}
+
+TEST(CommandLine, RunExitsWith1WhenTheDriverStopsUnexpectedly) {
+    const auto config = writeConfig(
+        "stop.json", digitalConfig(R"([ { "at_ms": 100, "event": { "id": 7, "value": 1 } } ])"));
+    const auto run = runProgram({"run", config});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr("\"Unsubscribed event received\""));
+}
+
+TEST(CommandLine, RunExitsWith1WhenAnExceptionLeavesTheDriver) {
+    const auto config =
+        writeConfig("throw.json", R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1" } })");
+    const auto run = runProgram({"run", config, "--json"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(
+        run.out,
+        HasSubstr(
+            R"("kind":"exception","where":"create","type":"std::invalid_argument","what":"stoi")"));
+}
+
+TEST(CommandLine, RunExitsWith1WhenAnExpectedStopDoesNotCome) {
+    const auto config = writeConfig("expect.json", digitalConfig("[]", R"(, "expect_stop": true)"));
+    EXPECT_EQ(runProgram({"run", config}).status, 1);
+}
+
+TEST(CommandLine, RunExitsWith2ForAConfigurationItCannotReadAndSaysWhereAndWhy) {
+    const auto config = writeConfig("bad.json", R"({ "driver": { "params": { "PinNum": 3 } } })");
+    const auto run = runProgram({"run", config});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr(config + ": /driver/params/PinNum: expected a text"));
+    EXPECT_EQ(run.out, "");
+}
+
+TEST(CommandLine, RunExitsWith2ForAMissingFile) {
+    const auto run = runProgram({"run", "/nonexistent/config.json"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr("/nonexistent/config.json"));
+}
+
+TEST(CommandLine, RunExitsWith2WhenTheDriverCannotBeLoaded) {
+    const auto run = runProgram({"run", kFeedbackLoop, "--driver", "/nonexistent/libdriver.so"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr("cannot load the driver"));
+}
+
+TEST(CommandLine, RunLoadsTheDriverItIsGiven) {
+    EXPECT_EQ(runProgram({"run", kFeedbackLoop, "--driver", AXLSIM_DRIVER}).status, 0);
+}
+
+TEST(CommandLine, RunWithJsonPrintsOneObjectPerLineEndingWithTheFinalState) {
+    const auto run = runProgram({"run", kFeedbackLoop, "--json"});
+    ASSERT_EQ(run.status, 0);
+    const auto all = lines(run.out);
+    ASSERT_GE(all.size(), 2U);
+    for (const auto& line : all) {
+        EXPECT_THAT(line, StartsWith("{"));
+        EXPECT_THAT(line, EndsWith("}"));
+    }
+    EXPECT_THAT(all.back(),
+                StartsWith(R"({"kind":"final","stopped":false,"bus_outputs":{"1":"00"})"));
+}
+
+TEST(CommandLine, RunUntilEndsTheRunThere) {
+    const auto run = runProgram({"run", kFeedbackLoop, "--json", "--until", "305"});
+    ASSERT_EQ(run.status, 0);
+    EXPECT_THAT(run.out, HasSubstr(R"("t_ms":302)"));
+    EXPECT_THAT(run.out, ::testing::Not(HasSubstr(R"("t_ms":310)")));
+}
+
+TEST(CommandLine, RunWritesAValueChangeDump) {
+    const std::string vcd = writeConfig("run.vcd", "");
+    const auto run = runProgram({"run", kFeedbackLoop, "--vcd", vcd});
+    ASSERT_EQ(run.status, 0);
+    std::ifstream in(vcd);
+    std::string first;
+    std::getline(in, first);
+    EXPECT_THAT(first, StartsWith("$comment axlsim:"));
+    std::remove(vcd.c_str());
+}
+
+TEST(CommandLine, RunOnTheWallClockPlaysAShortScenario) {
+    const auto config = writeConfig(
+        "live.json",
+        digitalConfig(
+            R"([ { "at_ms": 50, "event": { "id": 200, "value": 1 } }, { "at_ms": 120, "end": true } ])"));
+    const auto run = runProgram({"run", config, "--real-time", "--json"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr(R"("kind":"bus_write","outputs":{"1":"01"})"));
+    EXPECT_THAT(lines(run.out).back(),
+                StartsWith(R"({"kind":"final","stopped":false,"bus_outputs":{"1":"01"})"));
+}
+
+TEST(CommandLine, CheckExitsWith0ForACleanConfiguration) {
+    const auto run = runProgram({"check", kFeedbackLoop});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.out, HasSubstr("no problems found"));
+}
+
+TEST(CommandLine, CheckExitsWith1AndExplainsEveryMistake) {
+    const auto run = runProgram({"check", kMistakes});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr("12 problems"));
+    EXPECT_THAT(run.out, HasSubstr("throws std::invalid_argument (\"stoi\") out of initialize"));
+}
+
+TEST(CommandLine, CheckExitsWith2ForAConfigurationItCannotRead) {
+    const auto config = writeConfig("broken.json", "{ \"driver\": ");
+    const auto run = runProgram({"check", config});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr("line 1, column"));
+}
+
+TEST(CommandLine, DemoRunsTheBundledExampleWithExplanations) {
+    const auto run = runProgram({"demo"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("axlsim plays the host runtime"));
+    EXPECT_THAT(run.out, HasSubstr("examples/feedback_loop.json"));
+    EXPECT_THAT(run.out, HasSubstr("the button is pressed"));
+    EXPECT_THAT(run.out, HasSubstr("module 1 DO 00100001 (on: 0 5)"));
+}
+
+TEST(CommandLine, EveryCommandHasHelp) {
+    for (const char* command : {"run", "check", "demo"}) {
+        const auto run = runProgram({command, "--help"});
+        EXPECT_EQ(run.status, 0) << command;
+        EXPECT_THAT(run.out, HasSubstr("Usage:")) << command;
+    }
+}
+
+TEST(CommandLine, WithoutACommandItSaysWhatIsMissing) {
+    const auto run = runProgram({});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr("subcommand"));
+}
+
+}  // namespace

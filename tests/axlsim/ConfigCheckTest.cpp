@@ -1,0 +1,111 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "TestRuns.h"
+#include "axlsim/CheckReport.h"
+#include "axlsim/ConfigCheck.h"
+#include "axlsim/ConfigReader.h"
+
+namespace {
+
+using axlsim::ConfigCheck;
+using axlsimtest::configFrom;
+using ::testing::HasSubstr;
+
+using Effect = ConfigCheck::Effect;
+
+std::vector<ConfigCheck::Finding> findingsOf(const std::string& json) {
+    return ConfigCheck::check(configFrom(json));
+}
+
+TEST(ConfigCheck, FindsNothingInACleanConfiguration) {
+    const auto config = axlsim::ConfigReader::readFile(AXLSIM_EXAMPLES "/feedback_loop.json");
+    EXPECT_TRUE(ConfigCheck::check(config).empty());
+}
+
+TEST(ConfigCheck, ListsEveryProblemAtOnceEachWithItsServiceAndEffect) {
+    const auto config = axlsim::ConfigReader::readFile(AXLSIM_EXAMPLES "/mistakes.json");
+    std::vector<std::pair<std::optional<unsigned>, Effect>> seen;
+    for (const auto& finding : ConfigCheck::check(config)) {
+        if (finding.driver == 0)
+            seen.emplace_back(finding.serviceKey, finding.effect);
+    }
+    const std::vector<std::pair<std::optional<unsigned>, Effect>> expected{
+        {1U, Effect::Stops},          {2U, Effect::Differs}, {3U, Effect::Stops},
+        {4U, Effect::Stops},          {5U, Effect::Stops},   {6U, Effect::Differs},
+        {8U, Effect::Differs},        {9U, Effect::Throws},  {7U, Effect::Differs},
+        {std::nullopt, Effect::Stops}};
+    EXPECT_EQ(seen, expected);
+}
+
+TEST(ConfigCheck, SaysHowToFixEveryProblem) {
+    const auto config = axlsim::ConfigReader::readFile(AXLSIM_EXAMPLES "/mistakes.json");
+    for (const auto& finding : ConfigCheck::check(config)) {
+        EXPECT_FALSE(finding.problem.empty());
+        EXPECT_FALSE(finding.fix.empty()) << finding.problem;
+    }
+}
+
+TEST(ConfigCheck, ASecondDriverOnTheSamePositionIsFound) {
+    const auto findings = findingsOf(R"({ "drivers": [
+        { "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } } },
+        { "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } } } ] })");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].driver, 1);
+    EXPECT_THAT(findings[0].problem, HasSubstr("driver 0 serves position 1 as well"));
+}
+
+TEST(ConfigCheck, AnAnalogOutputWhoseMappingIsNotFourBytesIsFound) {
+    const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_AI2_AO2",
+        "params": { "Consecutive Number": "1" } }, "mappings": { "310": { "size": 1 } },
+        "services": { "1": { "eventId": 310, "type": "AnalogOut", "params": { "PinNum": "0", "InitVal": "0" } } } })");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_THAT(findings[0].consequence, HasSubstr("reads four bytes of every event"));
+}
+
+TEST(ConfigCheck, AnOutputWhoseEventHasNoMappingIsFound) {
+    const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1",
+        "params": { "Consecutive Number": "1" } },
+        "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } } })");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].problem, "event 200 has no mapping");
+    EXPECT_EQ(findings[0].fix, "add \"200\": { \"size\": 1 } to \"mappings\"");
+}
+
+TEST(ConfigCheck, AServiceTextWithBlanksIsMeantAsTheServiceWithoutThem) {
+    const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1",
+        "params": { "Consecutive Number": "1" } }, "mappings": { "1": { "size": 1 } },
+        "services": { "1": { "eventId": 1, "type": "RestartDevice " } } })");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].fix,
+              "write \"RestartDevice\" exactly (the driver compares the text exactly)");
+}
+
+TEST(CheckReport, NamesTheServiceWhatTheDriverDoesAndTheFix) {
+    const auto config =
+        configFrom(R"({ "driver": { "name": "axl1", "deviceType": "AXL_F_DI8_1_DO8_1",
+        "params": { "Consecutive Number": "1" } }, "mappings": { "100": { "size": 1 } },
+        "services": { "2": { "eventId": 100, "name": "in8", "type": "DigitalIn", "params": { "PinNum": "8" } } } })");
+    std::ostringstream out;
+    axlsim::CheckReport::write(out, config, ConfigCheck::check(config));
+    const std::string report = out.str();
+    EXPECT_THAT(report, HasSubstr("test.json: 1 problem"));
+    EXPECT_THAT(report, HasSubstr("service 2 (\"DigitalIn\" \"in8\", event 100)"));
+    EXPECT_THAT(report, HasSubstr("logs \"Digital input pin with number 8 is not available. Valid "
+                                  "numbers are 0 - 7.\" and stops with \"Invalid digital input "
+                                  "number.\""));
+    EXPECT_THAT(report, HasSubstr("fix:     use a pin from 0 to 7"));
+    EXPECT_THAT(report, HasSubstr("fails first in initialize, at service 2"));
+}
+
+TEST(CheckReport, SaysSoWhenThereIsNoProblem) {
+    const auto config = configFrom(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1",
+        "params": { "Consecutive Number": "1" } } })");
+    std::ostringstream out;
+    axlsim::CheckReport::write(out, config, ConfigCheck::check(config));
+    EXPECT_EQ(out.str(), "test.json: no problems found\n");
+}
+
+}  // namespace

@@ -1,0 +1,289 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "axlsim/ConfigError.h"
+#include "axlsim/ConfigReader.h"
+
+namespace {
+
+using axlsim::Config;
+using axlsim::ConfigError;
+using axlsim::ConfigReader;
+using namespace std::chrono_literals;
+using ::testing::HasSubstr;
+
+constexpr const char* kDigitalDriver = R"(
+  "driver": { "name": "axl1", "serviceName": "IO1", "deviceType": "AXL_F_DI8_1_DO8_1",
+              "params": { "Consecutive Number": "1" } },
+  "mappings": { "100": { "size": 1 }, "101": { "size": 1 } },
+  "services": { "1": { "eventId": 100, "name": "in0", "type": "DigitalIn", "params": { "PinNum": "0" } },
+                "2": { "eventId": 101, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } })";
+
+Config read(const std::string& json) {
+    return ConfigReader::readText(json, "config.json");
+}
+
+Config withScenario(const std::string& scenario) {
+    return read(std::string("{") + kDigitalDriver +
+                R"(, "bus": [ "AXL_F_DI8_1_DO8_1", "AXL_F_AI2_AO2" ],
+                "scenario": )" +
+                scenario + "}");
+}
+
+// The error that reading the text gives.
+ConfigError errorOf(const std::string& json) {
+    try {
+        read(json);
+    } catch (const ConfigError& error) {
+        return error;
+    }
+    ADD_FAILURE() << "no error for " << json;
+    return ConfigError("", "", "");
+}
+
+ConfigError scenarioErrorOf(const std::string& scenario) {
+    return errorOf(std::string("{") + kDigitalDriver +
+                   R"(, "bus": [ "AXL_F_DI8_1_DO8_1", "AXL_F_AI2_AO2" ], "scenario": )" + scenario +
+                   "}");
+}
+
+TEST(ConfigReader, FillsTheDriversRecordsFromTheConfiguration) {
+    const Config config = read(std::string("{") + kDigitalDriver + "}");
+    ASSERT_EQ(config.drivers.size(), 1U);
+    const Config::Driver& driver = config.drivers[0];
+    EXPECT_EQ(driver.name, "axl1");
+    EXPECT_EQ(driver.serviceName, "IO1");
+    EXPECT_EQ(driver.deviceType, "AXL_F_DI8_1_DO8_1");
+    EXPECT_EQ(driver.params.at("Consecutive Number"), "1");
+    EXPECT_EQ(driver.mappings.at(100), 1);
+    EXPECT_EQ(driver.services.at(1).eventId, 100U);
+    EXPECT_EQ(driver.services.at(1).name, "in0");
+    EXPECT_EQ(driver.services.at(2).params.at("InitVal"), "0");
+    EXPECT_FALSE(config.severalDrivers);
+}
+
+TEST(ConfigReader, AcceptsComments) {
+    const Config config = read(R"(// a driver
+        { /* its type */ "driver": { "deviceType": "AXL_F_AI2_AO2" } })");
+    EXPECT_EQ(config.drivers[0].deviceType, "AXL_F_AI2_AO2");
+}
+
+TEST(ConfigReader, PassesServiceTextsAsTheyStand) {
+    const Config config =
+        read(R"({ "services": { "1": { "eventId": 1, "type": " digitalin" } } })");
+    EXPECT_EQ(config.drivers[0].services.at(1).type, " digitalin");
+}
+
+TEST(ConfigReader, AServiceWithoutParamsHasAnEmptyTable) {
+    const Config config =
+        read(R"({ "services": { "3": { "eventId": 300, "type": "RestartDevice" } } })");
+    EXPECT_TRUE(config.drivers[0].services.at(3).params.empty());
+}
+
+TEST(ConfigReader, OrdersServiceKeysAsNumbers) {
+    const Config config = read(R"({ "services": { "10": { "eventId": 1, "type": "DigitalIn" },
+                                                   "9": { "eventId": 2, "type": "DigitalIn" } } })");
+    EXPECT_EQ(config.drivers[0].services.begin()->first, 9U);
+}
+
+TEST(ConfigReader, RefusesAServiceKeyThatIsNotAnUnsignedNumber) {
+    const ConfigError error =
+        errorOf(R"({ "services": { "-1": { "eventId": 1, "type": "DigitalIn" } } })");
+    EXPECT_EQ(error.file(), "config.json");
+    EXPECT_EQ(error.place(), "/services/-1");
+}
+
+TEST(ConfigReader, NamesTheFileAndThePlaceOfAnUnknownKey) {
+    const ConfigError error = errorOf(R"({ "driver": { "devicetype": "AXL_F_AI2_AO2" } })");
+    EXPECT_EQ(error.file(), "config.json");
+    EXPECT_EQ(error.place(), "/driver/devicetype");
+    EXPECT_THAT(error.reason(), HasSubstr("unknown key"));
+    EXPECT_THAT(std::string(error.what()),
+                HasSubstr("config.json: /driver/devicetype: unknown key"));
+}
+
+TEST(ConfigReader, RefusesANumberWhereTheDriverGetsAText) {
+    const ConfigError error = errorOf(R"({ "driver": { "params": { "Consecutive Number": 1 } } })");
+    EXPECT_EQ(error.place(), "/driver/params/Consecutive Number");
+    EXPECT_THAT(error.reason(), HasSubstr("write \"1\""));
+}
+
+TEST(ConfigReader, NamesTheLineAndColumnOfASyntaxError) {
+    const ConfigError error = errorOf("{\n  \"driver\": { ,\n}");
+    EXPECT_THAT(error.reason(), HasSubstr("line 2, column 15"));
+}
+
+TEST(ConfigReader, RefusesDriversTogetherWithASingleDriver) {
+    const ConfigError error = errorOf(R"({ "driver": {}, "drivers": [ {} ] })");
+    EXPECT_EQ(error.place(), "/drivers");
+}
+
+TEST(ConfigReader, WithoutABusPutsTheDriversModuleAtEveryPositionUpToItsConsecutiveNumber) {
+    const Config config = read(R"({ "driver": { "deviceType": "AXL_F_AI2_AO2",
+                                                "params": { "Consecutive Number": "3" } } })");
+    EXPECT_EQ(config.bus, (std::vector<vplc::Module>{vplc::Module::AI2_AO2, vplc::Module::AI2_AO2,
+                                                     vplc::Module::AI2_AO2}));
+}
+
+TEST(ConfigReader, WithoutABusAndNoUsableConsecutiveNumberTheBusHasOneModule) {
+    const Config config = read(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1" } })");
+    EXPECT_EQ(config.bus, std::vector<vplc::Module>{vplc::Module::DI8_DO8});
+}
+
+TEST(ConfigReader, WithoutABusEachOfSeveralDriversFindsItsModuleAtItsPosition) {
+    const Config config = read(R"({ "drivers": [
+        { "driver": { "deviceType": "AXL_F_AI2_AO2", "params": { "Consecutive Number": "3" } } },
+        { "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } } } ] })");
+    EXPECT_TRUE(config.severalDrivers);
+    EXPECT_EQ(config.bus, (std::vector<vplc::Module>{vplc::Module::DI8_DO8, vplc::Module::AI2_AO2,
+                                                     vplc::Module::AI2_AO2}));
+}
+
+TEST(ConfigReader, RefusesAnUnknownModuleTypeOnTheBus) {
+    const ConfigError error = errorOf(R"({ "bus": [ "AXL_F_DI8_1_DO8_1", "AXL_F_DO16" ] })");
+    EXPECT_EQ(error.place(), "/bus/1");
+}
+
+TEST(ConfigReader, ReadsADigitalInputStep) {
+    const Config config =
+        withScenario(R"([ { "at_ms": 250, "input": { "module": 1, "pin": 3, "value": 1 } } ])");
+    const auto& input = std::get<Config::Input>(config.scenario[0].action);
+    EXPECT_EQ(config.scenario[0].at, 250ms);
+    EXPECT_EQ(input.position, 1);
+    EXPECT_EQ(input.pin, 3);
+    EXPECT_EQ(input.value, 1);
+}
+
+TEST(ConfigReader, ConvertsAnAnalogInputValueWithTheIbIlScale) {
+    const Config config =
+        withScenario(R"([ { "at_ms": 0, "input": { "module": 2, "pin": 1, "value": 4.125 } } ])");
+    EXPECT_EQ(std::get<Config::Input>(config.scenario[0].action).value, 12375);
+}
+
+TEST(ConfigReader, RefusesAnInputOnAPositionTheBusDoesNotHave) {
+    const ConfigError error =
+        scenarioErrorOf(R"([ { "at_ms": 0, "input": { "module": 3, "pin": 0, "value": 1 } } ])");
+    EXPECT_EQ(error.place(), "/scenario/0/input/module");
+}
+
+TEST(ConfigReader, RefusesAPinTheModuleDoesNotHave) {
+    const ConfigError error =
+        scenarioErrorOf(R"([ { "at_ms": 0, "input": { "module": 2, "pin": 2, "raw": 1 } } ])");
+    EXPECT_EQ(error.place(), "/scenario/0/input/pin");
+}
+
+TEST(ConfigReader, RefusesARawWordForADigitalInput) {
+    const ConfigError error =
+        scenarioErrorOf(R"([ { "at_ms": 0, "input": { "module": 1, "pin": 0, "raw": 1 } } ])");
+    EXPECT_EQ(error.place(), "/scenario/0/input/raw");
+}
+
+TEST(ConfigReader, AnEventValueIsAByteForADigitalOutput) {
+    const Config config = withScenario(R"([ { "at_ms": 0, "event": { "id": 101, "value": 1 } } ])");
+    const auto& event = std::get<Config::Event>(config.scenario[0].action);
+    EXPECT_EQ(event.payload, std::vector<uint8_t>{1});
+    EXPECT_EQ(event.size, 1U);
+}
+
+TEST(ConfigReader, AnEventValueIsANativeFloatForAnAnalogOutput) {
+    const Config config = read(R"({ "driver": { "deviceType": "AXL_F_AI2_AO2" },
+        "mappings": { "310": { "size": 4 } },
+        "services": { "1": { "eventId": 310, "type": "AnalogOut", "params": { "PinNum": "0", "InitVal": "0" } } },
+        "scenario": [ { "at_ms": 0, "event": { "id": 310, "value": 2.5 } } ] })");
+    const auto& event = std::get<Config::Event>(config.scenario[0].action);
+    float value = 0.0f;
+    ASSERT_EQ(event.payload->size(), sizeof value);
+    std::memcpy(&value, event.payload->data(), sizeof value);
+    EXPECT_EQ(value, 2.5f);
+}
+
+TEST(ConfigReader, AnEventsSizeIsTheMappingsSizeEvenForMoreBytes) {
+    const Config config =
+        withScenario(R"([ { "at_ms": 0, "event": { "id": 101, "bytes": "01ff" } } ])");
+    const auto& event = std::get<Config::Event>(config.scenario[0].action);
+    EXPECT_EQ(event.payload, (std::vector<uint8_t>{0x01, 0xff}));
+    EXPECT_EQ(event.size, 1U);
+}
+
+TEST(ConfigReader, AnEventWithoutMappingHasTheSizeOfItsBytes) {
+    const Config config =
+        withScenario(R"([ { "at_ms": 0, "event": { "id": 999, "bytes": "0102ff" } } ])");
+    EXPECT_EQ(std::get<Config::Event>(config.scenario[0].action).size, 3U);
+}
+
+TEST(ConfigReader, AnEventsSizeCanBeGiven) {
+    const Config config =
+        withScenario(R"([ { "at_ms": 0, "event": { "id": 101, "value": 1, "size": 7 } } ])");
+    EXPECT_EQ(std::get<Config::Event>(config.scenario[0].action).size, 7U);
+}
+
+TEST(ConfigReader, ANullEventHasNoPayload) {
+    const Config config =
+        withScenario(R"([ { "at_ms": 0, "event": { "id": 999, "null": true } } ])");
+    const auto& event = std::get<Config::Event>(config.scenario[0].action);
+    EXPECT_FALSE(event.payload.has_value());
+    EXPECT_EQ(event.size, 0U);
+}
+
+TEST(ConfigReader, RefusesAnEventWithBothAValueAndBytes) {
+    const ConfigError error =
+        scenarioErrorOf(R"([ { "at_ms": 0, "event": { "id": 101, "value": 1, "bytes": "01" } } ])");
+    EXPECT_EQ(error.place(), "/scenario/0/event");
+}
+
+TEST(ConfigReader, RefusesAnEventForADriverThatIsNotThere) {
+    const ConfigError error =
+        scenarioErrorOf(R"([ { "at_ms": 0, "event": { "id": 101, "value": 1, "driver": 1 } } ])");
+    EXPECT_EQ(error.place(), "/scenario/0/event/driver");
+}
+
+TEST(ConfigReader, ReadsAPlcOperationByName) {
+    const Config config = withScenario(R"([ { "at_ms": 5, "plc": "StartWarm" } ])");
+    EXPECT_EQ(std::get<Config::Plc>(config.scenario[0].action).operation, PlcOperation_StartWarm);
+}
+
+TEST(ConfigReader, PutsTheStepsInTimeOrderKeepingTheOrderOfStepsAtOneTime) {
+    const Config config =
+        withScenario(R"([ { "at_ms": 20, "note": "c" }, { "at_ms": 10, "note": "a" },
+                                            { "at_ms": 10, "note": "b" } ])");
+    ASSERT_EQ(config.scenario.size(), 3U);
+    EXPECT_EQ(config.scenario[0].note, "a");
+    EXPECT_EQ(config.scenario[1].note, "b");
+    EXPECT_EQ(config.scenario[2].note, "c");
+}
+
+TEST(ConfigReader, WithoutAnEndTheRunEndsASecondAfterTheLastStep) {
+    const Config config = withScenario(R"([ { "at_ms": 400, "note": "x" } ])");
+    EXPECT_EQ(config.end, 1400ms);
+}
+
+TEST(ConfigReader, AnEndStepEndsTheRun) {
+    const Config config =
+        withScenario(R"([ { "at_ms": 400, "note": "x" }, { "at_ms": 2000, "end": true } ])");
+    EXPECT_EQ(config.end, 2000ms);
+}
+
+TEST(ConfigReader, RefusesAStepAfterTheEnd) {
+    const ConfigError error =
+        scenarioErrorOf(R"([ { "at_ms": 100, "end": true }, { "at_ms": 200, "note": "late" } ])");
+    EXPECT_EQ(error.place(), "/scenario/1");
+}
+
+TEST(ConfigReader, ReadsWhetherAStopIsExpected) {
+    EXPECT_TRUE(read(R"({ "expect_stop": true })").expectStop);
+    EXPECT_FALSE(read("{}").expectStop);
+}
+
+TEST(ConfigReader, NamesTheFileThatCannotBeOpened) {
+    try {
+        ConfigReader::readFile("/nonexistent/config.json");
+        FAIL() << "no error";
+    } catch (const ConfigError& error) {
+        EXPECT_EQ(error.file(), "/nonexistent/config.json");
+        EXPECT_THAT(error.reason(), HasSubstr("cannot open"));
+    }
+}
+
+}  // namespace

@@ -1,0 +1,77 @@
+#include "Program.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+extern char** environ;
+
+namespace axlsimtest {
+
+namespace {
+
+std::string slurp(const std::string& path) {
+    std::ifstream in(path);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::string temporary(const std::string& name) {
+    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+    std::string file = std::string("axlsim_") + test->test_suite_name() + "_" + test->name() + "_" +
+                       std::to_string(getpid()) + "_" + name;
+    std::replace(file.begin(), file.end(), '/', '_');
+    return ::testing::TempDir() + file;
+}
+
+}  // namespace
+
+ProgramRun runProgram(const std::vector<std::string>& arguments) {
+    const std::string outPath = temporary("stdout");
+    const std::string errPath = temporary("stderr");
+    std::vector<std::string> words{AXLSIM_PROGRAM};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (std::string& word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outPath.c_str(),
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(),
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    pid_t pid = 0;
+    const int spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (spawned != 0)
+        throw std::runtime_error("cannot start " + words[0]);
+
+    int status = 0;
+    waitpid(pid, &status, 0);
+    ProgramRun run;
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    run.out = slurp(outPath);
+    run.err = slurp(errPath);
+    unlink(outPath.c_str());
+    unlink(errPath.c_str());
+    return run;
+}
+
+std::string writeConfig(const std::string& name, const std::string& text) {
+    const std::string path = temporary(name);
+    std::ofstream(path) << text;
+    return path;
+}
+
+}  // namespace axlsimtest

@@ -1,0 +1,104 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <sstream>
+
+#include "TestRuns.h"
+#include "axlsim/JsonRenderer.h"
+#include "axlsim/TextRenderer.h"
+
+namespace {
+
+using axlsim::Happening;
+using axlsimtest::configFrom;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using namespace std::chrono_literals;
+
+const char* const kConfig = R"({ "driver": { "deviceType": "AXL_F_AI2_AO2" },
+    "mappings": { "300": { "size": 4 }, "301": { "size": 2 }, "100": { "size": 1 } },
+    "services": { "1": { "eventId": 300, "name": "level", "type": "AnalogIn" },
+                  "2": { "eventId": 301, "type": "AnalogIn" },
+                  "3": { "eventId": 100, "name": "in0", "type": "DigitalIn" } } })";
+
+std::vector<uint8_t> floatBytes(float value) {
+    std::vector<uint8_t> bytes(sizeof value);
+    std::memcpy(bytes.data(), &value, sizeof value);
+    return bytes;
+}
+
+std::string json(const axlsim::Config& config, const Happening& happening) {
+    std::ostringstream out;
+    axlsim::JsonRenderer(out, config).happening(happening);
+    return out.str();
+}
+
+std::string text(const axlsim::Config& config, const Happening& happening) {
+    std::ostringstream out;
+    axlsim::TextRenderer(out, config, false).happening(happening);
+    return out.str();
+}
+
+TEST(JsonRenderer, APublicationOfAnAnalogInputCarriesItsFloat) {
+    const auto config = configFrom(kConfig);
+    const Happening publish{302ms, 0, Happening::Publish{300, 4, floatBytes(4.125f)}};
+    EXPECT_EQ(json(config, publish),
+              R"({"t_ms":302,"kind":"publish","id":300,"size":4,"bytes":"00008440","value":4.125})"
+              "\n");
+}
+
+TEST(JsonRenderer, APublicationOfAnAnalogInputOfTwoBytesCarriesNoValue) {
+    const auto config = configFrom(kConfig);
+    const Happening publish{0ms, 0, Happening::Publish{301, 2, {0x00, 0x00}}};
+    EXPECT_THAT(json(config, publish), Not(HasSubstr("value")));
+}
+
+TEST(JsonRenderer, APublicationOfADigitalInputCarriesItsFirstByte) {
+    const auto config = configFrom(kConfig);
+    const Happening publish{1ms, 0, Happening::Publish{100, 1, {0x01}}};
+    EXPECT_THAT(json(config, publish), HasSubstr(R"("bytes":"01","value":1})"));
+}
+
+TEST(JsonRenderer, AStopOfTheDriverWideKindHasANullEventId) {
+    const auto config = configFrom(kConfig);
+    EXPECT_EQ(json(config, Happening{600ms, 0, Happening::Stop{"Null data pointer", std::nullopt}}),
+              R"({"t_ms":600,"kind":"stop","message":"Null data pointer","event_id":null})"
+              "\n");
+}
+
+TEST(JsonRenderer, NamesTheDriverOnlyWhenThereAreSeveral) {
+    const auto several = configFrom(R"({ "drivers": [ { "driver": {} }, { "driver": {} } ] })");
+    const Happening restart{5ms, 1, Happening::Restart{}};
+    EXPECT_EQ(json(several, restart), R"({"t_ms":5,"kind":"restart","driver":1})"
+                                      "\n");
+    EXPECT_EQ(json(configFrom(kConfig), restart), R"({"t_ms":5,"kind":"restart"})"
+                                                  "\n");
+}
+
+TEST(JsonRenderer, LeavesTheScenariosOwnStepsOut) {
+    const auto config = configFrom(kConfig);
+    EXPECT_EQ(json(config, Happening{0ms, -1, Happening::Input{1, 0, 3000}}), "");
+    EXPECT_EQ(json(config, Happening{0ms, -1, Happening::Note{"a note"}}), "");
+}
+
+TEST(TextRenderer, ShowsTheOutputByteAsBitsWithThePinsThatAreOn) {
+    const auto config = configFrom(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1" } })");
+    const std::string line = text(config, Happening{400ms, 0, Happening::BusWrite{{{0x28}}}});
+    EXPECT_THAT(line, HasSubstr("400.0 ms"));
+    EXPECT_THAT(line, HasSubstr("module 1 DO 00101000 (on: 3 5)"));
+}
+
+TEST(TextRenderer, ShowsAnAnalogInputInEngineeringUnits) {
+    const auto config = configFrom(kConfig);
+    EXPECT_THAT(text(config, Happening{0ms, 0, Happening::Publish{300, 4, floatBytes(4.125f)}}),
+                HasSubstr("event 300 \"level\" = 4.125"));
+}
+
+TEST(TextRenderer, ShowsAnAnalogOutputWordWithItsValue) {
+    const auto config = configFrom(kConfig);
+    EXPECT_THAT(text(config, Happening{0ms, 0, Happening::BusWrite{{{0x1d, 0x4c, 0x00, 0x00}}}}),
+                HasSubstr("AO0 raw 7500 (2.5)"));
+}
+
+}  // namespace

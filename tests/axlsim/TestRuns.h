@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "axlsim/Config.h"
+#include "axlsim/DriverLibrary.h"
+#include "axlsim/RunResult.h"
+
+namespace axlsimtest {
+
+// The driver library built with the tests, loaded once per process.
+const axlsim::DriverLibrary& driverLibrary();
+
+// A configuration from its JSON text.
+axlsim::Config configFrom(const std::string& json);
+
+// Plays a configuration on the virtual clock with the real driver.
+axlsim::RunResult play(const axlsim::Config& config);
+
+// The first stop or exception of a driver in a run, described as ConfigCheck describes one.
+struct Failure {
+    std::string where;  // "create", "initialize", "event" for an exception; "" for a stop
+    std::string stopMessage;
+    std::optional<uint32_t> stopEventId;
+    std::string exceptionType;
+    std::string exceptionWhat;
+    std::string logBefore;  // the driver's last log line before a stop, if any
+};
+std::optional<Failure> firstFailure(const axlsim::RunResult& result, int driver);
+
+// The JSON timeline of a run.
+std::string jsonTimeline(const axlsim::Config& config, const axlsim::RunResult& result);
+
+}  // namespace axlsimtest

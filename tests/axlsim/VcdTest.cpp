@@ -1,0 +1,87 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <sstream>
+
+#include "TestRuns.h"
+#include "VcdReader.h"
+#include "axlsim/ConfigReader.h"
+#include "axlsim/ValueText.h"
+#include "axlsim/VcdWriter.h"
+
+namespace {
+
+using axlsim::Happening;
+using axlsimtest::VcdReader;
+using Change = VcdReader::Change;
+
+struct Dumped {
+    axlsim::RunResult run;
+    VcdReader vcd;
+};
+
+Dumped dumpOf(const char* example) {
+    const auto config = axlsim::ConfigReader::readFile(std::string(AXLSIM_EXAMPLES "/") + example);
+    axlsim::RunResult run = axlsimtest::play(config);
+    std::ostringstream out;
+    axlsim::VcdWriter::write(out, config, run);
+    return Dumped{std::move(run), VcdReader(out.str())};
+}
+
+TEST(Vcd, DeclaresEveryPinOfEveryModuleAndEveryPublishedEvent) {
+    const Dumped dumped = dumpOf("two_drivers.json");
+    const VcdReader& vcd = dumped.vcd;
+    EXPECT_EQ(vcd.timescale(), "1us");
+    for (int pin = 0; pin < 8; ++pin) {
+        ASSERT_NE(vcd.variable("axlsim.m1_AXL_F_DI8_1_DO8_1.in" + std::to_string(pin)), nullptr);
+        ASSERT_NE(vcd.variable("axlsim.m1_AXL_F_DI8_1_DO8_1.out" + std::to_string(pin)), nullptr);
+    }
+    for (const char* channel : {"ai0", "ai1", "ao0", "ao1"})
+        EXPECT_EQ(vcd.variable(std::string("axlsim.m2_AXL_F_AI2_AO2.") + channel)->width, 16);
+    EXPECT_EQ(vcd.variable("axlsim.driver0.ev100")->type, "wire");
+    EXPECT_EQ(vcd.variable("axlsim.driver1.ev300")->type, "real");
+    EXPECT_EQ(vcd.variable("axlsim.driver1.ev301")->type, "real");
+}
+
+TEST(Vcd, ShowsAnOutputChangeAtTheTimeOfItsBusWrite) {
+    const Dumped dumped = dumpOf("feedback_loop.json");
+    const std::vector<Change> expected{{0, "axlsim.m1_AXL_F_DI8_1_DO8_1.out0", "0"},
+                                       {310000, "axlsim.m1_AXL_F_DI8_1_DO8_1.out0", "1"},
+                                       {610000, "axlsim.m1_AXL_F_DI8_1_DO8_1.out0", "0"}};
+    EXPECT_EQ(dumped.vcd.changesOf("axlsim.m1_AXL_F_DI8_1_DO8_1.out0"), expected);
+}
+
+TEST(Vcd, ShowsAnInputChangeAtTheTimeOfItsStep) {
+    const Dumped dumped = dumpOf("two_drivers.json");
+    const std::vector<Change> expected{
+        {0, "axlsim.m2_AXL_F_AI2_AO2.ai0", "b0000000000000000"},
+        {150000, "axlsim.m2_AXL_F_AI2_AO2.ai0", "b0011010010111100"}};
+    EXPECT_EQ(dumped.vcd.changesOf("axlsim.m2_AXL_F_AI2_AO2.ai0"), expected);
+}
+
+TEST(Vcd, ShowsEveryPublishedAnalogValueOfTheTimeline) {
+    const Dumped dumped = dumpOf("analog_ramp.json");
+    std::vector<Change> published;
+    for (const Happening& happening : dumped.run.timeline) {
+        const auto* publish = std::get_if<Happening::Publish>(&happening.what);
+        if (publish == nullptr)
+            continue;
+        float value = 0.0f;
+        std::memcpy(&value, publish->bytes.data(), sizeof value);
+        published.push_back(Change{happening.t.count() / 1000, "axlsim.events.ev300",
+                                   "r" + axlsim::floatText(value)});
+    }
+    EXPECT_EQ(published.size(), 6U);
+    EXPECT_EQ(dumped.vcd.changesOf("axlsim.events.ev300"), published);
+}
+
+TEST(Vcd, ADigitalEventIsUnknownUntilItsFirstPublication) {
+    const Dumped dumped = dumpOf("restart.json");
+    const std::vector<Change> expected{{0, "axlsim.events.ev100", "x"},
+                                       {0, "axlsim.events.ev100", "0"},
+                                       {701000, "axlsim.events.ev100", "1"}};
+    EXPECT_EQ(dumped.vcd.changesOf("axlsim.events.ev100"), expected);
+}
+
+}  // namespace

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <ostream>
+#include <vector>
+
+#include "axlsim/Config.h"
+#include "axlsim/ConfigCheck.h"
+
+namespace axlsim {
+
+// The findings of `axlsim check`, grouped by driver: for each, where it is, what is wrong, what
+// the driver will do, and how to fix it; then the failure each driver meets first.
+class CheckReport {
+public:
+    static void write(std::ostream& out, const Config& config,
+                      const std::vector<ConfigCheck::Finding>& findings);
+
+    // What the driver does for a finding, in words: its log line, stop or exception.
+    static std::string outcome(const ConfigCheck::Finding& finding);
+};
+
+}  // namespace axlsim

@@ -1,0 +1,146 @@
+#include "axlsim/Commands.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <memory>
+
+#include "axlsim/CheckReport.h"
+#include "axlsim/ConfigCheck.h"
+#include "axlsim/ConfigError.h"
+#include "axlsim/ConfigReader.h"
+#include "axlsim/DemoConfig.h"
+#include "axlsim/DriverLibrary.h"
+#include "axlsim/JsonRenderer.h"
+#include "axlsim/ProgressBar.h"
+#include "axlsim/ScenarioPlayer.h"
+#include "axlsim/TextRenderer.h"
+#include "axlsim/VcdWriter.h"
+
+namespace axlsim {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kCannotRun = 2;
+
+// Shorter virtual runs finish before a bar would be worth drawing.
+constexpr auto kLongRun = 10s;
+
+bool colourWanted() {
+    return isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr;
+}
+
+std::optional<Config> readConfig(const std::string& file) {
+    try {
+        return ConfigReader::readFile(file);
+    } catch (const ConfigError& error) {
+        std::cerr << "axlsim: " << error.what() << '\n';
+        return std::nullopt;
+    }
+}
+
+std::unique_ptr<DriverLibrary> loadDriver(const std::string& path) {
+    try {
+        return std::make_unique<DriverLibrary>(path.empty() ? DriverLibrary::besideProgram()
+                                                            : path);
+    } catch (const std::exception& error) {
+        std::cerr << "axlsim: " << error.what() << '\n';
+        return nullptr;
+    }
+}
+
+int play(const Config& config, const Commands::RunRequest& request) {
+    const auto library = loadDriver(request.driver);
+    if (library == nullptr)
+        return kCannotRun;
+
+    std::unique_ptr<TimelineRenderer> renderer;
+    if (request.json) {
+        renderer = std::make_unique<JsonRenderer>(std::cout, config);
+    } else {
+        auto text = std::make_unique<TextRenderer>(std::cout, config, colourWanted());
+        text->header(request.realTime);
+        renderer = std::move(text);
+    }
+
+    ScenarioPlayer::Options options;
+    options.realTime = request.realTime;
+    if (request.untilMs)
+        options.until = std::chrono::milliseconds(*request.untilMs);
+    std::optional<ProgressBar> bar;
+    if (!request.realTime && isatty(STDERR_FILENO) != 0 &&
+        options.until.value_or(config.end) >= kLongRun) {
+        bar.emplace(std::cerr);
+        options.progress = [&bar](auto now, auto end) { bar->update(now, end); };
+    }
+    if (request.realTime)
+        options.live = [&renderer](const Happening& happening) {
+            renderer->happening(happening);
+            std::cout.flush();
+        };
+
+    const RunResult result = ScenarioPlayer::run(config, *library, options);
+    bar.reset();
+    if (request.realTime)
+        renderer->finish(result);
+    else
+        renderer->render(result);
+
+    if (!request.vcd.empty()) {
+        std::ofstream vcd(request.vcd);
+        VcdWriter::write(vcd, config, result);
+        if (!vcd) {
+            std::cerr << "axlsim: cannot write " << request.vcd << '\n';
+            return kCannotRun;
+        }
+    }
+    return result.exitStatus();
+}
+
+}  // namespace
+
+int Commands::run(const RunRequest& request) {
+    const auto config = readConfig(request.config);
+    if (!config)
+        return kCannotRun;
+    return play(*config, request);
+}
+
+int Commands::check(const std::string& file) {
+    const auto config = readConfig(file);
+    if (!config)
+        return kCannotRun;
+    const auto findings = ConfigCheck::check(*config);
+    CheckReport::write(std::cout, *config, findings);
+    return findings.empty() ? 0 : 1;
+}
+
+int Commands::demo(const std::string& driver) {
+    const Config config =
+        ConfigReader::readText(std::string(demoConfigText()), std::string(demoConfigName()));
+    std::cout
+        << "axlsim demo\n\n"
+           "axlsim plays the host runtime: it loads the real driver library, hands it a\n"
+           "configuration (its parameters, the event-id mappings and the services), and runs it\n"
+           "on the virtual controller, an Axioline bus with its GDS frames, on a virtual clock.\n"
+           "The scenario below plays the wiring: what the driver writes to output 0 comes back\n"
+           "on input 1 a few milliseconds later. Watch the driver publish every input once at\n"
+           "start, scan every 100 ms, publish only what changed, and write its outputs to the\n"
+           "bus for each event the host sends it.\n\n";
+    Commands::RunRequest request;
+    request.driver = driver;
+    const int status = play(config, request);
+    std::cout << "\nTry your own configuration:\n"
+                 "  axlsim check CONFIG.json         what the driver will refuse, and why\n"
+                 "  axlsim run CONFIG.json           this timeline for it\n"
+                 "  axlsim run CONFIG.json --json    one JSON object per line\n"
+                 "  axlsim run CONFIG.json --vcd run.vcd   the pins and events for GTKWave\n"
+                 "The examples are in examples/*.json.\n";
+    return status;
+}
+
+}  // namespace axlsim

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace axlsim {
+
+// The three commands of axlsim. Each returns the program's exit status.
+class Commands {
+public:
+    struct RunRequest {
+        std::string config;
+        bool json = false;
+        std::string vcd;  // empty: no dump
+        bool realTime = false;
+        std::string driver;  // empty: the driver beside the program
+        std::optional<long> untilMs;
+    };
+
+    // 0: the run went as the configuration expects; 1: a driver stopped or threw when that was
+    // not expected (or did not when it was); 2: the run could not be made.
+    static int run(const RunRequest& request);
+
+    // 0: no problems; 1: problems; 2: the configuration cannot be read.
+    static int check(const std::string& config);
+
+    static int demo(const std::string& driver);
+};
+
+}  // namespace axlsim

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <string>
+
+#include "axlsim/BusWatch.h"
+#include "axlsim/Config.h"
+#include "axlsim/DriverLibrary.h"
+#include "axlsim/Timeline.h"
+#include "axlsim/TimelineObserver.h"
+
+class CSI_base;
+
+namespace axlsim {
+
+// One driver object, hosted the way the host runtime hosts it: created from the records of its
+// configuration, initialised, given events one at a time, and deleted after its thread has been
+// ended. Every host call is attributed to the driver; an exception that leaves the driver goes
+// on the timeline.
+class HostedDriver {
+public:
+    HostedDriver(int index, const Config::Driver& config, const DriverLibrary& library,
+                 TimelineObserver& observer, Timeline& timeline, const BusWatch& bus);
+    ~HostedDriver();
+    HostedDriver(const HostedDriver&) = delete;
+    HostedDriver& operator=(const HostedDriver&) = delete;
+
+    // False when the factory threw: there is then no driver object.
+    bool create();
+    void initialize();
+    void deliver(const Config::Event& event);
+
+    // Ends the driver's thread, then deletes the driver.
+    void destroy();
+
+    bool exists() const { return driver_ != nullptr; }
+
+private:
+    template <class Call>
+    void hostCall(const char* where, Call call);
+
+    int index_;
+    const Config::Driver& config_;
+    const DriverLibrary& library_;
+    TimelineObserver& observer_;
+    Timeline& timeline_;
+    const BusWatch& bus_;
+    CSI_base* driver_ = nullptr;
+};
+
+}  // namespace axlsim

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <ostream>
+
+#include "axlsim/Config.h"
+#include "axlsim/EventCatalog.h"
+#include "axlsim/TimelineRenderer.h"
+
+namespace axlsim {
+
+// One JSON object per line for what the driver did (logs, publications, stops, bus writes,
+// restarts, exceptions), then the state at the end. The scenario's own steps are not shown:
+// they are in the configuration.
+class JsonRenderer final : public TimelineRenderer {
+public:
+    JsonRenderer(std::ostream& out, const Config& config);
+
+    void happening(const Happening& happening) override;
+    void finish(const RunResult& result) override;
+
+private:
+    std::ostream& out_;
+    const Config& config_;
+    EventCatalog catalog_;
+};
+
+}  // namespace axlsim

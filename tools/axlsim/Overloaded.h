@@ -1,0 +1,11 @@
+#pragma once
+
+namespace axlsim {
+
+// Lambdas joined into one visitor for std::visit.
+template <class... Ts>
+struct Overloaded : Ts... {
+    using Ts::operator()...;
+};
+
+}  // namespace axlsim

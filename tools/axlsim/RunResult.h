@@ -1,0 +1,31 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <vector>
+
+#include "axlsim/Happening.h"
+
+namespace axlsim {
+
+// What a run showed: the timeline and the state at its end.
+struct RunResult {
+    struct DriverState {
+        bool created = false;
+        bool stopped = false;  // stopWithError was called
+        bool threw = false;    // an exception left the driver
+        int publishes = 0;
+    };
+
+    std::vector<Happening> timeline;
+    std::vector<DriverState> drivers;
+    std::vector<std::vector<uint8_t>> busOutputs;  // by position from 1
+    std::vector<std::vector<uint8_t>> gdsOutputs;
+    int restarts = 0;
+    std::chrono::nanoseconds end{0};
+    bool wentAsExpected = true;  // stopped or threw exactly when the configuration expects it
+
+    int exitStatus() const { return wentAsExpected ? 0 : 1; }
+};
+
+}  // namespace axlsim

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "axlsim/Happening.h"
+#include "axlsim/RunResult.h"
+
+namespace axlsim {
+
+// Shows a run: each happening in timeline order, then the state at the end.
+class TimelineRenderer {
+public:
+    virtual ~TimelineRenderer() = default;
+
+    virtual void happening(const Happening& happening) = 0;
+    virtual void finish(const RunResult& result) = 0;
+
+    void render(const RunResult& result) {
+        for (const Happening& h : result.timeline)
+            happening(h);
+        finish(result);
+    }
+};
+
+}  // namespace axlsim

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <chrono>
+
+#include "axlsim/RunClock.h"
+
+namespace axlsim {
+
+// The wall clock: driver threads pause for real and run alongside the host, so the order of
+// happenings at nearly the same moment may differ from run to run.
+class WallRunClock final : public RunClock {
+public:
+    WallRunClock();
+
+    std::chrono::nanoseconds now() const override;
+    void holdDrivers() override {}
+    void releaseDrivers() override {}
+    void advanceTo(std::chrono::nanoseconds t) override;
+
+private:
+    std::chrono::steady_clock::time_point start_;
+};
+
+}  // namespace axlsim

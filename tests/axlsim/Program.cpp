@@ -38,7 +38,12 @@ std::string temporary(const std::string& name) {
 ProgramRun runProgram(const std::vector<std::string>& arguments) {
     const std::string outPath = temporary("stdout");
     const std::string errPath = temporary("stderr");
-    std::vector<std::string> words{AXLSIM_PROGRAM};
+    // The launcher (an emulator in a cross build, else empty) comes before the program.
+    std::vector<std::string> words;
+    std::istringstream launcher(AXLSIM_LAUNCHER);
+    for (std::string word; launcher >> word;)
+        words.push_back(word);
+    words.push_back(AXLSIM_PROGRAM);
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
     for (std::string& word : words)
@@ -52,7 +57,7 @@ ProgramRun runProgram(const std::vector<std::string>& arguments) {
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(),
                                      O_WRONLY | O_CREAT | O_TRUNC, 0644);
     pid_t pid = 0;
-    const int spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+    const int spawned = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (spawned != 0)
         throw std::runtime_error("cannot start " + words[0]);

@@ -45,13 +45,6 @@ void TestDriver::run() {
         body(*this);
 }
 
-std::vector<std::ptrdiff_t> TestDriver::baseMemberOffsets() const {
-    const auto* base = reinterpret_cast<const char*>(static_cast<const CSI_base*>(this));
-    auto offsetOf = [base](const void* member) { return static_cast<const char*>(member) - base; };
-    return {offsetOf(&m_mapMappings), offsetOf(&m_mapServices), offsetOf(&m_spParams),
-            offsetOf(&m_bStopped)};
-}
-
 void pauseLikeTheDriver(time_t seconds, long nanoseconds) {
     timespec pause{seconds, nanoseconds};
     while (nanosleep(&pause, &pause) == -1 && errno == EINTR) {

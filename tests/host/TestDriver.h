@@ -39,9 +39,6 @@ public:
     bool stopped() const { return m_bStopped; }
     const std::vector<stEventParams_t>& received() const { return received_; }
 
-    // Offsets of m_mapMappings, m_mapServices, m_spParams and m_bStopped in the CSI_base part.
-    std::vector<std::ptrdiff_t> baseMemberOffsets() const;
-
     // Counts the rounds of a body's loop; touching it shows the driver is still alive.
     std::atomic<int> rounds{0};
 

@@ -26,7 +26,7 @@ bool fail(std::string_view text) {
 }
 
 std::string quoted(std::string_view text) {
-    return "'" + std::string(text) + "'";
+    return std::string("'").append(text).append("'");
 }
 
 std::string nullArgument(std::string_view function, std::string_view argument) {

@@ -1,0 +1,121 @@
+// A host program for a driver built against a controller SDK: loads the driver library named on
+// the command line, runs one driver on the virtual controller (create, initialise, an input
+// published, an output on the bus, delete) and prints where each Arp library was loaded from, so
+// that the caller can tell that the driver brought its own platform libraries along.
+
+#include <dlfcn.h>
+#include <link.h>
+
+#include <chrono>
+#include <cstdio>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "HostRecords.h"
+#include "SI_base.h"
+#include "orbel/CallScope.h"
+#include "orbel/DriverThreads.h"
+#include "orbel/Recorder.h"
+#include "vplc/Plant.h"
+#include "vplc/VirtualClock.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using CreateSiObjectFn = CSI_base* (*)(stSP_Params_t, std::map<unsigned, stMappingElem_t>*,
+                                       std::map<unsigned, stServiceParams_t>*);
+
+constexpr unsigned kInputEvent = 100;
+constexpr unsigned kOutputEvent = 200;
+
+stServiceParams_t service(unsigned eventId, const char* type,
+                          std::map<std::string, std::string> params) {
+    stServiceParams_t s;
+    s.nEventId = eventId;
+    s.sServiceType = type;
+    s.mapParams = std::move(params);
+    return s;
+}
+
+// The file a loaded library came from, or "not loaded".
+std::string loadedFrom(const char* soname) {
+    void* handle = dlopen(soname, RTLD_LAZY | RTLD_NOLOAD);
+    if (handle == nullptr)
+        return "not loaded";
+    const link_map* map = nullptr;
+    std::string path = dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 ? map->l_name : "unknown";
+    dlclose(handle);
+    return path;
+}
+
+bool check(bool condition, const char* what) {
+    std::printf("%s: %s\n", condition ? "ok" : "FAILED", what);
+    return condition;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: %s DRIVER_LIBRARY\n", argv[0]);
+        return 2;
+    }
+    void* library = dlopen(argv[1], RTLD_NOW);
+    if (library == nullptr) {
+        std::fprintf(stderr, "cannot load the driver: %s\n", dlerror());
+        return 2;
+    }
+    auto createSiObject = reinterpret_cast<CreateSiObjectFn>(dlsym(library, "CreateSiObject"));
+    if (createSiObject == nullptr) {
+        std::fprintf(stderr, "%s has no CreateSiObject\n", argv[1]);
+        return 2;
+    }
+
+    orbel::Recorder recorder;
+    vplc::VirtualClock clock;
+    auto plant = vplc::Plant::builder().module(vplc::Module::DI8_DO8).build();
+    plant.setDigitalInput(1, 0, true);
+
+    stSP_Params_t params;
+    params.sServiceName = "IO1";
+    params.sDeviceType = "AXL_F_DI8_1_DO8_1";
+    params.mapParams["Consecutive Number"] = "1";
+    std::map<unsigned, stMappingElem_t> mappings;
+    mappings[kInputEvent].nDataSize = 1;
+    mappings[kOutputEvent].nDataSize = 1;
+    std::map<unsigned, stServiceParams_t> services{
+        {1, service(kInputEvent, "DigitalIn", {{"PinNum", "0"}})},
+        {2, service(kOutputEvent, "DigitalOut", {{"PinNum", "3"}, {"InitVal", "0"}})}};
+
+    CSI_base* driver = nullptr;
+    {
+        orbel::CallScope creating(nullptr);
+        driver = createSiObject(params, &mappings, &services);
+    }
+    {
+        orbel::CallScope calling(driver);
+        driver->initialize();
+    }
+    clock.runUntil(50ms);
+    uint8_t on = 1;
+    {
+        orbel::CallScope calling(driver);
+        driver->onReceiveEvent(stEventParams_t{&on, kOutputEvent, 1});
+    }
+
+    const std::vector<orbel::Publication> published = recorder.published(driver);
+    bool passed = true;
+    passed &= check(!published.empty() && published.front().id == kInputEvent &&
+                        published.front().bytes == std::vector<uint8_t>{1},
+                    "input 0 of the module was published as on");
+    passed &= check(plant.digitalOutputsOnBus(1) == 0x08, "output 3 of the module is on the bus");
+    passed &= check(recorder.stops(driver).empty(), "the driver did not stop with an error");
+
+    orbel::destroyDriver(driver);
+    for (const char* soname : {"libArp.Plc.AnsiC.so", "libArp.System.Commons.so",
+                               "libArp.System.Rsc.so", "libArp.System.Module.so"}) {
+        std::printf("%s loaded from %s\n", soname, loadedFrom(soname).c_str());
+    }
+    return passed ? 0 : 1;
+}

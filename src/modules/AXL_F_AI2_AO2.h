@@ -31,7 +31,7 @@ private:
     // the flags.
     bool* registerFlag(int pin, ServiceType type);
 
-    int m_moduleNumber;
+    [[maybe_unused]] int m_moduleNumber;  // kept as the module was made; not read again
     gds::IOFrameBuffer m_inBuffer;
     gds::IOFrameBuffer m_outBuffer;
     int m_aiOffset[nPinCount];

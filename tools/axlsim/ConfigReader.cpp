@@ -86,7 +86,7 @@ public:
             "expected a whole number from " + std::to_string(min) + " to " + std::to_string(max);
         if (node.is_number_unsigned()) {
             const uint64_t value = node.get<uint64_t>();
-            if (value > static_cast<uint64_t>(max))
+            if (value > static_cast<uint64_t>(max) || static_cast<int64_t>(value) < min)
                 fail(path, range);
             return static_cast<int64_t>(value);
         }
@@ -460,6 +460,9 @@ Config ConfigReader::readText(const std::string& text, const std::string& name) 
         root = Json::parse(text, nullptr, true, true);
     } catch (const Json::parse_error& error) {
         throw ConfigError(name, "", syntaxReason(error.what()));
+    } catch (const Json::exception& error) {
+        // A number the reader cannot hold (1E400, say) fails the parse with another exception.
+        throw ConfigError(name, "", error.what());
     }
     doc.object(root, "",
                {"description", "driver", "mappings", "services", "drivers", "bus", "scenario",

@@ -49,9 +49,9 @@ std::vector<EventCatalog::Published> EventCatalog::published(int driver) const {
     for (const auto& [key, service] : config.services) {
         if (service.type != "DigitalIn" && service.type != "AnalogIn")
             continue;
-        const bool seen = std::any_of(ids.begin(), ids.end(), [&service](const Published& p) {
-            return p.id == service.eventId;
-        });
+        const uint32_t eventId = service.eventId;
+        const bool seen = std::any_of(ids.begin(), ids.end(),
+                                      [eventId](const Published& p) { return p.id == eventId; });
         if (seen)
             continue;
         Published published;

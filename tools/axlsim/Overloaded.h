@@ -8,4 +8,7 @@ struct Overloaded : Ts... {
     using Ts::operator()...;
 };
 
+template <class... Ts>
+Overloaded(Ts...) -> Overloaded<Ts...>;
+
 }  // namespace axlsim

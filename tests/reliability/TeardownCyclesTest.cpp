@@ -1,0 +1,169 @@
+// Drivers made, initialised, run briefly and deleted a thousand times, with their scan thread
+// alive at deletion: no thread, GDS buffer, frame lock or allocation outlives its driver, except
+// the input payload buffers that the driver keeps on purpose (the one leak suppression).
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ChildProcess.h"
+#include "DriverRecords.h"
+#include "PLCNext.h"
+#include "orbel/CallScope.h"
+#include "orbel/DriverThreads.h"
+#include "orbel/Recorder.h"
+#include "vplc/Plant.h"
+#include "vplc/VirtualClock.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+#define AXL_LEAK_CHECK 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define AXL_LEAK_CHECK 1
+#endif
+#endif
+
+#ifdef AXL_LEAK_CHECK
+#include <sanitizer/lsan_interface.h>
+#endif
+
+using reliability::DriverRecords;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int kCycles = 1000;
+
+struct DriverDeleter {
+    void operator()(CSI_base* driver) const { orbel::destroyDriver(driver); }
+};
+using DriverPtr = std::unique_ptr<CSI_base, DriverDeleter>;
+
+DriverPtr create(const DriverRecords& records) {
+    auto mappings = records.mappings;
+    auto services = records.services;
+    orbel::CallScope creation(nullptr);
+    return DriverPtr(CreateSiObject(records.params, &mappings, &services));
+}
+
+void initialize(CSI_base& driver) {
+    orbel::CallScope scope(&driver);
+    driver.initialize();
+}
+
+void deliver(CSI_base& driver, uint32_t id, uint8_t value) {
+    uint8_t payload[4] = {value, 0, 0, 0};
+    stEventParams_t event;
+    event.pData = payload;
+    event.nId = id;
+    event.nSize = 1;
+    driver.receiveEvent(event);
+}
+
+// The configurations the cycles go through: both modules with inputs and outputs, one without
+// inputs, one that stops during initialisation, and one without a module.
+std::vector<DriverRecords> configurations() {
+    return {
+        DriverRecords::digital(1)
+            .digitalIn(10, "0")
+            .digitalIn(11, "7")
+            .digitalOut(20, "3", "1")
+            .digitalOut(21, "4", "0")
+            .restart(90),
+        DriverRecords::analog(2).analogIn(30, "0").analogIn(31, "1").analogOut(40, "1", "5"),
+        DriverRecords::digital(1).digitalOut(20, "0", "1"),
+        DriverRecords::digital(1).digitalIn(10, "2").digitalIn(11, "9"),
+        DriverRecords("AXL_F_DI8_1_DO8_1 ", "1"),
+    };
+}
+
+// Checks what every cycle must leave behind: nothing of the driver.
+void expectNothingLeft(const vplc::Plant& plant, const orbel::Recorder& recorder) {
+    EXPECT_EQ(plant.buffersHeld(), 0);
+    EXPECT_EQ(plant.openLocks(), 0);
+    EXPECT_EQ(recorder.threadExits().size(), recorder.threadStarts().size());
+}
+
+void expectNoLeak() {
+#ifdef AXL_LEAK_CHECK
+    EXPECT_EQ(__lsan_do_recoverable_leak_check(), 0);
+#endif
+}
+
+}  // namespace
+
+TEST(Teardown, AThousandCyclesOnVirtualTimeEndEveryThreadAndReleaseEveryBuffer) {
+    orbel::Recorder recorder;
+    vplc::VirtualClock clock;
+    vplc::Plant plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    const std::vector<DriverRecords> records = configurations();
+    int threadsAfterFirstCycle = 0;
+
+    for (int cycle = 0; cycle < kCycles; ++cycle) {
+        SCOPED_TRACE("cycle " + std::to_string(cycle));
+        const DriverRecords& config = records[static_cast<std::size_t>(cycle) % records.size()];
+        // Every third cycle the thread is deleted while it waits at a scan start, the others
+        // while it pauses somewhere in its initial publication or its scans.
+        const bool holdAtGate = cycle % 3 == 0;
+        clock.holdScans(holdAtGate);
+        {
+            DriverPtr driver = create(config);
+            initialize(*driver);
+            if (holdAtGate) {
+                for (int scan = 0; scan < cycle % 4; ++scan) {
+                    clock.releaseScan();
+                }
+            } else {
+                clock.runFor(std::chrono::milliseconds(cycle % 7 * 37));
+            }
+            deliver(*driver, 20, static_cast<uint8_t>(cycle % 2));
+            plant.setDigitalInput(1, 0, cycle % 5 == 0);
+            plant.setAnalogInput(2, 1, static_cast<uint16_t>(cycle * 61));
+        }
+        expectNothingLeft(plant, recorder);
+        if (cycle == 0) {
+            threadsAfterFirstCycle = reliability::threadsOfThisProcess();
+        }
+    }
+    clock.holdScans(false);
+
+    EXPECT_EQ(reliability::threadsOfThisProcess(), threadsAfterFirstCycle);
+    EXPECT_GE(recorder.threadStarts().size(), static_cast<std::size_t>(kCycles / 2));
+    expectNoLeak();
+}
+
+TEST(Teardown, CyclesOnTheWallClockEndThreadsThatSleepOrScanAtDeletion) {
+    orbel::Recorder recorder;
+    vplc::Plant plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    const DriverRecords config = configurations()[0];
+    int threadsAfterFirstCycle = 0;
+
+    for (int cycle = 0; cycle < 50; ++cycle) {
+        SCOPED_TRACE("cycle " + std::to_string(cycle));
+        // A new driver may take the place of the last one in memory; only its own records count.
+        recorder.clear();
+        {
+            DriverPtr driver = create(config);
+            initialize(*driver);
+            // Deleted after its first or its second publication: the thread is then in a real
+            // pause, still publishing, or on its way into the scans.
+            const CSI_base* self = driver.get();
+            const std::size_t publications = 1 + static_cast<std::size_t>(cycle % 2);
+            ASSERT_TRUE(recorder.waitUntil(
+                [&] { return recorder.published(self).size() >= publications; }));
+            deliver(*driver, 21, 1);
+        }
+        EXPECT_EQ(recorder.threadStarts().size(), 1u);
+        expectNothingLeft(plant, recorder);
+        if (cycle == 0) {
+            threadsAfterFirstCycle = reliability::threadsOfThisProcess();
+        }
+    }
+
+    EXPECT_EQ(reliability::threadsOfThisProcess(), threadsAfterFirstCycle);
+    expectNoLeak();
+}

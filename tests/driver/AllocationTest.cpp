@@ -14,12 +14,13 @@
 #include "TestHost.h"
 #include "orbel/HostObserver.h"
 #include "vplc/Plant.h"
+#include "vplc/Runtime.h"
 
-using drivertest::DriverConfig;
 using drivertest::DriverPtr;
 using drivertest::ExposedDriver;
 using drivertest::StepClock;
 using drivertest::TestHost;
+using testsupport::DriverConfig;
 
 namespace {
 
@@ -66,17 +67,21 @@ public:
     ~DriverThreadMarker() override { orbel::removeObserver(*this); }
 
     int publications() const { return publications_.load(); }
+    int stops() const { return stops_.load(); }
 
     void logged(const CSI_base*, int, std::string_view, std::string_view) override {}
     void published(const CSI_base*, uint32_t, uint32_t, std::span<const uint8_t>) override {
         publications_.fetch_add(1);
     }
-    void stopped(const CSI_base*, const stServiceParams_t*, std::string_view) override {}
+    void stopped(const CSI_base*, const stServiceParams_t*, std::string_view) override {
+        stops_.fetch_add(1);
+    }
     void threadStarted(const CSI_base*) override { onDriverThread = true; }
     void threadEnded(const CSI_base*, std::string_view) override {}
 
 private:
     std::atomic<int> publications_{0};
+    std::atomic<int> stops_{0};
 };
 
 // A module kept in memory alone: every pin kind on pins 0 to 7, no platform calls.
@@ -242,6 +247,61 @@ TEST(Allocation, AnalogOutputEventsAllocateNothing) {
 
     EXPECT_EQ(allocations.load(), 0);
     EXPECT_EQ(plant.analogOutputOnBus(1, 1), 57000);
+}
+
+// The error paths of an event report to the host without allocating: an event of an id that no
+// service has, walked past the restart services too without restarting, and an event without
+// data. The observer keeps the host's side of the report free of allocations as well.
+TEST(Allocation, AnUnsubscribedEventAllocatesNothingOnItsWayPastTheRestartServices) {
+    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    StepClock clock;
+    DriverThreadMarker marker;
+    auto driver =
+        TestHost::create(DriverConfig::digital().digitalOut(20, "3", "0").restart(30).restart(31));
+    TestHost::initialize(*driver);
+    clock.waitUntilPaused();
+    uint8_t payload = 1;
+    const stEventParams_t event = eventWith(99, &payload, 1);
+    driver->receiveEvent(event);
+    const int stopsBefore = marker.stops();
+    const int busCopiesBefore = plant.calls("ArpPlcAxio_WriteFromGdsToAxio");
+    const int restartsBefore = vplc::Runtime::restarts();
+    allocations = 0;
+
+    {
+        CountingScope counting;
+        for (int i = 0; i < 20; ++i) {
+            driver->receiveEvent(event);
+        }
+    }
+
+    EXPECT_EQ(allocations.load(), 0);
+    EXPECT_EQ(marker.stops() - stopsBefore, 20);
+    EXPECT_EQ(plant.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesBefore, 20);
+    EXPECT_EQ(vplc::Runtime::restarts() - restartsBefore, 0);
+}
+
+TEST(Allocation, AnEventWithoutDataAllocatesNothing) {
+    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    StepClock clock;
+    DriverThreadMarker marker;
+    auto driver = TestHost::create(DriverConfig::digital().digitalOut(20, "3", "0"));
+    TestHost::initialize(*driver);
+    clock.waitUntilPaused();
+    const stEventParams_t event = eventWith(20, nullptr, 1);
+    driver->receiveEvent(event);
+    const int stopsBefore = marker.stops();
+    allocations = 0;
+
+    {
+        CountingScope counting;
+        for (int i = 0; i < 20; ++i) {
+            driver->receiveEvent(event);
+        }
+    }
+
+    EXPECT_EQ(allocations.load(), 0);
+    EXPECT_EQ(marker.stops() - stopsBefore, 20);
 }
 
 TEST(Allocation, WhereverTheFactoryRunsOutOfMemoryItThrowsBadAllocAndLeavesNothingBehind) {

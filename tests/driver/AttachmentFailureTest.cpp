@@ -9,9 +9,9 @@
 #include "vplc/Plant.h"
 #include "vplc/Runtime.h"
 
-using drivertest::DriverConfig;
 using drivertest::Logged;
 using drivertest::TestHost;
+using testsupport::DriverConfig;
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::DriverConfig;
 using drivertest::TestHost;
+using testsupport::DriverConfig;
 using namespace std::chrono_literals;
 
 TEST(Concurrency, OutputEventsOnAHostThreadRunAlongsideTheScanOfTheDriverThread) {

@@ -13,10 +13,10 @@
 #include "vplc/Runtime.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::DriverConfig;
 using drivertest::DriverPtr;
 using drivertest::Logged;
 using drivertest::TestHost;
+using testsupport::DriverConfig;
 
 namespace {
 

@@ -17,7 +17,7 @@
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::DriverConfig;
+using testsupport::DriverConfig;
 using namespace std::chrono_literals;
 
 namespace {

@@ -14,11 +14,11 @@
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 
-using drivertest::DriverConfig;
 using drivertest::ExposedDriver;
 using drivertest::Logged;
 using drivertest::loggedLines;
 using drivertest::TestHost;
+using testsupport::DriverConfig;
 
 namespace {
 

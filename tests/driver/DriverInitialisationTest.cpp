@@ -12,10 +12,10 @@
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::DriverConfig;
 using drivertest::DriverPtr;
 using drivertest::ExposedDriver;
 using drivertest::TestHost;
+using testsupport::DriverConfig;
 
 namespace {
 

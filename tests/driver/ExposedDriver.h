@@ -8,6 +8,8 @@
 
 namespace drivertest {
 
+using testsupport::DriverConfig;
+
 // A driver whose tables a test can look at. Made directly, not through the factory, so that
 // tests can also hand it a module of their own before initialize().
 class ExposedDriver : public CPLCNext {

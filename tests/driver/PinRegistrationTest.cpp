@@ -15,11 +15,11 @@
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::DriverConfig;
 using drivertest::DriverPtr;
 using drivertest::ExposedDriver;
 using drivertest::Logged;
 using drivertest::TestHost;
+using testsupport::DriverConfig;
 
 namespace {
 

@@ -18,8 +18,8 @@
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 
-using drivertest::DriverConfig;
 using drivertest::TestHost;
+using testsupport::DriverConfig;
 
 namespace {
 

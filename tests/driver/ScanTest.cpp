@@ -15,10 +15,10 @@
 #include "vplc/VirtualClock.h"
 
 using drivertest::CombinedModule;
-using drivertest::DriverConfig;
 using drivertest::DriverPtr;
 using drivertest::ExposedDriver;
 using drivertest::TestHost;
+using testsupport::DriverConfig;
 using namespace std::chrono_literals;
 
 namespace {

@@ -8,6 +8,8 @@
 
 namespace drivertest {
 
+using testsupport::DriverConfig;
+
 // Ends a driver's thread before deleting the driver, as a host must.
 struct DriverDestroyer {
     void operator()(CSI_base* driver) const;

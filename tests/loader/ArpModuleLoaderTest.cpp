@@ -12,7 +12,7 @@
 #include "vplc/PlatformCalls.h"
 #include "vplc/Runtime.h"
 
-using loadertest::runInChild;
+using testsupport::runInChild;
 using vplc::Runtime;
 
 namespace {

@@ -12,13 +12,13 @@
 #include <string>
 #include <vector>
 
-#include "DriverRecords.h"
+#include "DriverConfig.h"
 #include "DriverRig.h"
 #include "modules/IbIlConversion.h"
 #include "vplc/Runtime.h"
 
-using reliability::DriverRecords;
 using reliability::DriverRig;
+using testsupport::DriverConfig;
 
 namespace {
 
@@ -38,8 +38,8 @@ constexpr uint32_t kChannel1 = 201;
 constexpr uint32_t kAnalogInput = 210;
 constexpr uint32_t kAnalogRestart = 290;
 
-DriverRecords digitalRecords() {
-    return DriverRecords::digital(DriverRig::kDigitalPosition)
+DriverConfig digitalRecords() {
+    return DriverConfig::digital(DriverRig::kDigitalPosition)
         .service(1, "DigitalOut", kPin0, {{"PinNum", "0"}, {"InitVal", "0"}})
         .service(2, "DigitalOut", kPins1And2, {{"PinNum", "1"}, {"InitVal", "0"}})
         .service(3, "DigitalOut", kPins1And2, {{"PinNum", "2"}, {"InitVal", "0"}})
@@ -51,8 +51,8 @@ DriverRecords digitalRecords() {
         .mapping(kDigitalInput, 1);
 }
 
-DriverRecords analogRecords() {
-    return DriverRecords::analog(DriverRig::kAnalogPosition)
+DriverConfig analogRecords() {
+    return DriverConfig::analog(DriverRig::kAnalogPosition)
         .analogOut(kChannel0, "0", "0")
         .analogOut(kChannel1, "1", "0")
         .analogIn(kAnalogInput, "0")

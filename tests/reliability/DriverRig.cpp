@@ -35,7 +35,7 @@ DriverRig::~DriverRig() {
     vplc::Runtime::reset();
 }
 
-CSI_base& DriverRig::create(const DriverRecords& records) {
+CSI_base& DriverRig::create(const DriverConfig& records) {
     return adopt([&records] {
         auto mappings = records.mappings;
         auto services = records.services;

@@ -5,13 +5,15 @@
 #include <memory>
 #include <vector>
 
-#include "DriverRecords.h"
+#include "DriverConfig.h"
 #include "SI_base.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
 namespace reliability {
+
+using testsupport::DriverConfig;
 
 // A host with one driver on the virtual controller, on virtual time. The bus holds the digital
 // module at position 1 and the analog module at position 2. Scans are held at their start, so
@@ -30,7 +32,7 @@ public:
     DriverRig& operator=(const DriverRig&) = delete;
 
     // Through the exported factory, as a host does; the version line is attributed to it.
-    CSI_base& create(const DriverRecords& records);
+    CSI_base& create(const DriverConfig& records);
 
     // Takes a driver that `construct` makes, attributing its version line to it.
     CSI_base& adopt(const std::function<CSI_base*()>& construct);

@@ -2,16 +2,18 @@
 
 #include <map>
 
-#include "DriverRecords.h"
+#include "DriverConfig.h"
 #include "PLCNext.h"
 
 namespace reliability {
+
+using testsupport::DriverConfig;
 
 // A driver whose settings and tables a test can look at. Made directly rather than through the
 // factory; the constructor is the same.
 class ExposedDriver : public CPLCNext {
 public:
-    explicit ExposedDriver(const DriverRecords& records)
+    explicit ExposedDriver(const DriverConfig& records)
         : CPLCNext(records.params, records.mappings, records.services) {}
 
     int consecutiveNumber() const { return m_nConsecutiveNumber; }

@@ -25,7 +25,7 @@
 #include "Arp/System/Commons/Exceptions/Exceptions.h"
 #include "ArpModuleLoader.h"
 #include "ChildProcess.h"
-#include "DriverRecords.h"
+#include "DriverConfig.h"
 #include "DriverRig.h"
 #include "LoggedLine.h"
 #include "PLCNext.h"
@@ -37,9 +37,9 @@
 #include "vplc/Runtime.h"
 #include "vplc/VirtualClock.h"
 
-using reliability::DriverRecords;
 using reliability::DriverRig;
 using reliability::LoggedLine;
+using testsupport::DriverConfig;
 using vplc::Fault;
 using vplc::Runtime;
 
@@ -89,16 +89,16 @@ constexpr uint32_t kChannel1 = 40;
 constexpr uint32_t kRestart = 90;
 constexpr uint32_t kUnsubscribed = 77;
 
-DriverRecords digitalRecords() {
-    return DriverRecords::digital(DriverRig::kDigitalPosition)
+DriverConfig digitalRecords() {
+    return DriverConfig::digital(DriverRig::kDigitalPosition)
         .digitalIn(kDigitalIn, "3")
         .digitalOut(kPin5, "5", "1")
         .digitalOut(kPin6, "6", "0")
         .restart(kRestart);
 }
 
-DriverRecords analogRecords() {
-    return DriverRecords::analog(DriverRig::kAnalogPosition)
+DriverConfig analogRecords() {
+    return DriverConfig::analog(DriverRig::kAnalogPosition)
         .analogIn(kAnalogIn, "0")
         .analogOut(kChannel1, "1", "5")
         .restart(kRestart);
@@ -1200,7 +1200,7 @@ void printRecorded(const orbel::Recorder& recorder) {
 }
 
 CSI_base* createDigitalDriver() {
-    DriverRecords records = digitalRecords();
+    DriverConfig records = digitalRecords();
     orbel::CallScope creation(nullptr);
     return CreateSiObject(records.params, &records.mappings, &records.services);
 }
@@ -1403,7 +1403,7 @@ int failedParts() {
 MatrixLine runAttachmentRow(const AttachmentRow& row) {
     SCOPED_TRACE(row.call + " at " + row.site);
     const int failedBefore = failedParts();
-    const reliability::ChildResult child = reliability::runInChild(row.child);
+    const testsupport::ChildResult child = testsupport::runInChild(row.child);
     const ChildReport report = parseReport(child.output);
     EXPECT_EQ(child.exitCode, 0);
     EXPECT_EQ(report.printed, row.printed);

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "ChildProcess.h"
-#include "DriverRecords.h"
+#include "DriverConfig.h"
 #include "PLCNext.h"
 #include "orbel/CallScope.h"
 #include "orbel/DriverThreads.h"
@@ -31,7 +31,7 @@
 #include <sanitizer/lsan_interface.h>
 #endif
 
-using reliability::DriverRecords;
+using testsupport::DriverConfig;
 using namespace std::chrono_literals;
 
 namespace {
@@ -43,7 +43,7 @@ struct DriverDeleter {
 };
 using DriverPtr = std::unique_ptr<CSI_base, DriverDeleter>;
 
-DriverPtr create(const DriverRecords& records) {
+DriverPtr create(const DriverConfig& records) {
     auto mappings = records.mappings;
     auto services = records.services;
     orbel::CallScope creation(nullptr);
@@ -66,18 +66,18 @@ void deliver(CSI_base& driver, uint32_t id, uint8_t value) {
 
 // The configurations the cycles go through: both modules with inputs and outputs, one without
 // inputs, one that stops during initialisation, and one without a module.
-std::vector<DriverRecords> configurations() {
+std::vector<DriverConfig> configurations() {
     return {
-        DriverRecords::digital(1)
+        DriverConfig::digital(1)
             .digitalIn(10, "0")
             .digitalIn(11, "7")
             .digitalOut(20, "3", "1")
             .digitalOut(21, "4", "0")
             .restart(90),
-        DriverRecords::analog(2).analogIn(30, "0").analogIn(31, "1").analogOut(40, "1", "5"),
-        DriverRecords::digital(1).digitalOut(20, "0", "1"),
-        DriverRecords::digital(1).digitalIn(10, "2").digitalIn(11, "9"),
-        DriverRecords("AXL_F_DI8_1_DO8_1 ", "1"),
+        DriverConfig::analog(2).analogIn(30, "0").analogIn(31, "1").analogOut(40, "1", "5"),
+        DriverConfig::digital(1).digitalOut(20, "0", "1"),
+        DriverConfig::digital(1).digitalIn(10, "2").digitalIn(11, "9"),
+        DriverConfig("AXL_F_DI8_1_DO8_1 ", "1"),
     };
 }
 
@@ -100,12 +100,12 @@ TEST(Teardown, AThousandCyclesOnVirtualTimeEndEveryThreadAndReleaseEveryBuffer) 
     orbel::Recorder recorder;
     vplc::VirtualClock clock;
     vplc::Plant plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
-    const std::vector<DriverRecords> records = configurations();
+    const std::vector<DriverConfig> records = configurations();
     int threadsAfterFirstCycle = 0;
 
     for (int cycle = 0; cycle < kCycles; ++cycle) {
         SCOPED_TRACE("cycle " + std::to_string(cycle));
-        const DriverRecords& config = records[static_cast<std::size_t>(cycle) % records.size()];
+        const DriverConfig& config = records[static_cast<std::size_t>(cycle) % records.size()];
         // Every third cycle the thread is deleted while it waits at a scan start, the others
         // while it pauses somewhere in its initial publication or its scans.
         const bool holdAtGate = cycle % 3 == 0;
@@ -126,12 +126,12 @@ TEST(Teardown, AThousandCyclesOnVirtualTimeEndEveryThreadAndReleaseEveryBuffer) 
         }
         expectNothingLeft(plant, recorder);
         if (cycle == 0) {
-            threadsAfterFirstCycle = reliability::threadsOfThisProcess();
+            threadsAfterFirstCycle = testsupport::threadsOfThisProcess();
         }
     }
     clock.holdScans(false);
 
-    EXPECT_EQ(reliability::threadsOfThisProcess(), threadsAfterFirstCycle);
+    EXPECT_EQ(testsupport::threadsOfThisProcess(), threadsAfterFirstCycle);
     EXPECT_GE(recorder.threadStarts().size(), static_cast<std::size_t>(kCycles / 2));
     expectNoLeak();
 }
@@ -139,7 +139,7 @@ TEST(Teardown, AThousandCyclesOnVirtualTimeEndEveryThreadAndReleaseEveryBuffer) 
 TEST(Teardown, CyclesOnTheWallClockEndThreadsThatSleepOrScanAtDeletion) {
     orbel::Recorder recorder;
     vplc::Plant plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
-    const DriverRecords config = configurations()[0];
+    const DriverConfig config = configurations()[0];
     int threadsAfterFirstCycle = 0;
 
     for (int cycle = 0; cycle < 50; ++cycle) {
@@ -160,10 +160,10 @@ TEST(Teardown, CyclesOnTheWallClockEndThreadsThatSleepOrScanAtDeletion) {
         EXPECT_EQ(recorder.threadStarts().size(), 1u);
         expectNothingLeft(plant, recorder);
         if (cycle == 0) {
-            threadsAfterFirstCycle = reliability::threadsOfThisProcess();
+            threadsAfterFirstCycle = testsupport::threadsOfThisProcess();
         }
     }
 
-    EXPECT_EQ(reliability::threadsOfThisProcess(), threadsAfterFirstCycle);
+    EXPECT_EQ(testsupport::threadsOfThisProcess(), threadsAfterFirstCycle);
     expectNoLeak();
 }

@@ -64,7 +64,7 @@ foreach(needed liborbel_intrf.so ${arp_libraries})
 endforeach()
 
 # The driver's payload buffers are kept for its lifetime on purpose.
-set(ENV{LSAN_OPTIONS} "suppressions=${SOURCE_DIR}/tests/driver/lsan.supp:print_suppressions=0")
+set(ENV{LSAN_OPTIONS} "suppressions=${SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")
 run("Running the driver" ${EMULATOR} ${SMOKE_HOST} ${driver})
 message(STATUS "${output}")
 foreach(library ${arp_libraries})

@@ -6,7 +6,7 @@
 
 #include "HostRecords.h"
 
-namespace drivertest {
+namespace testsupport {
 
 // The records a host hands to CreateSiObject, built in one expression:
 //
@@ -46,4 +46,4 @@ public:
     std::map<unsigned, stServiceParams_t> services;
 };
 
-}  // namespace drivertest
+}  // namespace testsupport

@@ -5,9 +5,10 @@
 
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 
-namespace loadertest {
+namespace testsupport {
 
 ChildResult runInChild(const std::function<int()>& body) {
     std::fflush(stdout);
@@ -41,4 +42,13 @@ ChildResult runInChild(const std::function<int()>& body) {
     return result;
 }
 
-}  // namespace loadertest
+int threadsOfThisProcess() {
+    int threads = 0;
+    for ([[maybe_unused]] const auto& entry :
+         std::filesystem::directory_iterator("/proc/self/task")) {
+        ++threads;
+    }
+    return threads;
+}
+
+}  // namespace testsupport

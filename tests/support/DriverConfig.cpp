@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace drivertest {
+namespace testsupport {
 
 DriverConfig::DriverConfig(std::string deviceType, std::string consecutiveNumber) {
     params.sName = "driver";
@@ -80,4 +80,4 @@ DriverConfig& DriverConfig::mapping(uint32_t eventId, uint16_t size) {
     return *this;
 }
 
-}  // namespace drivertest
+}  // namespace testsupport

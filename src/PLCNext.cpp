@@ -304,8 +304,13 @@ void CPLCNext::run() {
 }
 
 void CPLCNext::onReceiveEvent(stEventParams_t event) {
+    // The host takes its messages as std::string; made once, so that no way through an event
+    // allocates, its error paths included.
+    static const std::string sNullDataPointer("Null data pointer");
+    static const std::string sUnsubscribedEvent("Unsubscribed event received");
+
     if (event.pData == nullptr) {
-        stopWithError("Null data pointer");
+        stopWithError(sNullDataPointer);
         return;
     }
 
@@ -334,7 +339,7 @@ void CPLCNext::onReceiveEvent(stEventParams_t event) {
         }
     }
 
-    stopWithError("Unsubscribed event received");
+    stopWithError(sUnsubscribedEvent);
     ArpPlcAxio_WriteFromGdsToAxio(0);
 }
 

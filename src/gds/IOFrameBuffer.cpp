@@ -48,13 +48,15 @@ std::string IOFrameBuffer::variableName(int moduleNumber, const std::string& por
     return std::string(szIoSystemName) + "/" + szPosition + ".~" + port;
 }
 
+// The target is zero-filled only where nothing is read: this runs for every pin of every scan.
 void IOFrameBuffer::read(int nOffset, unsigned char* pTarget, std::size_t nSize) {
-    std::memset(pTarget, 0, nSize);
     if (nOffset == InvalidOffset) {
+        std::memset(pTarget, 0, nSize);
         return;
     }
     char* pData = nullptr;
     if (!ArpPlcGds_BeginRead(m_pBuffer, &pData)) {
+        std::memset(pTarget, 0, nSize);
         logMessage(2, "Can't begin read: %s", axioline::getLastError().c_str());
         ArpPlcGds_EndRead(m_pBuffer);
         return;

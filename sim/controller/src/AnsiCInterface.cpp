@@ -46,9 +46,9 @@ std::shared_ptr<GdsFrame> frameOf(Controller& controller, std::string_view funct
         fail(std::string(function) + ": unknown GDS buffer handle");
         return nullptr;
     }
-    const std::string bufferId = quoted(FrameLayout::bufferId(handle->frame));
+    // The buffer's name is only put together for a failure: this runs on every Begin and End.
     if (handle->released) {
-        fail("GDS buffer " + bufferId + " has been released");
+        fail("GDS buffer " + quoted(FrameLayout::bufferId(handle->frame)) + " has been released");
         return nullptr;
     }
     Bus* bus = controller.bus();
@@ -57,7 +57,8 @@ std::shared_ptr<GdsFrame> frameOf(Controller& controller, std::string_view funct
         return nullptr;
     }
     if (bus->serial() != handle->busSerial) {
-        fail("GDS buffer " + bufferId + " belongs to an Axioline bus that is no longer running");
+        fail("GDS buffer " + quoted(FrameLayout::bufferId(handle->frame)) +
+             " belongs to an Axioline bus that is no longer running");
         return nullptr;
     }
     return bus->frame(handle->frame);

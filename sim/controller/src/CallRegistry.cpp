@@ -8,6 +8,8 @@ std::optional<std::string> CallRegistry::record(std::string_view function) {
         count = counts_.emplace(std::string(function), 0).first;
     ++count->second;
 
+    if (faults_.empty())
+        return std::nullopt;
     auto fault = faults_.find(function);
     if (fault == faults_.end())
         return std::nullopt;

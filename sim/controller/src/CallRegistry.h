@@ -1,10 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "vplc/Fault.h"
 
@@ -28,8 +29,18 @@ private:
         std::string errorText;
     };
 
-    std::map<std::string, int, std::less<>> counts_;
-    std::map<std::string, Armed, std::less<>> faults_;
+    // Looked up by a string_view without making a string: every platform call is counted here.
+    struct NameHash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view name) const {
+            return std::hash<std::string_view>{}(name);
+        }
+    };
+    template <class Value>
+    using ByName = std::unordered_map<std::string, Value, NameHash, std::equal_to<>>;
+
+    ByName<int> counts_;
+    ByName<Armed> faults_;
 };
 
 }  // namespace vplc

@@ -55,9 +55,9 @@ void VirtualClock::runUntil(Duration t) {
                 return false;
             sleeper->woken = true;
             ++running_;
+            sleeper->wake.notify_one();
             return true;
         });
-        changed_.notify_all();
         settle(lock);
     }
     now_ = t;
@@ -107,9 +107,8 @@ void VirtualClock::atScanStart() {
         return;
     Ticket ticket;
     held_.push_back(&ticket);
-    --running_;
-    changed_.notify_all();
-    changed_.wait(lock, [&ticket] { return ticket.released || orbel::endRequested(); });
+    stoppedRunning();
+    ticket.wake.wait(lock, [&ticket] { return ticket.released || orbel::endRequested(); });
     if (!ticket.released) {
         std::erase(held_, &ticket);
         ++running_;
@@ -125,8 +124,7 @@ void VirtualClock::threadStarting() {
 
 void VirtualClock::threadEnding() {
     std::lock_guard lock(mutex_);
-    --running_;
-    changed_.notify_all();
+    stoppedRunning();
 }
 
 void VirtualClock::pause(const timespec& request) {
@@ -135,11 +133,11 @@ void VirtualClock::pause(const timespec& request) {
     std::unique_lock lock(mutex_);
     const Duration duration = durationOf(request);
     pauses_.push_back(Pause{orbel::currentThreadDriver(), now_, duration});
-    Sleeper sleeper{now_ + duration};
+    Sleeper sleeper;
+    sleeper.wakeAt = now_ + duration;
     sleepers_.push_back(&sleeper);
-    --running_;
-    changed_.notify_all();
-    changed_.wait(lock, [&sleeper] { return sleeper.woken || orbel::endRequested(); });
+    stoppedRunning();
+    sleeper.wake.wait(lock, [&sleeper] { return sleeper.woken || orbel::endRequested(); });
     if (!sleeper.woken) {
         std::erase(sleepers_, &sleeper);
         ++running_;
@@ -148,11 +146,14 @@ void VirtualClock::pause(const timespec& request) {
 
 void VirtualClock::wakeAll() {
     std::lock_guard lock(mutex_);
-    changed_.notify_all();
+    for (Sleeper* sleeper : sleepers_)
+        sleeper->wake.notify_one();
+    for (Ticket* ticket : held_)
+        ticket->wake.notify_one();
 }
 
 void VirtualClock::settle(std::unique_lock<std::mutex>& lock) {
-    changed_.wait(lock, [this] { return running_ <= 0; });
+    settled_.wait(lock, [this] { return running_ <= 0; });
 }
 
 int VirtualClock::releaseHeld() {
@@ -160,10 +161,15 @@ int VirtualClock::releaseHeld() {
     for (Ticket* ticket : held_) {
         ticket->released = true;
         ++running_;
+        ticket->wake.notify_one();
     }
     held_.clear();
-    changed_.notify_all();
     return released;
+}
+
+void VirtualClock::stoppedRunning() {
+    if (--running_ <= 0)
+        settled_.notify_all();
 }
 
 }  // namespace vplc

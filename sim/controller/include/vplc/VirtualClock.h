@@ -83,19 +83,26 @@ public:
     void wakeAll() override;
 
 private:
+    // Each waiting thread has a condition variable of its own, and settling one more, so that a
+    // thread is woken only when what it waits for may have come about: with one for all, every
+    // pause woke every other paused thread, which made runs with several drivers slow.
     struct Sleeper {
         Duration wakeAt;
         bool woken = false;
+        std::condition_variable wake;
     };
     struct Ticket {
         bool released = false;
+        std::condition_variable wake;
     };
 
     void settle(std::unique_lock<std::mutex>& lock);
     int releaseHeld();
+    // A thread stops running (paused, held or ended); the caller holds the lock.
+    void stoppedRunning();
 
     mutable std::mutex mutex_;
-    std::condition_variable changed_;
+    std::condition_variable settled_;
     Duration now_{0};
     int running_ = 0;
     bool holding_ = false;

@@ -1,0 +1,64 @@
+#include "ThreadCpuClocks.h"
+
+#include <pthread.h>
+
+#include <stdexcept>
+
+namespace axlbench {
+
+namespace {
+
+constexpr int kFailureLevel = 2;
+
+}  // namespace
+
+ThreadCpuClocks::ThreadCpuClocks() {
+    orbel::addObserver(*this);
+}
+
+ThreadCpuClocks::~ThreadCpuClocks() {
+    orbel::removeObserver(*this);
+}
+
+std::chrono::nanoseconds ThreadCpuClocks::cpuTime(const CSI_base* driver) const {
+    clockid_t clock{};
+    {
+        std::lock_guard lock(mutex_);
+        const auto found = clocks_.find(driver);
+        if (found == clocks_.end()) {
+            throw std::runtime_error("the driver has started no thread");
+        }
+        clock = found->second;
+    }
+    timespec used{};
+    if (clock_gettime(clock, &used) != 0) {
+        throw std::runtime_error("cannot read the CPU time of a driver thread");
+    }
+    return std::chrono::seconds(used.tv_sec) + std::chrono::nanoseconds(used.tv_nsec);
+}
+
+void ThreadCpuClocks::logged(const CSI_base*, int level, std::string_view, std::string_view) {
+    if (level == kFailureLevel) {
+        failures_.fetch_add(1);
+    }
+}
+
+void ThreadCpuClocks::published(const CSI_base*, uint32_t, uint32_t, std::span<const uint8_t>) {}
+
+void ThreadCpuClocks::stopped(const CSI_base*, const stServiceParams_t*, std::string_view) {
+    failures_.fetch_add(1);
+}
+
+// Called on the new driver thread itself.
+void ThreadCpuClocks::threadStarted(const CSI_base* driver) {
+    clockid_t clock{};
+    if (pthread_getcpuclockid(pthread_self(), &clock) != 0) {
+        return;
+    }
+    std::lock_guard lock(mutex_);
+    clocks_[driver] = clock;
+}
+
+void ThreadCpuClocks::threadEnded(const CSI_base*, std::string_view) {}
+
+}  // namespace axlbench

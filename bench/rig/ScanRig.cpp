@@ -1,0 +1,60 @@
+#include "ScanRig.h"
+
+#include <stdexcept>
+#include <vector>
+
+#include "orbel/DriverThreads.h"
+
+namespace axlbench {
+
+namespace {
+
+constexpr long kWarmUpScans = 100;
+
+vplc::Plant plantWithInputs(ModuleKind module) {
+    if (module == ModuleKind::Digital) {
+        auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+        plant.setDigitalInputs(1, 0xA5);
+        return plant;
+    }
+    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    plant.setAnalogInput(1, 0, 12345);
+    plant.setAnalogInput(1, 1, 23456);
+    return plant;
+}
+
+std::vector<FloorScanner::Read> readsOf(ModuleKind module, const FloorFrames& frames) {
+    if (module == ModuleKind::Digital) {
+        const std::size_t byte = frames.inputOffset("DI8");
+        return std::vector<FloorScanner::Read>(8, {byte, 1});
+    }
+    const std::size_t word = frames.inputOffset("AI32");
+    return {{word, 2}, {word + 2, 2}};
+}
+
+}  // namespace
+
+ScanRig::ScanRig(ModuleKind module, Side side) : plant_(plantWithInputs(module)) {
+    if (side == Side::Driver) {
+        driver_ = std::make_unique<BenchDriver>(module);
+        if (host_.stops() != 0 || host_.failures() != 0) {
+            throw std::runtime_error("the driver did not start as configured");
+        }
+    } else {
+        frames_ = std::make_unique<FloorFrames>();
+        floor_ = std::make_unique<FloorScanner>(frames_->in(), readsOf(module, *frames_));
+        floor_->start();
+    }
+    clock_.waitUntilHeld();
+    run(kWarmUpScans);
+}
+
+ScanRig::~ScanRig() {
+    orbel::endAllDriverThreads();
+}
+
+std::chrono::nanoseconds ScanRig::run(long scans) {
+    return clock_.run(scans);
+}
+
+}  // namespace axlbench

@@ -108,14 +108,14 @@ private:
 // Appends one conversion, rendered by snprintf from a format that holds only that conversion,
 // whose length modifier matches the type of `value`.
 template <class... Values>
-void appendPrintf(std::string& out, const std::string& spec, Values... values) {
-    const int needed = std::snprintf(nullptr, 0, spec.c_str(), values...);
+void appendPrintf(std::string& out, const std::string& conversionFormat, Values... values) {
+    const int needed = std::snprintf(nullptr, 0, conversionFormat.c_str(), values...);
     if (needed <= 0)
         return;
     const std::size_t start = out.size();
     const std::size_t count = static_cast<std::size_t>(needed);
     out.resize(start + count + 1);
-    std::snprintf(out.data() + start, count + 1, spec.c_str(), values...);
+    std::snprintf(out.data() + start, count + 1, conversionFormat.c_str(), values...);
     out.resize(start + count);
 }
 
@@ -129,18 +129,18 @@ public:
 
     template <class T>
     void write(std::string_view modifier, T value) {
-        std::string spec = "%" + conversion_.body;
-        spec += modifier;
-        spec += conversion_.type;
+        std::string conversionFormat = "%" + conversion_.body;
+        conversionFormat += modifier;
+        conversionFormat += conversion_.type;
         switch (conversion_.stars) {
             case 0:
-                appendPrintf(out_, spec, value);
+                appendPrintf(out_, conversionFormat, value);
                 break;
             case 1:
-                appendPrintf(out_, spec, stars_[0], value);
+                appendPrintf(out_, conversionFormat, stars_[0], value);
                 break;
             default:
-                appendPrintf(out_, spec, stars_[0], stars_[1], value);
+                appendPrintf(out_, conversionFormat, stars_[0], stars_[1], value);
                 break;
         }
     }

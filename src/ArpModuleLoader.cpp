@@ -33,10 +33,12 @@ extern "C" __attribute__((visibility("default"))) int ArpSystemModule_Load(
         return 0;
     } catch (const Arp::Exception& e) {
         std::cout << "Exception of type Arp::Exception occured during call of "
-                  << "ArpSystemModule_Load" << " : " << e.GetMessage() << std::endl;
+                  << "ArpSystemModule_Load"
+                  << " : " << e.GetMessage() << std::endl;
     } catch (const std::exception& e) {
         std::cout << "Exception of type std::exception occured during call of "
-                  << "ArpSystemModule_Load" << " : " << e.what() << std::endl;
+                  << "ArpSystemModule_Load"
+                  << " : " << e.what() << std::endl;
     } catch (...) {
         std::cout << "Exception of unknown type occured during call of "
                   << "ArpSystemModule_Load" << std::endl;

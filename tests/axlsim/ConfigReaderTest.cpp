@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <sstream>
 
 #include "axlsim/ConfigError.h"
 #include "axlsim/ConfigReader.h"
@@ -284,6 +285,97 @@ TEST(ConfigReader, NamesTheFileThatCannotBeOpened) {
         EXPECT_EQ(error.file(), "/nonexistent/config.json");
         EXPECT_THAT(error.reason(), HasSubstr("cannot open"));
     }
+}
+
+TEST(ConfigReader, RefusesAServiceKeyGivenTwiceNamingThePointerAndBothLines) {
+    const ConfigError error = errorOf(R"({ "services": {
+        "1": { "eventId": 100, "type": "DigitalIn" },
+        "1": { "eventId": 101, "type": "DigitalIn" } } })");
+    EXPECT_EQ(error.place(), "/services/1");
+    EXPECT_EQ(error.reason(),
+              "the key \"1\" is given twice in /services, on line 2 and on line 3; give each key "
+              "once");
+}
+
+TEST(ConfigReader, RefusesATopLevelKeyGivenTwice) {
+    const ConfigError error = errorOf(R"({ "mappings": { "100": { "size": 1 } },
+        "mappings": { "101": { "size": 1 } } })");
+    EXPECT_EQ(error.place(), "/mappings");
+    EXPECT_THAT(error.reason(), HasSubstr("given twice in the top level, on line 1 and on line 2"));
+}
+
+TEST(ConfigReader, NamesADuplicateKeyInsideAListByItsIndex) {
+    const ConfigError error = errorOf(R"({ "scenario": [ { "at_ms": 1, "note": "a" },
+        { "at_ms": 2, "note": "b", "at_ms": 3 } ] })");
+    EXPECT_EQ(error.place(), "/scenario/1/at_ms");
+}
+
+TEST(ConfigReader, EscapesADuplicateKeyInItsPointer) {
+    const ConfigError error =
+        errorOf(R"({ "driver": { "params": { "a/b~c": "1", "a/b~c": "2" } } })");
+    EXPECT_EQ(error.place(), "/driver/params/a~1b~0c");
+}
+
+TEST(ConfigReader, ShowsOnlyTheStartOfAnUnterminatedComment) {
+    const std::string rest(5000, 'x');
+    const ConfigError error = errorOf("{ /* " + rest + " }");
+    EXPECT_THAT(error.reason(), HasSubstr("missing closing '*/'"));
+    EXPECT_LT(error.reason().size(), 200U) << error.reason();
+    EXPECT_THAT(error.reason(), HasSubstr("...'"));
+}
+
+TEST(ConfigReader, AcceptsAStepAtTheLongestRun) {
+    const Config config = withScenario(R"([ { "at_ms": 1000000000000, "note": "late" } ])");
+    EXPECT_EQ(config.scenario[0].at, std::chrono::milliseconds(1'000'000'000'000));
+}
+
+TEST(ConfigReader, RefusesAStepBeyondTheLongestRunSayingWhatIsAccepted) {
+    for (const char* time : {"1000000000001", "-1", "1.5", "1e22", "\"10\""}) {
+        const ConfigError error =
+            scenarioErrorOf(std::string(R"([ { "at_ms": )") + time + R"(, "note": "x" } ])");
+        EXPECT_EQ(error.place(), "/scenario/0/at_ms") << time;
+        EXPECT_EQ(error.reason(),
+                  "expected a time in whole milliseconds, from 0 to 10^12 ms (about 31 years)")
+            << time;
+    }
+}
+
+TEST(ConfigReader, RefusesADirectory) {
+    try {
+        ConfigReader::readFile(::testing::TempDir());
+        FAIL() << "no error";
+    } catch (const ConfigError& error) {
+        EXPECT_THAT(error.reason(), HasSubstr("is a directory"));
+    }
+}
+
+TEST(ConfigReader, RefusesADeviceBeforeReadingIt) {
+    for (const char* device : {"/dev/zero", "/dev/urandom"}) {
+        try {
+            ConfigReader::readFile(device);
+            FAIL() << "no error for " << device;
+        } catch (const ConfigError& error) {
+            EXPECT_EQ(error.file(), device);
+            EXPECT_THAT(error.reason(), HasSubstr("is not a regular file")) << device;
+        }
+    }
+}
+
+TEST(ConfigReader, StopsReadingAStreamAtTheLimit) {
+    std::istringstream endless(std::string(4096, ' '));
+    try {
+        ConfigReader::readStream(endless, "standard input", 1024);
+        FAIL() << "no error";
+    } catch (const ConfigError& error) {
+        EXPECT_EQ(error.file(), "standard input");
+        EXPECT_EQ(error.reason(),
+                  "is larger than 1024 bytes, the most axlsim reads as a configuration");
+    }
+}
+
+TEST(ConfigReader, ReadsAStreamWithinTheLimit) {
+    std::istringstream in(R"({ "description": "from a pipe" })");
+    EXPECT_EQ(ConfigReader::readStream(in, "standard input").description, "from a pipe");
 }
 
 }  // namespace

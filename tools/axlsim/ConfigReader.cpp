@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <initializer_list>
+#include <iostream>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -14,6 +16,8 @@
 #include "axlsim/DriverNumber.h"
 #include "axlsim/EventCatalog.h"
 #include "axlsim/Hex.h"
+#include "axlsim/JsonParser.h"
+#include "axlsim/Milliseconds.h"
 #include "axlsim/PlcOperationName.h"
 #include "axlsim/ValueText.h"
 #include "modules/IbIlConversion.h"
@@ -26,23 +30,22 @@ using Json = nlohmann::json;
 using namespace std::chrono_literals;
 
 constexpr auto kDefaultTail = 1000ms;
+constexpr std::size_t kChunk = 64 * 1024;
+constexpr std::size_t kMebibyte = 1024 * 1024;
+constexpr const char* kStandardInput = "standard input";
 
-// A JSON pointer to a member: "~" and "/" in the key are escaped.
+std::string tooLarge(std::size_t limit) {
+    const std::string size = limit % kMebibyte == 0 ? std::to_string(limit / kMebibyte) + " MiB"
+                                                    : std::to_string(limit) + " bytes";
+    return "is larger than " + size + ", the most axlsim reads as a configuration";
+}
+
 std::string member(const std::string& path, std::string_view key) {
-    std::string escaped;
-    for (char c : key) {
-        if (c == '~')
-            escaped += "~0";
-        else if (c == '/')
-            escaped += "~1";
-        else
-            escaped += c;
-    }
-    return path + "/" + escaped;
+    return JsonParser::member(path, key);
 }
 
 std::string element(const std::string& path, std::size_t index) {
-    return path + "/" + std::to_string(index);
+    return JsonParser::element(path, index);
 }
 
 // Reading one file: every failure names the file and the place.
@@ -96,6 +99,15 @@ public:
         if (value < min || value > max)
             fail(path, range);
         return value;
+    }
+
+    std::chrono::milliseconds milliseconds(const Json& node, const std::string& path) const {
+        if (!node.is_number_integer() ||
+            (node.is_number_unsigned()
+                 ? node.get<uint64_t>() > static_cast<uint64_t>(Milliseconds::kLongest)
+                 : node.get<int64_t>() < 0))
+            fail(path, "expected a time in whole milliseconds, " + Milliseconds::range());
+        return std::chrono::milliseconds(node.get<int64_t>());
     }
 
     // A key of "mappings" or "services": an unsigned number written as a text.
@@ -399,8 +411,7 @@ Scenario readScenario(const Document& doc, const Json& node, const std::vector<v
             doc.fail(at, "a step needs its time, \"at_ms\"");
         Config::Step result;
         result.path = at;
-        result.at = std::chrono::milliseconds(doc.integer(step.at("at_ms"), member(at, "at_ms"), 0,
-                                                          std::numeric_limits<int32_t>::max()));
+        result.at = doc.milliseconds(step.at("at_ms"), member(at, "at_ms"));
         const int actions = (step.contains("input") ? 1 : 0) + (step.contains("event") ? 1 : 0) +
                             (step.contains("plc") ? 1 : 0) + (step.contains("end") ? 1 : 0);
         if (actions > 1)
@@ -436,34 +447,48 @@ Scenario readScenario(const Document& doc, const Json& node, const std::vector<v
     return scenario;
 }
 
-// nlohmann's messages start with an identifier and name the line and column themselves.
-std::string syntaxReason(const std::string& what) {
-    const auto start = what.find("] ");
-    return start == std::string::npos ? what : what.substr(start + 2);
-}
-
 }  // namespace
 
 Config ConfigReader::readFile(const std::string& file) {
+    if (file == "-")
+        return readStream(std::cin, kStandardInput);
+    std::error_code error;
+    const auto status = std::filesystem::status(file, error);
+    if (!std::filesystem::exists(status))
+        throw ConfigError(file, "",
+                          "cannot open the file: " +
+                              (error ? error.message() : std::string(std::strerror(ENOENT))));
+    if (std::filesystem::is_directory(status))
+        throw ConfigError(file, "",
+                          "is a directory; give a configuration file, or - for standard input");
+    if (!std::filesystem::is_regular_file(status))
+        throw ConfigError(file, "",
+                          "is not a regular file; give a configuration file, or - for standard "
+                          "input");
+    if (std::filesystem::file_size(file, error) > kMaxBytes)
+        throw ConfigError(file, "", tooLarge(kMaxBytes));
     std::ifstream in(file, std::ios::binary);
     if (!in)
         throw ConfigError(file, "", std::string("cannot open the file: ") + std::strerror(errno));
-    std::ostringstream text;
-    text << in.rdbuf();
-    return readText(text.str(), file);
+    return readStream(in, file);
+}
+
+Config ConfigReader::readStream(std::istream& in, const std::string& name, std::size_t limit) {
+    std::string text;
+    std::vector<char> chunk(kChunk);
+    while (in.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || in.gcount() > 0) {
+        text.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
+        if (text.size() > limit)
+            throw ConfigError(name, "", tooLarge(limit));
+    }
+    if (in.bad())
+        throw ConfigError(name, "", std::string("cannot read: ") + std::strerror(errno));
+    return readText(text, name);
 }
 
 Config ConfigReader::readText(const std::string& text, const std::string& name) {
     const Document doc(name);
-    Json root;
-    try {
-        root = Json::parse(text, nullptr, true, true);
-    } catch (const Json::parse_error& error) {
-        throw ConfigError(name, "", syntaxReason(error.what()));
-    } catch (const Json::exception& error) {
-        // A number the reader cannot hold (1E400, say) fails the parse with another exception.
-        throw ConfigError(name, "", error.what());
-    }
+    const Json root = JsonParser::parse(text, name);
     doc.object(root, "",
                {"description", "driver", "mappings", "services", "drivers", "bus", "scenario",
                 "expect_stop"});

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <istream>
 #include <string>
 
 #include "axlsim/Config.h"
@@ -11,11 +13,19 @@ namespace axlsim {
 // not judged here (that is ConfigCheck's), only whether the file says something axlsim can do.
 class ConfigReader {
 public:
+    // A regular file, or standard input for "-"; anything else (a directory, a device, a file
+    // larger than kMaxBytes) is refused before it is read.
     static Config readFile(const std::string& file);
+    static Config readStream(std::istream& in, const std::string& name,
+                             std::size_t limit = kMaxBytes);
     static Config readText(const std::string& text, const std::string& name);
 
     // Axioline F allows at most this many modules on a local bus.
     static constexpr int kMaxBusModules = 63;
+
+    // The largest configuration axlsim reads: far beyond any real one, small enough that a
+    // stream without end is refused before it fills the memory.
+    static constexpr std::size_t kMaxBytes = 256 * 1024 * 1024;
 };
 
 }  // namespace axlsim

@@ -98,8 +98,9 @@ TEST(CommandLine, RunWithJsonPrintsOneObjectPerLineEndingWithTheFinalState) {
         EXPECT_THAT(line, StartsWith("{"));
         EXPECT_THAT(line, EndsWith("}"));
     }
-    EXPECT_THAT(all.back(),
-                StartsWith(R"({"kind":"final","stopped":false,"bus_outputs":{"1":"00"})"));
+    EXPECT_THAT(
+        all.back(),
+        StartsWith(R"({"t_ms":1000,"kind":"final","stopped":false,"bus_outputs":{"1":"00"})"));
 }
 
 TEST(CommandLine, RunUntilEndsTheRunThere) {
@@ -128,8 +129,9 @@ TEST(CommandLine, RunOnTheWallClockPlaysAShortScenario) {
     const auto run = runProgram({"run", config, "--real-time", "--json"});
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr(R"("kind":"bus_write","outputs":{"1":"01"})"));
-    EXPECT_THAT(lines(run.out).back(),
-                StartsWith(R"({"kind":"final","stopped":false,"bus_outputs":{"1":"01"})"));
+    EXPECT_THAT(
+        lines(run.out).back(),
+        StartsWith(R"({"t_ms":120,"kind":"final","stopped":false,"bus_outputs":{"1":"01"})"));
 }
 
 TEST(CommandLine, CheckExitsWith0ForACleanConfiguration) {

@@ -76,10 +76,57 @@ TEST(JsonRenderer, NamesTheDriverOnlyWhenThereAreSeveral) {
                                                   "\n");
 }
 
-TEST(JsonRenderer, LeavesTheScenariosOwnStepsOut) {
+TEST(JsonRenderer, ShowsADigitalInputStepWithItsValue) {
+    const auto config = configFrom(R"({ "bus": [ "AXL_F_DI8_1_DO8_1", "AXL_F_AI2_AO2" ] })");
+    EXPECT_EQ(json(config, Happening{250ms, -1, Happening::Input{1, 3, 1}}),
+              R"({"t_ms":250,"kind":"input","module":1,"pin":3,"value":1})"
+              "\n");
+}
+
+TEST(JsonRenderer, ShowsAnAnalogInputStepWithItsRawWord) {
+    const auto config = configFrom(R"({ "bus": [ "AXL_F_DI8_1_DO8_1", "AXL_F_AI2_AO2" ] })");
+    EXPECT_EQ(json(config, Happening{300ms, -1, Happening::Input{2, 1, 12375}}),
+              R"({"t_ms":300,"kind":"input","module":2,"pin":1,"raw":12375})"
+              "\n");
+}
+
+TEST(JsonRenderer, ShowsAnEventStepWithItsBytesAndSize) {
     const auto config = configFrom(kConfig);
-    EXPECT_EQ(json(config, Happening{0ms, -1, Happening::Input{1, 0, 3000}}), "");
-    EXPECT_EQ(json(config, Happening{0ms, -1, Happening::Note{"a note"}}), "");
+    EXPECT_EQ(json(config,
+                   Happening{500ms, 0, Happening::Event{101, 2, std::vector<uint8_t>{0x01, 0xff}}}),
+              R"({"t_ms":500,"kind":"event","id":101,"size":2,"bytes":"01ff"})"
+              "\n");
+}
+
+TEST(JsonRenderer, ShowsAnEventStepWithoutDataAsNull) {
+    const auto several = configFrom(R"({ "drivers": [ { "driver": {} }, { "driver": {} } ] })");
+    EXPECT_EQ(json(several, Happening{600ms, 1, Happening::Event{999, 0, std::nullopt}}),
+              R"({"t_ms":600,"kind":"event","driver":1,"id":999,"size":0,"null":true})"
+              "\n");
+}
+
+TEST(JsonRenderer, ShowsAPlcStepByTheOperationsName) {
+    const auto config = configFrom(kConfig);
+    EXPECT_EQ(json(config, Happening{700ms, -1, Happening::Plc{PlcOperation_StartWarm}}),
+              R"({"t_ms":700,"kind":"plc","operation":"StartWarm"})"
+              "\n");
+}
+
+TEST(JsonRenderer, ShowsANote) {
+    const auto config = configFrom(kConfig);
+    EXPECT_EQ(json(config, Happening{250ms, -1, Happening::Note{"a button"}}),
+              R"({"t_ms":250,"kind":"note","text":"a button"})"
+              "\n");
+}
+
+TEST(JsonRenderer, TheFinalLineCarriesTheEndTime) {
+    const auto config = configFrom(kConfig);
+    axlsim::RunResult result;
+    result.drivers.push_back({true, false, false, 3});
+    result.end = 2000ms;
+    std::ostringstream out;
+    axlsim::JsonRenderer(out, config).finish(result);
+    EXPECT_THAT(out.str(), ::testing::StartsWith(R"({"t_ms":2000,"kind":"final","stopped":false)"));
 }
 
 TEST(TextRenderer, ShowsTheOutputByteAsBitsWithThePinsThatAreOn) {

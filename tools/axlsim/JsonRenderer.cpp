@@ -5,6 +5,7 @@
 
 #include "axlsim/Hex.h"
 #include "axlsim/Overloaded.h"
+#include "axlsim/PlcOperationName.h"
 #include "axlsim/ValueText.h"
 
 namespace axlsim {
@@ -37,62 +38,82 @@ void JsonRenderer::happening(const Happening& happening) {
         if (config_.severalDrivers)
             line["driver"] = happening.driver < 0 ? Json(nullptr) : Json(happening.driver);
     };
-    const bool shown = std::visit(
-        Overloaded{
-            [&](const Happening::Log& log) {
-                kind("log");
-                line["level"] = log.level;
-                line["format"] = log.format;
-                line["text"] = log.text;
-                return true;
-            },
-            [&](const Happening::Publish& publish) {
-                kind("publish");
-                line["id"] = publish.id;
-                line["size"] = publish.size;
-                line["bytes"] = toHex(publish.bytes);
-                const auto value = catalog_.publishedValue(
-                    happening.driver < 0 ? 0 : happening.driver, publish.id, publish.bytes);
-                if (value) {
-                    if (const auto* byte = std::get_if<uint8_t>(&*value))
-                        line["value"] = *byte;
-                    else
-                        line["value"] = floatForJson(std::get<float>(*value));
-                }
-                return true;
-            },
-            [&](const Happening::Stop& stop) {
-                kind("stop");
-                line["message"] = stop.message;
-                line["event_id"] = stop.eventId ? Json(*stop.eventId) : Json(nullptr);
-                return true;
-            },
-            [&](const Happening::BusWrite& write) {
-                kind("bus_write");
-                line["outputs"] = outputsByPosition(write.outputs);
-                return true;
-            },
-            [&](const Happening::Restart&) {
-                kind("restart");
-                return true;
-            },
-            [&](const Happening::Exception& exception) {
-                kind("exception");
-                line["where"] = exception.where;
-                line["type"] = exception.type;
-                line["what"] = exception.what;
-                return true;
-            },
-            [](const auto&) { return false; },
-        },
-        happening.what);
-    if (shown)
-        out_ << line.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+    std::visit(Overloaded{
+                   [&](const Happening::Log& log) {
+                       kind("log");
+                       line["level"] = log.level;
+                       line["format"] = log.format;
+                       line["text"] = log.text;
+                   },
+                   [&](const Happening::Publish& publish) {
+                       kind("publish");
+                       line["id"] = publish.id;
+                       line["size"] = publish.size;
+                       line["bytes"] = toHex(publish.bytes);
+                       const auto value = catalog_.publishedValue(
+                           happening.driver < 0 ? 0 : happening.driver, publish.id, publish.bytes);
+                       if (value) {
+                           if (const auto* byte = std::get_if<uint8_t>(&*value))
+                               line["value"] = *byte;
+                           else
+                               line["value"] = floatForJson(std::get<float>(*value));
+                       }
+                   },
+                   [&](const Happening::Stop& stop) {
+                       kind("stop");
+                       line["message"] = stop.message;
+                       line["event_id"] = stop.eventId ? Json(*stop.eventId) : Json(nullptr);
+                   },
+                   [&](const Happening::BusWrite& write) {
+                       kind("bus_write");
+                       line["outputs"] = outputsByPosition(write.outputs);
+                   },
+                   [&](const Happening::Restart&) { kind("restart"); },
+                   [&](const Happening::Exception& exception) {
+                       kind("exception");
+                       line["where"] = exception.where;
+                       line["type"] = exception.type;
+                       line["what"] = exception.what;
+                   },
+                   [&](const Happening::Input& input) {
+                       line["kind"] = "input";
+                       line["module"] = input.position;
+                       line["pin"] = input.pin;
+                       if (config_.bus[static_cast<std::size_t>(input.position - 1)] ==
+                           vplc::Module::DI8_DO8)
+                           line["value"] = input.value;
+                       else
+                           line["raw"] = input.value;
+                   },
+                   [&](const Happening::Event& event) {
+                       kind("event");
+                       line["id"] = event.id;
+                       line["size"] = event.size;
+                       if (event.payload)
+                           line["bytes"] = toHex(*event.payload);
+                       else
+                           line["null"] = true;
+                   },
+                   [&](const Happening::Plc& plc) {
+                       line["kind"] = "plc";
+                       const std::string name = plcOperationName(plc.operation);
+                       line["operation"] = name == "?" ? Json(plc.operation) : Json(name);
+                   },
+                   [&](const Happening::Note& note) {
+                       line["kind"] = "note";
+                       if (config_.severalDrivers && happening.driver >= 0)
+                           line["driver"] = happening.driver;
+                       line["text"] = note.text;
+                   },
+               },
+               happening.what);
+    out_ << line.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
 void JsonRenderer::finish(const RunResult& result) {
     for (std::size_t i = 0; i < result.drivers.size(); ++i) {
         Json line;
+        line["t_ms"] = milliseconds(result.end);
         line["kind"] = "final";
         if (config_.severalDrivers)
             line["driver"] = i;

@@ -9,8 +9,8 @@
 namespace axlsim {
 
 // One JSON object per line for what the driver did (logs, publications, stops, bus writes,
-// restarts, exceptions), then the state at the end. The scenario's own steps are not shown:
-// they are in the configuration.
+// restarts, exceptions) and for the scenario's own steps (inputs, events, PLC operations, notes),
+// each step before what it causes, then the state at the end.
 class JsonRenderer final : public TimelineRenderer {
 public:
     JsonRenderer(std::ostream& out, const Config& config);

@@ -108,4 +108,77 @@ TEST(CheckReport, SaysSoWhenThereIsNoProblem) {
     EXPECT_EQ(out.str(), "test.json: no problems found\n");
 }
 
+const ConfigCheck::Finding* findingAbout(const std::vector<ConfigCheck::Finding>& findings,
+                                         const std::string& text) {
+    for (const auto& finding : findings) {
+        if (finding.problem.find(text) != std::string::npos)
+            return &finding;
+    }
+    return nullptr;
+}
+
+TEST(ConfigCheck, AServiceKeyTheDriverDoesNotReadIsFoundWithTheNearestKeyItReads) {
+    const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1" },
+        "mappings": { "200": { "size": 1 } },
+        "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVall": "1" } } } })");
+    const auto* finding = findingAbout(findings, "InitVall");
+    ASSERT_NE(finding, nullptr);
+    EXPECT_EQ(finding->problem, "InitVall: not a key the driver reads; did you mean InitVal?");
+    EXPECT_EQ(finding->serviceKey, 1U);
+    EXPECT_EQ(finding->fix, "rename it to InitVal");
+}
+
+TEST(ConfigCheck, ADriverKeyNextToConsecutiveNumberIsFound) {
+    const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1",
+        "params": { "Consecutive Number": "1", "Consecutive Nr": "2" } } })");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].problem,
+              "Consecutive Nr: not a key the driver reads; did you mean Consecutive Number?");
+    EXPECT_EQ(findings[0].where, "create");
+}
+
+TEST(ConfigCheck, AKeyFarFromEveryKeyTheDriverReadsIsFoundWithoutAGuess) {
+    const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1" },
+        "mappings": { "100": { "size": 1 }, "300": { "size": 1 } },
+        "services": { "1": { "eventId": 100, "type": "DigitalIn", "params": { "PinNum": "0", "InitVal": "1" } },
+                      "2": { "eventId": 300, "type": "RestartDevice", "params": { "Colour": "red" } } } })");
+    const auto* initial = findingAbout(findings, "InitVal");
+    ASSERT_NE(initial, nullptr);
+    EXPECT_EQ(initial->problem,
+              "InitVal: not a key the driver reads for a DigitalIn service (it reads PinNum)");
+    EXPECT_EQ(initial->fix, "remove it");
+    const auto* colour = findingAbout(findings, "Colour");
+    ASSERT_NE(colour, nullptr);
+    EXPECT_EQ(colour->problem,
+              "Colour: not a key the driver reads for a RestartDevice service (it reads none)");
+}
+
+TEST(ConfigCheck, AKeyInAnotherLetterCaseIsFoundWithTheKeyItMeans) {
+    const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1" },
+        "mappings": { "100": { "size": 1 } },
+        "services": { "1": { "eventId": 100, "type": "DigitalIn", "params": { "pinnum": "0" } } } })");
+    const auto* finding = findingAbout(findings, "pinnum");
+    ASSERT_NE(finding, nullptr);
+    EXPECT_EQ(finding->problem, "pinnum: not a key the driver reads; did you mean PinNum?");
+}
+
+TEST(ConfigCheck, AnEventWhoseSizeIsLargerThanItsBytesIsFound) {
+    const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+        "mappings": { "200": { "size": 1 } },
+        "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } },
+        "scenario": [ { "at_ms": 100, "event": { "id": 200, "value": 1, "size": 4294967295 } } ] })");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].problem, "event 200 has the size 4294967295 but carries 1 byte");
+    EXPECT_EQ(findings[0].at, std::chrono::milliseconds(100));
+    EXPECT_EQ(findings[0].effect, Effect::Differs);
+}
+
+TEST(ConfigCheck, AnEventWithAsManyBytesAsItsSizeIsFine) {
+    const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+        "mappings": { "200": { "size": 1 } },
+        "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } },
+        "scenario": [ { "at_ms": 100, "event": { "id": 200, "bytes": "0100", "size": 2 } } ] })");
+    EXPECT_TRUE(findings.empty());
+}
+
 }  // namespace

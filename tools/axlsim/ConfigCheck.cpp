@@ -8,6 +8,7 @@
 #include <set>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "ServiceType.h"
 #include "axlsim/DriverNumber.h"
@@ -90,6 +91,11 @@ Refusal refusalFor(ServiceType kind) {
 
 constexpr const char* kUnsupported = "Unsupported service type.";
 
+// The settings the driver reads.
+constexpr std::string_view kConsecutiveNumber = "Consecutive Number";
+constexpr std::string_view kPinNum = "PinNum";
+constexpr std::string_view kInitVal = "InitVal";
+
 ServiceType serviceTypeOf(const std::string& text) {
     for (std::size_t i = 0; i < kServiceTexts.size(); ++i) {
         if (text == kServiceTexts[i])
@@ -124,6 +130,40 @@ std::string meant(const std::string& text, const std::array<std::string_view, N>
             return std::string(candidate);
     }
     return "";
+}
+
+// The edits (insertions, deletions, replacements) that turn one text into the other.
+std::size_t editDistance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    for (std::size_t j = 0; j <= b.size(); ++j)
+        row[j] = j;
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const std::size_t above = row[j];
+            row[j] =
+                std::min({row[j] + 1, row[j - 1] + 1, diagonal + (a[i - 1] == b[j - 1] ? 0 : 1)});
+            diagonal = above;
+        }
+    }
+    return row[b.size()];
+}
+
+// The known key nearest to a key the driver does not read, if one is near enough to be meant:
+// at most a third of its letters differ, ignoring case and blanks.
+std::string nearestKey(const std::string& key, const std::vector<std::string_view>& known) {
+    std::string nearest;
+    std::size_t best = 0;
+    for (std::string_view candidate : known) {
+        const std::size_t distance = editDistance(folded(key), folded(candidate));
+        if (distance <= std::max<std::size_t>(2, folded(candidate).size() / 3) &&
+            (nearest.empty() || distance < best)) {
+            nearest = std::string(candidate);
+            best = distance;
+        }
+    }
+    return nearest;
 }
 
 template <std::size_t N>
@@ -223,7 +263,31 @@ private:
     }
 
     void checkCreation() {
-        position_ = checkNumber(std::nullopt, "create", driver_.params, "Consecutive Number", "1");
+        checkKeys(std::nullopt, "create", driver_.params, {kConsecutiveNumber}, "");
+        position_ = checkNumber(std::nullopt, "create", driver_.params,
+                                std::string(kConsecutiveNumber), "1");
+    }
+
+    // Keys the driver never reads: a misspelt key leaves the setting it was meant for unset.
+    void checkKeys(std::optional<unsigned> key, const std::string& where,
+                   const std::map<std::string, std::string>& params,
+                   const std::vector<std::string_view>& known, const std::string& kind) {
+        for (const auto& [name, value] : params) {
+            if (std::find(known.begin(), known.end(), name) != known.end())
+                continue;
+            const std::string nearest = nearestKey(name, known);
+            std::string reads = "it reads none";
+            for (std::size_t i = 0; i < known.size(); ++i)
+                reads = (i == 0 ? "it reads " : reads + " and ") + std::string(known[i]);
+            Finding& finding = add(
+                Effect::Differs, key, where,
+                visible(name) + ": not a key the driver reads" +
+                    (nearest.empty()
+                         ? (kind.empty() ? "" : " for a " + kind + " service") + " (" + reads + ")"
+                         : "; did you mean " + nearest + "?"));
+            finding.consequence = "never reads it, so it has no effect";
+            finding.fix = nearest.empty() ? "remove it" : "rename it to " + nearest;
+        }
     }
 
     void checkDeviceType() {
@@ -318,15 +382,20 @@ private:
                                                                             : kDeviceTypes[0]);
             return;
         }
+        checkKeys(key, "initialize", service.params,
+                  kind == RestartDevice ? std::vector<std::string_view>{}
+                  : isOutput(kind)      ? std::vector<std::string_view>{kPinNum, kInitVal}
+                                        : std::vector<std::string_view>{kPinNum},
+                  kindName(kind));
         checkMapping(key, service, kind);
         if (kind == RestartDevice) {
             restartIds_.emplace_back(key, service.eventId);
             return;
         }
-        const auto pin = checkNumber(key, "initialize", service.params, "PinNum", "0");
+        const auto pin = checkNumber(key, "initialize", service.params, std::string(kPinNum), "0");
         std::optional<DriverNumber> initial;
         if (isOutput(kind))
-            initial = checkNumber(key, "initialize", service.params, "InitVal", "0");
+            initial = checkNumber(key, "initialize", service.params, std::string(kInitVal), "0");
         if (!pin || model_ == nullptr)
             return;
         if (!claimPin(key, service, kind, pin->value()))
@@ -451,6 +520,19 @@ private:
                 finding.at = step.at;
                 finding.fix = "send the event with a \"value\" or \"bytes\"";
                 continue;
+            }
+            if (event->size > event->payload->size()) {
+                const std::string bytes = std::to_string(event->payload->size()) +
+                                          (event->payload->size() == 1 ? " byte" : " bytes");
+                Finding& finding = add(Effect::Differs, std::nullopt, "event",
+                                       "event " + id + " has the size " +
+                                           std::to_string(event->size) + " but carries " + bytes);
+                finding.at = step.at;
+                finding.consequence =
+                    "reads only the bytes its service takes (one, or four for a float), but a "
+                    "host hands over as many bytes as the size says, so no host sends this event";
+                finding.fix = "give \"size\" at most " + std::to_string(event->payload->size()) +
+                              ", or give that many bytes";
             }
             const bool restarts =
                 std::any_of(restartIds_.begin(), restartIds_.end(),

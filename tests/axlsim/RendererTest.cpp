@@ -1,10 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <sstream>
 
 #include "TestRuns.h"
+#include "axlsim/ConfigReader.h"
 #include "axlsim/JsonRenderer.h"
 #include "axlsim/TextRenderer.h"
 
@@ -146,6 +148,25 @@ TEST(TextRenderer, ShowsAnAnalogOutputWordWithItsValue) {
     const auto config = configFrom(kConfig);
     EXPECT_THAT(text(config, Happening{0ms, 0, Happening::BusWrite{{{0x1d, 0x4c, 0x00, 0x00}}}}),
                 HasSubstr("AO0 raw 7500 (2.5)"));
+}
+
+TEST(TextRenderer, ShowsControlCharactersOfATextEscaped) {
+    const auto config = configFrom(kConfig);
+    const std::string line =
+        text(config, Happening{0ms, 0, Happening::Note{std::string("a\0b\nc\x1b[31m", 10)}});
+    EXPECT_THAT(line, HasSubstr("a\\x00b\\nc\\x1b[31m"));
+    EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
+    EXPECT_EQ(line.find('\0'), std::string::npos);
+    EXPECT_EQ(line.find('\x1b'), std::string::npos);
+}
+
+TEST(TextRenderer, ShowsControlCharactersOfTheFileAndDescriptionEscaped) {
+    const auto config = axlsim::ConfigReader::readText(R"({ "description": "two\nlines" })",
+                                                       std::string("a\tb.json"));
+    std::ostringstream out;
+    axlsim::TextRenderer(out, config, false).header(false);
+    EXPECT_THAT(out.str(), HasSubstr("a\\tb.json: 1 driver"));
+    EXPECT_THAT(out.str(), HasSubstr("two\\nlines\n"));
 }
 
 }  // namespace

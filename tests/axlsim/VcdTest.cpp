@@ -84,4 +84,20 @@ TEST(Vcd, ADigitalEventIsUnknownUntilItsFirstPublication) {
     EXPECT_EQ(dumped.vcd.changesOf("axlsim.events.ev100"), expected);
 }
 
+TEST(Vcd, AFileNameThatLooksLikeVcdSyntaxCannotBreakTheHeader) {
+    const auto config = axlsim::ConfigReader::readText(
+        R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } } })",
+        "/tmp/a $end $var wire 1 ! x $end\n$enddefinitions $end/config.json");
+    const axlsim::RunResult run = axlsimtest::play(config);
+    std::ostringstream out;
+    axlsim::VcdWriter::write(out, config, run);
+    const VcdReader vcd(out.str());
+    EXPECT_EQ(vcd.variables().size(), 16U);
+    EXPECT_NE(vcd.variable("axlsim.m1_AXL_F_DI8_1_DO8_1.in0"), nullptr);
+    const std::string header = out.str().substr(0, out.str().find('\n'));
+    EXPECT_EQ(header,
+              "$comment axlsim: /tmp/a \\x24end \\x24var wire 1 ! x \\x24end\\n\\x24enddefinitions "
+              "\\x24end/config.json $end");
+}
+
 }  // namespace

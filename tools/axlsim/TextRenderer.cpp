@@ -89,11 +89,11 @@ void TextRenderer::header(bool realTime) {
     for (std::size_t i = 0; i < config_.bus.size(); ++i)
         bus += (i == 0 ? "" : ", ") + std::to_string(i + 1) + ": " +
                std::string(vplc::orderName(config_.bus[i]));
-    out_ << paint(Tone::Plain, config_.file) << ": " << config_.drivers.size()
+    out_ << paint(Tone::Plain, visible(config_.file)) << ": " << config_.drivers.size()
          << (config_.drivers.size() == 1 ? " driver" : " drivers") << ", bus [" << bus << "], "
          << (realTime ? "wall clock" : "virtual clock") << "\n";
     if (!config_.description.empty())
-        out_ << paint(Tone::Quiet, config_.description) << "\n";
+        out_ << paint(Tone::Quiet, visible(config_.description)) << "\n";
     out_ << "\n";
 }
 
@@ -102,13 +102,14 @@ void TextRenderer::line(const Happening& happening, const std::string& what, Ton
     std::string prefix = padded(timeText(happening.t), kTimeWidth, true) + " ms  ";
     if (config_.severalDrivers)
         prefix += happening.driver < 0 ? "    " : "[" + std::to_string(happening.driver) + "] ";
+    const std::string shown = visible(details);
     out_ << paint(Tone::Quiet, prefix) << paint(tone, padded(what, kWhatWidth, false)) << ' '
-         << (tone == Tone::Bad || tone == Tone::Quiet ? paint(tone, details) : details) << '\n';
+         << (tone == Tone::Bad || tone == Tone::Quiet ? paint(tone, shown) : shown) << '\n';
 }
 
 void TextRenderer::continuation(const std::string& details) {
     const std::size_t indent = kTimeWidth + 5 + (config_.severalDrivers ? 4 : 0) + kWhatWidth + 1;
-    out_ << std::string(indent, ' ') << details << '\n';
+    out_ << std::string(indent, ' ') << visible(details) << '\n';
 }
 
 std::string TextRenderer::describe(const Happening::Publish& publish, int driver) const {

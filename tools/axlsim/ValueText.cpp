@@ -4,10 +4,32 @@
 #include <cstdlib>
 #include <string>
 
+#include "axlsim/Hex.h"
+
 namespace axlsim {
 
+std::string visible(std::string_view text) {
+    std::string shown;
+    shown.reserve(text.size());
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte >= 0x20 && byte != 0x7f) {
+            shown += c;
+        } else if (c == '\n') {
+            shown += "\\n";
+        } else if (c == '\t') {
+            shown += "\\t";
+        } else if (c == '\r') {
+            shown += "\\r";
+        } else {
+            shown += "\\x" + toHex(std::span<const uint8_t>(&byte, 1));
+        }
+    }
+    return shown;
+}
+
 std::string inQuotes(std::string_view text) {
-    return "\"" + std::string(text) + "\"";
+    return "\"" + visible(text) + "\"";
 }
 
 std::string floatText(float value) {

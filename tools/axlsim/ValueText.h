@@ -7,7 +7,12 @@
 
 namespace axlsim {
 
-// A text in double quotes, as messages show texts of the configuration and of the driver.
+// A text with its control characters escaped ("\n", "\t", "\r", else "\x00" to "\x1f" and
+// "\x7f"), so that a text from a configuration or the driver shows on one line, as it is.
+std::string visible(std::string_view text);
+
+// A text in double quotes, as messages show texts of the configuration and of the driver; its
+// control characters escaped.
 std::string inQuotes(std::string_view text);
 
 // The shortest decimal text that reads back as exactly this float ("4.125", "0.1").

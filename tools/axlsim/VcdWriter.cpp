@@ -1,8 +1,10 @@
 #include "axlsim/VcdWriter.h"
 
+#include <cctype>
 #include <cstring>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "axlsim/EventCatalog.h"
@@ -28,6 +30,26 @@ std::string codeOf(std::size_t n) {
         n /= kCount;
     } while (n > 0);
     return code;
+}
+
+// A text for the header: "$" could end a section early, and a control character a line.
+std::string headerText(std::string_view text) {
+    std::string shown;
+    for (const char c : visible(text)) {
+        if (c == '$')
+            shown += "\\x24";
+        else
+            shown += c;
+    }
+    return shown;
+}
+
+// A scope or variable name: one word of letters, digits and underscores.
+std::string identifier(std::string_view name) {
+    std::string word;
+    for (const char c : name)
+        word += std::isalnum(static_cast<unsigned char>(c)) != 0 ? c : '_';
+    return word;
 }
 
 std::string binary(uint64_t value, int width) {
@@ -60,15 +82,15 @@ public:
     }
 
     void write(const RunResult& result) {
-        out_ << "$comment axlsim: " << config_.file << " $end\n";
+        out_ << "$comment axlsim: " << headerText(config_.file) << " $end\n";
         out_ << "$version axlsim $end\n";
         out_ << "$timescale 1us $end\n";
         out_ << "$scope module axlsim $end\n";
         for (const Scope& scope : scopes_) {
-            out_ << "$scope module " << scope.name << " $end\n";
+            out_ << "$scope module " << identifier(scope.name) << " $end\n";
             for (const Variable& variable : scope.variables)
                 out_ << "$var " << variable.type << ' ' << variable.width << ' ' << variable.code
-                     << ' ' << variable.name << " $end\n";
+                     << ' ' << identifier(variable.name) << " $end\n";
             out_ << "$upscope $end\n";
         }
         out_ << "$upscope $end\n$enddefinitions $end\n#0\n$dumpvars\n";

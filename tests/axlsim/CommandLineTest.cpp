@@ -1,11 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <sstream>
 
 #include "Program.h"
+#include "RunningProgram.h"
+#include "VcdReader.h"
 
 namespace {
 
@@ -14,6 +17,10 @@ using axlsimtest::writeConfig;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
+using namespace std::chrono_literals;
+
+// Bounds for a program under an emulator and the sanitizers; a healthy run takes a fraction.
+constexpr auto kPatience = 120s;
 
 const std::string kFeedbackLoop = AXLSIM_EXAMPLES "/feedback_loop.json";
 const std::string kMistakes = AXLSIM_EXAMPLES "/mistakes.json";
@@ -175,6 +182,60 @@ TEST(CommandLine, WithoutACommandItSaysWhatIsMissing) {
     const auto run = runProgram({});
     EXPECT_EQ(run.status, 2);
     EXPECT_THAT(run.err, HasSubstr("subcommand"));
+}
+
+TEST(CommandLine, VersionNamesTheVersionsOfAxlsimAndOfTheDriverItRuns) {
+    const auto version = runProgram({"--version"});
+    ASSERT_EQ(version.status, 0) << version.err;
+    const auto all = lines(version.out);
+    ASSERT_EQ(all.size(), 2U) << version.out;
+    EXPECT_THAT(all[0], StartsWith("axlsim "));
+    EXPECT_THAT(all[1], StartsWith("driver libplcnext_driver.so "));
+    const std::string driverVersion = all[1].substr(all[1].rfind(' ') + 1);
+    const auto run = runProgram({"run", kFeedbackLoop});
+    EXPECT_THAT(run.out, HasSubstr("-Version [" + driverVersion + "]"));
+}
+
+TEST(CommandLine, RunReadsTheConfigurationFromStandardInput) {
+    const auto run = runProgram({"run", "-", "--json"}, {kFeedbackLoop, ""});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(lines(run.out).back(), StartsWith(R"({"t_ms":1000,"kind":"final")"));
+}
+
+TEST(CommandLine, ALongRunShowsItsLinesAsItGoesAndSigintStopsItWithEverythingWritten) {
+    const std::string vcd = axlsimtest::temporaryPath("run.vcd");
+    axlsimtest::RunningProgram program(
+        {"run", kFeedbackLoop, "--until", "1000000000000", "--vcd", vcd});
+    // The run has 31 years to go: the scenario's last line comes only if output is written as
+    // the run goes.
+    ASSERT_TRUE(program.readUntil("800.0 ms  bus", kPatience)) << program.out() << program.err();
+    program.signal(SIGINT);
+    ASSERT_EQ(program.finish(kPatience), 130) << program.err();
+    const auto all = lines(program.out());
+    ASSERT_FALSE(all.empty());
+    EXPECT_THAT(all.back(), StartsWith("interrupted by SIGINT at "));
+    EXPECT_THAT(all.back(), EndsWith(" ms: the timeline above is the run so far"));
+    EXPECT_THAT(program.out(), HasSubstr("the driver ran without a stop; 6 publications"));
+
+    std::ifstream in(vcd);
+    std::ostringstream text;
+    text << in.rdbuf();
+    const axlsimtest::VcdReader dump(text.str());
+    EXPECT_EQ(dump.changesOf("axlsim.m1_AXL_F_DI8_1_DO8_1.out0").size(), 3U);
+    std::remove(vcd.c_str());
+}
+
+TEST(CommandLine, SigtermStopsAJsonRunWithALastLineThatSaysSo) {
+    axlsimtest::RunningProgram program(
+        {"run", kFeedbackLoop, "--json", "--until", "1000000000000"});
+    ASSERT_TRUE(program.readUntil(R"("t_ms":800)", kPatience)) << program.out() << program.err();
+    program.signal(SIGTERM);
+    ASSERT_EQ(program.finish(kPatience), 130) << program.err();
+    const auto all = lines(program.out());
+    ASSERT_GE(all.size(), 2U);
+    EXPECT_THAT(all.back(), StartsWith(R"({"t_ms":)"));
+    EXPECT_THAT(all.back(), EndsWith(R"(,"kind":"interrupted","signal":"SIGTERM"})"));
+    EXPECT_THAT(all[all.size() - 2], HasSubstr(R"("kind":"final")"));
 }
 
 }  // namespace

@@ -163,7 +163,8 @@ TEST(ConfigCheck, AKeyInAnotherLetterCaseIsFoundWithTheKeyItMeans) {
 }
 
 TEST(ConfigCheck, AnEventWhoseSizeIsLargerThanItsBytesIsFound) {
-    const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+    const auto findings = findingsOf(
+        R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
         "mappings": { "200": { "size": 1 } },
         "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } },
         "scenario": [ { "at_ms": 100, "event": { "id": 200, "value": 1, "size": 4294967295 } } ] })");
@@ -174,7 +175,8 @@ TEST(ConfigCheck, AnEventWhoseSizeIsLargerThanItsBytesIsFound) {
 }
 
 TEST(ConfigCheck, AnEventWithAsManyBytesAsItsSizeIsFine) {
-    const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+    const auto findings = findingsOf(
+        R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
         "mappings": { "200": { "size": 1 } },
         "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } },
         "scenario": [ { "at_ms": 100, "event": { "id": 200, "bytes": "0100", "size": 2 } } ] })");

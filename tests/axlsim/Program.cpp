@@ -25,7 +25,9 @@ std::string slurp(const std::string& path) {
     return text.str();
 }
 
-std::string temporary(const std::string& name) {
+}  // namespace
+
+std::string temporaryPath(const std::string& name) {
     const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
     std::string file = std::string("axlsim_") + test->test_suite_name() + "_" + test->name() + "_" +
                        std::to_string(getpid()) + "_" + name;
@@ -33,18 +35,20 @@ std::string temporary(const std::string& name) {
     return ::testing::TempDir() + file;
 }
 
-}  // namespace
-
-ProgramRun runProgram(const std::vector<std::string>& arguments) {
-    const std::string outPath = temporary("stdout");
-    const std::string errPath = temporary("stderr");
-    // The launcher (an emulator in a cross build, else empty) comes before the program.
+std::vector<std::string> commandLine(const std::vector<std::string>& arguments) {
     std::vector<std::string> words;
     std::istringstream launcher(AXLSIM_LAUNCHER);
     for (std::string word; launcher >> word;)
         words.push_back(word);
     words.push_back(AXLSIM_PROGRAM);
     words.insert(words.end(), arguments.begin(), arguments.end());
+    return words;
+}
+
+ProgramRun runProgram(const std::vector<std::string>& arguments, const Redirect& redirect) {
+    const std::string outPath = redirect.out.empty() ? temporaryPath("stdout") : redirect.out;
+    const std::string errPath = temporaryPath("stderr");
+    std::vector<std::string> words = commandLine(arguments);
     std::vector<char*> argv;
     for (std::string& word : words)
         argv.push_back(word.data());
@@ -52,6 +56,9 @@ ProgramRun runProgram(const std::vector<std::string>& arguments) {
 
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO,
+                                     redirect.in.empty() ? "/dev/null" : redirect.in.c_str(),
+                                     O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outPath.c_str(),
                                      O_WRONLY | O_CREAT | O_TRUNC, 0644);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(),
@@ -66,15 +73,17 @@ ProgramRun runProgram(const std::vector<std::string>& arguments) {
     waitpid(pid, &status, 0);
     ProgramRun run;
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    run.out = slurp(outPath);
     run.err = slurp(errPath);
-    unlink(outPath.c_str());
+    if (redirect.out.empty()) {
+        run.out = slurp(outPath);
+        unlink(outPath.c_str());
+    }
     unlink(errPath.c_str());
     return run;
 }
 
 std::string writeConfig(const std::string& name, const std::string& text) {
-    const std::string path = temporary(name);
+    const std::string path = temporaryPath(name);
     std::ofstream(path) << text;
     return path;
 }

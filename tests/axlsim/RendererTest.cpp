@@ -169,4 +169,35 @@ TEST(TextRenderer, ShowsControlCharactersOfTheFileAndDescriptionEscaped) {
     EXPECT_THAT(out.str(), HasSubstr("two\\nlines\n"));
 }
 
+TEST(TextRenderer, SaysWhenTheExpectedStopDidNotCome) {
+    const auto config = configFrom(R"({ "expect_stop": true })");
+    axlsim::RunResult result;
+    result.drivers.push_back({true, false, false, 0});
+    result.wentAsExpected = false;
+    std::ostringstream out;
+    axlsim::TextRenderer(out, config, false).finish(result);
+    std::string last = out.str();
+    last.pop_back();
+    last = last.substr(last.rfind('\n') + 1);
+    EXPECT_EQ(last,
+              "expected a stop (\"expect_stop\": true), but no driver stopped and no exception "
+              "left one");
+}
+
+TEST(TextRenderer, EndsAnInterruptedRunWithALineThatSaysSo) {
+    const auto config = configFrom(kConfig);
+    std::ostringstream out;
+    axlsim::TextRenderer(out, config, false).interrupted(5400ms, "SIGINT");
+    EXPECT_EQ(out.str(),
+              "interrupted by SIGINT at 5400.0 ms: the timeline above is the run so far\n");
+}
+
+TEST(JsonRenderer, EndsAnInterruptedRunWithALineThatSaysSo) {
+    const auto config = configFrom(kConfig);
+    std::ostringstream out;
+    axlsim::JsonRenderer(out, config).interrupted(5400ms, "SIGTERM");
+    EXPECT_EQ(out.str(), R"({"t_ms":5400,"kind":"interrupted","signal":"SIGTERM"})"
+                         "\n");
+}
+
 }  // namespace

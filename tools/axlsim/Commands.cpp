@@ -2,7 +2,10 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -13,6 +16,7 @@
 #include "axlsim/ConfigReader.h"
 #include "axlsim/DemoConfig.h"
 #include "axlsim/DriverLibrary.h"
+#include "axlsim/InterruptSignals.h"
 #include "axlsim/JsonRenderer.h"
 #include "axlsim/ProgressBar.h"
 #include "axlsim/ScenarioPlayer.h"
@@ -26,6 +30,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kCannotRun = 2;
+constexpr int kInterrupted = 130;
 
 // Shorter virtual runs finish before a bar would be worth drawing.
 constexpr auto kLongRun = 10s;
@@ -53,10 +58,30 @@ std::unique_ptr<DriverLibrary> loadDriver(const std::string& path) {
     }
 }
 
+// Standard output, once everything is written to it: an error when it could not take it all.
+bool standardOutputWritten() {
+    std::cout.flush();
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && std::cout.good())
+        return true;
+    std::cerr << "axlsim: cannot write the standard output: " << std::strerror(errno) << '\n';
+    return false;
+}
+
 int play(const Config& config, const Commands::RunRequest& request) {
     const auto library = loadDriver(request.driver);
     if (library == nullptr)
         return kCannotRun;
+
+    // Opened before the run, so that a path that cannot be written is told at once.
+    std::ofstream vcd;
+    if (!request.vcd.empty()) {
+        vcd.open(request.vcd, std::ios::binary | std::ios::trunc);
+        if (!vcd) {
+            std::cerr << "axlsim: cannot write " << request.vcd << ": " << std::strerror(errno)
+                      << '\n';
+            return kCannotRun;
+        }
+    }
 
     std::unique_ptr<TimelineRenderer> renderer;
     if (request.json) {
@@ -67,38 +92,41 @@ int play(const Config& config, const Commands::RunRequest& request) {
         renderer = std::move(text);
     }
 
+    const InterruptSignals signals;
     ScenarioPlayer::Options options;
     options.realTime = request.realTime;
-    if (request.untilMs)
-        options.until = std::chrono::milliseconds(*request.untilMs);
+    options.until = request.until;
+    options.live = [&renderer](const Happening& happening) { renderer->happening(happening); };
+    options.stopRequested = [] { return InterruptSignals::received() != 0; };
     std::optional<ProgressBar> bar;
     if (!request.realTime && isatty(STDERR_FILENO) != 0 &&
         options.until.value_or(config.end) >= kLongRun) {
         bar.emplace(std::cerr);
         options.progress = [&bar](auto now, auto end) { bar->update(now, end); };
     }
-    if (request.realTime)
-        options.live = [&renderer](const Happening& happening) {
-            renderer->happening(happening);
-            std::cout.flush();
-        };
 
     const RunResult result = ScenarioPlayer::run(config, *library, options);
     bar.reset();
-    if (request.realTime)
-        renderer->finish(result);
-    else
-        renderer->render(result);
+    renderer->finish(result);
+    if (result.interrupted)
+        renderer->interrupted(result.end, InterruptSignals::name(InterruptSignals::received()));
+    else if (request.json && config.expectStop && !result.wentAsExpected)
+        std::cerr << "axlsim: expected a stop (\"expect_stop\": true), but no driver stopped and "
+                     "no exception left one\n";
 
+    int status = result.interrupted ? kInterrupted : result.exitStatus();
     if (!request.vcd.empty()) {
-        std::ofstream vcd(request.vcd);
         VcdWriter::write(vcd, config, result);
+        vcd.flush();
         if (!vcd) {
-            std::cerr << "axlsim: cannot write " << request.vcd << '\n';
-            return kCannotRun;
+            std::cerr << "axlsim: cannot write " << request.vcd << ": " << std::strerror(errno)
+                      << '\n';
+            status = kCannotRun;
         }
     }
-    return result.exitStatus();
+    if (!standardOutputWritten())
+        status = kCannotRun;
+    return status;
 }
 
 }  // namespace
@@ -107,6 +135,9 @@ int Commands::run(const RunRequest& request) {
     const auto config = readConfig(request.config);
     if (!config)
         return kCannotRun;
+    if (const std::size_t problems = ConfigCheck::check(*config).size(); problems > 0)
+        std::cerr << "axlsim: " << problems << (problems == 1 ? " problem" : " problems")
+                  << " that axlsim check explains; running anyway\n";
     return play(*config, request);
 }
 
@@ -116,6 +147,8 @@ int Commands::check(const std::string& file) {
         return kCannotRun;
     const auto findings = ConfigCheck::check(*config);
     CheckReport::write(std::cout, *config, findings);
+    if (!standardOutputWritten())
+        return kCannotRun;
     return findings.empty() ? 0 : 1;
 }
 
@@ -140,7 +173,7 @@ int Commands::demo(const std::string& driver) {
                  "  axlsim run CONFIG.json --json    one JSON object per line\n"
                  "  axlsim run CONFIG.json --vcd run.vcd   the pins and events for GTKWave\n"
                  "The examples are in examples/*.json.\n";
-    return status;
+    return standardOutputWritten() ? status : kCannotRun;
 }
 
 }  // namespace axlsim

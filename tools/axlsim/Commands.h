@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -14,11 +15,12 @@ public:
         std::string vcd;  // empty: no dump
         bool realTime = false;
         std::string driver;  // empty: the driver beside the program
-        std::optional<long> untilMs;
+        std::optional<std::chrono::milliseconds> until;
     };
 
     // 0: the run went as the configuration expects; 1: a driver stopped or threw when that was
-    // not expected (or did not when it was); 2: the run could not be made.
+    // not expected (or did not when it was); 2: the run could not be made, or its output could
+    // not be written; 130: SIGINT or SIGTERM stopped it.
     static int run(const RunRequest& request);
 
     // 0: no problems; 1: problems; 2: the configuration cannot be read.

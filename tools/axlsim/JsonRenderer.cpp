@@ -127,4 +127,13 @@ void JsonRenderer::finish(const RunResult& result) {
     out_.flush();
 }
 
+void JsonRenderer::interrupted(std::chrono::nanoseconds at, const std::string& signal) {
+    Json line;
+    line["t_ms"] = milliseconds(at);
+    line["kind"] = "interrupted";
+    line["signal"] = signal;
+    out_ << line.dump() << '\n';
+    out_.flush();
+}
+
 }  // namespace axlsim

@@ -17,6 +17,7 @@ public:
 
     void happening(const Happening& happening) override;
     void finish(const RunResult& result) override;
+    void interrupted(std::chrono::nanoseconds at, const std::string& signal) override;
 
 private:
     std::ostream& out_;

@@ -20,7 +20,9 @@ ProgressBar::~ProgressBar() {
 void ProgressBar::update(std::chrono::nanoseconds now, std::chrono::nanoseconds end) {
     if (end.count() <= 0)
         return;
-    const int percent = static_cast<int>(now.count() * 100 / end.count());
+    // In doubles: a hundred times a long run's nanoseconds do not fit 64 bits.
+    const int percent = static_cast<int>(100.0 * static_cast<double>(now.count()) /
+                                         static_cast<double>(end.count()));
     if (percent == shown_)
         return;
     shown_ = percent;

@@ -22,8 +22,9 @@ struct RunResult {
     std::vector<std::vector<uint8_t>> busOutputs;  // by position from 1
     std::vector<std::vector<uint8_t>> gdsOutputs;
     int restarts = 0;
-    std::chrono::nanoseconds end{0};
-    bool wentAsExpected = true;  // stopped or threw exactly when the configuration expects it
+    std::chrono::nanoseconds end{0};  // where the run ended: its end, or where it was stopped
+    bool interrupted = false;         // stopped before its end at the host's request
+    bool wentAsExpected = true;       // stopped or threw exactly when the configuration expects it
 
     int exitStatus() const { return wentAsExpected ? 0 : 1; }
 };

@@ -26,8 +26,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A virtual run reports its progress once per virtual second.
-constexpr std::chrono::nanoseconds kProgressStep = 1s;
+// Time passes in steps, after each of which the run shows what it has settled, reports its
+// progress and looks whether it is asked to stop: a virtual second, or a moment of the wall
+// clock.
+constexpr std::chrono::nanoseconds kVirtualStep = 1s;
+constexpr std::chrono::nanoseconds kWallStep = 20ms;
 
 vplc::Plant plantOf(const Config& config) {
     auto builder = vplc::Plant::builder();
@@ -89,19 +92,24 @@ public:
             if (step.at > end)
                 break;
             advanceTo(step.at, end);
+            if (interrupted_)
+                break;
             perform(step);
             timeline_.nextSegment();
         }
-        advanceTo(end, end);
+        if (!interrupted_)
+            advanceTo(end, end);
         if (!released_)
             clock_->releaseDrivers();
 
         RunResult result;
+        result.end = interrupted_ ? clock_->now() : end;
+        result.interrupted = interrupted_;
         for (auto& driver : drivers_) {
             result.drivers.push_back(RunResult::DriverState{driver->exists(), false, false, 0});
             driver->destroy();
         }
-        result.end = end;
+        show(timeline_.settleAll());
         result.timeline = timeline_.ordered();
         result.busOutputs = bus_.busOutputs();
         result.gdsOutputs = bus_.gdsOutputs();
@@ -126,14 +134,25 @@ private:
     }
 
     void advanceClockTo(std::chrono::nanoseconds t, std::chrono::nanoseconds end) {
-        if (options_.realTime || !options_.progress) {
-            clock_->advanceTo(t);
-            return;
-        }
+        const std::chrono::nanoseconds step = options_.realTime ? kWallStep : kVirtualStep;
         while (clock_->now() < t) {
-            clock_->advanceTo(std::min(t, clock_->now() + kProgressStep));
-            options_.progress(clock_->now(), end);
+            if (options_.stopRequested && options_.stopRequested()) {
+                interrupted_ = true;
+                return;
+            }
+            clock_->advanceTo(std::min(t, clock_->now() + step));
+            if (!options_.realTime && options_.progress)
+                options_.progress(clock_->now(), end);
+            show(timeline_.settle());
         }
+    }
+
+    // On the wall clock the listener has seen each happening as it came.
+    void show(const std::vector<Happening>& happenings) const {
+        if (options_.realTime || !options_.live)
+            return;
+        for (const Happening& happening : happenings)
+            options_.live(happening);
     }
 
     void perform(const Config::Step& step) {
@@ -184,6 +203,7 @@ private:
     RestartHook restarts_;
     std::vector<std::unique_ptr<HostedDriver>> drivers_;
     bool released_ = false;
+    bool interrupted_ = false;
 };
 
 }  // namespace

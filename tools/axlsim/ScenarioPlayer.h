@@ -20,8 +20,11 @@ public:
         std::optional<std::chrono::milliseconds> until;  // ends the run here instead
         // Told now and then how far a run has come (virtual runs only).
         std::function<void(std::chrono::nanoseconds now, std::chrono::nanoseconds end)> progress;
-        // Each happening as it happens (on the wall clock, in the order it happened).
+        // Each happening as the run goes: on the wall clock as it happens, on the virtual clock
+        // as soon as its place in the timeline is certain (in timeline order).
         Timeline::Listener live;
+        // Asked now and then; true stops the run at the present time, as if it ended there.
+        std::function<bool()> stopRequested;
     };
 
     static RunResult run(const Config& config, const DriverLibrary& library,

@@ -239,6 +239,18 @@ void TextRenderer::finish(const RunResult& result) {
         continuation("GDS, not yet on the bus: " + describeOutputs(result.gdsOutputs, false));
     continuation(std::to_string(result.restarts) +
                  (result.restarts == 1 ? " restart" : " restarts") + " of the controller");
+    if (config_.expectStop && !result.wentAsExpected && !result.interrupted)
+        out_ << paint(Tone::Bad,
+                      "expected a stop (\"expect_stop\": true), but no driver stopped and no "
+                      "exception left one")
+             << '\n';
+    out_.flush();
+}
+
+void TextRenderer::interrupted(std::chrono::nanoseconds at, const std::string& signal) {
+    out_ << paint(Tone::Bad, "interrupted by " + signal + " at " + timeText(at) +
+                                 " ms: the timeline above is the run so far")
+         << '\n';
     out_.flush();
 }
 

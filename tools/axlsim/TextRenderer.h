@@ -21,6 +21,7 @@ public:
 
     void happening(const Happening& happening) override;
     void finish(const RunResult& result) override;
+    void interrupted(std::chrono::nanoseconds at, const std::string& signal) override;
 
 private:
     enum class Tone { Plain, Quiet, Good, Bus, Step, Bad, Special };

@@ -26,12 +26,10 @@ void Timeline::setListener(Listener listener) {
     listener_ = std::move(listener);
 }
 
-std::vector<Happening> Timeline::ordered() const {
-    std::vector<Entry> entries;
-    {
-        std::lock_guard lock(mutex_);
-        entries = entries_;
-    }
+namespace {
+
+template <class Entry>
+void sortEntries(std::vector<Entry>& entries) {
     std::stable_sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
         if (a.segment != b.segment)
             return a.segment < b.segment;
@@ -39,8 +37,47 @@ std::vector<Happening> Timeline::ordered() const {
             return a.happening.t < b.happening.t;
         return a.happening.driver < b.happening.driver;
     });
+}
+
+}  // namespace
+
+std::vector<Happening> Timeline::take(bool all) {
+    std::lock_guard lock(mutex_);
+    const std::chrono::nanoseconds now = clock_();
+    const auto rest = std::stable_partition(
+        entries_.begin(), entries_.end(), [this, all, now](const Entry& entry) {
+            return all || entry.segment < segment_ || entry.happening.t < now;
+        });
+    std::vector<Entry> taken(std::make_move_iterator(entries_.begin()),
+                             std::make_move_iterator(rest));
+    entries_.erase(entries_.begin(), rest);
+    sortEntries(taken);
     std::vector<Happening> happenings;
-    happenings.reserve(entries.size());
+    happenings.reserve(taken.size());
+    for (Entry& entry : taken)
+        happenings.push_back(std::move(entry.happening));
+    settled_.insert(settled_.end(), happenings.begin(), happenings.end());
+    return happenings;
+}
+
+std::vector<Happening> Timeline::settle() {
+    return take(false);
+}
+
+std::vector<Happening> Timeline::settleAll() {
+    return take(true);
+}
+
+std::vector<Happening> Timeline::ordered() const {
+    std::vector<Entry> entries;
+    std::vector<Happening> happenings;
+    {
+        std::lock_guard lock(mutex_);
+        entries = entries_;
+        happenings = settled_;
+    }
+    sortEntries(entries);
+    happenings.reserve(happenings.size() + entries.size());
     for (Entry& entry : entries)
         happenings.push_back(std::move(entry.happening));
     return happenings;

@@ -32,6 +32,15 @@ public:
     // Called with each happening as it is added, under the timeline's lock.
     void setListener(Listener listener);
 
+    // The happenings whose place can no longer change, in order, that no call has returned
+    // before: those of earlier segments, and those of this segment stamped before the clock's
+    // present (whatever comes later is stamped at the present or after it).
+    std::vector<Happening> settle();
+
+    // The same for all the rest; call when nothing more will be added.
+    std::vector<Happening> settleAll();
+
+    // Everything, in order.
     std::vector<Happening> ordered() const;
     std::chrono::nanoseconds now() const;
 
@@ -44,8 +53,11 @@ private:
     Clock clock_;
     mutable std::mutex mutex_;
     uint64_t segment_ = 0;
+    std::vector<Happening> take(bool all);
+
     Listener listener_;
-    std::vector<Entry> entries_;
+    std::vector<Entry> entries_;  // not yet settled, in the order they came
+    std::vector<Happening> settled_;
 };
 
 }  // namespace axlsim

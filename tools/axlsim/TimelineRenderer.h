@@ -1,5 +1,8 @@
 #pragma once
 
+#include <chrono>
+#include <string>
+
 #include "axlsim/Happening.h"
 #include "axlsim/RunResult.h"
 
@@ -12,6 +15,9 @@ public:
 
     virtual void happening(const Happening& happening) = 0;
     virtual void finish(const RunResult& result) = 0;
+
+    // The last line of a run that a signal stopped.
+    virtual void interrupted(std::chrono::nanoseconds at, const std::string& signal) = 0;
 
     void render(const RunResult& result) {
         for (const Happening& h : result.timeline)

@@ -1,19 +1,48 @@
 // axlsim: runs a driver configuration on the virtual controller and shows what the driver does.
 
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
+#include <cstdio>
+#include <iostream>
 
 #include "axlsim/Commands.h"
+#include "axlsim/Milliseconds.h"
+
+namespace {
+
+// The first argument, when it is neither an option nor one of the commands.
+std::string unknownCommand(const CLI::App& app, int argc, char** argv) {
+    if (argc < 2 || argv[1][0] == '-')
+        return "";
+    for (const CLI::App* command : app.get_subcommands({})) {
+        if (command->get_name() == argv[1])
+            return "";
+    }
+    return argv[1];
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
+    // Lines go out as the run produces them, also into a pipe or a file that someone follows.
+    if (isatty(STDOUT_FILENO) == 0)
+        std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+
     CLI::App app{"Runs a PLCnext Axioline F driver configuration on the virtual controller.",
                  "axlsim"};
     app.require_subcommand(1);
+    app.set_version_flag("--version",
+                         "axlsim " AXLSIM_VERSION "\ndriver libplcnext_driver.so " AXLSIM_VERSION,
+                         "Print the versions of axlsim and of the driver it is built with");
 
     axlsim::Commands::RunRequest run;
-    long untilMs = 0;
+    std::string untilText;
     auto* runCommand = app.add_subcommand(
         "run", "Load the driver, run the configuration's scenario and print the timeline.");
-    runCommand->add_option("CONFIG", run.config, "The configuration (JSON, comments allowed)")
+    runCommand
+        ->add_option("CONFIG", run.config,
+                     "The configuration (JSON, comments allowed); - reads standard input")
         ->required();
     runCommand->add_flag("--json", run.json, "One JSON object per line instead of text");
     runCommand->add_option("--vcd", run.vcd, "Also write a Value Change Dump of the run to FILE")
@@ -23,14 +52,22 @@ int main(int argc, char** argv) {
     runCommand
         ->add_option("--driver", run.driver, "The driver library (default: the one beside axlsim)")
         ->option_text("PATH");
-    auto* until = runCommand->add_option("--until", untilMs, "End the run at this time")
-                      ->option_text("MS")
-                      ->check(CLI::NonNegativeNumber);
+    auto* until =
+        runCommand
+            ->add_option(
+                "--until", untilText,
+                "End the run at this time, in whole milliseconds " + axlsim::Milliseconds::range())
+            ->option_text("MS")
+            ->check(CLI::Validator(
+                [](const std::string& text) { return axlsim::Milliseconds::problem(text); }, "",
+                "MILLISECONDS"));
 
     std::string checkConfig;
     auto* checkCommand = app.add_subcommand(
         "check", "List what the driver will refuse or read differently in a configuration.");
-    checkCommand->add_option("CONFIG", checkConfig, "The configuration (JSON, comments allowed)")
+    checkCommand
+        ->add_option("CONFIG", checkConfig,
+                     "The configuration (JSON, comments allowed); - reads standard input")
         ->required();
 
     std::string demoDriver;
@@ -42,12 +79,20 @@ int main(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
+        if (const std::string command = unknownCommand(app, argc, argv); !command.empty()) {
+            std::string commands;
+            for (const CLI::App* known : app.get_subcommands({}))
+                commands += (commands.empty() ? "" : ", ") + known->get_name();
+            std::cerr << "axlsim: " << command << " is not a command; the commands are " << commands
+                      << " (axlsim --help shows them)\n";
+            return 2;
+        }
         return app.exit(error) == 0 ? 0 : 2;
     }
 
     if (*runCommand) {
         if (*until)
-            run.untilMs = untilMs;
+            run.until = axlsim::Milliseconds::read(untilText);
         return axlsim::Commands::run(run);
     }
     if (*checkCommand)

@@ -1,0 +1,256 @@
+// The hostile inputs of the command line, each run against the built axlsim as a user would run
+// it: what it must refuse, with which message and exit status, and what it must not do (hang,
+// fill the memory, drop part of a configuration, exit 0 on output it could not write).
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "Program.h"
+
+namespace {
+
+using axlsimtest::Redirect;
+using axlsimtest::runProgram;
+using axlsimtest::writeConfig;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+const std::string kFeedbackLoop = AXLSIM_EXAMPLES "/feedback_loop.json";
+
+struct HostileCase {
+    const char* name;
+    std::vector<std::string> arguments;  // "$CONFIG" stands for a file with `config` in it
+    std::string config;
+    int status;
+    std::string err;  // a part of standard error, "" for none
+    std::string out;  // a part of standard output, "" for none
+    Redirect redirect{};
+    bool failsAfterTheRun = false;  // else a status of 2 comes before any line of a timeline
+};
+
+std::ostream& operator<<(std::ostream& out, const HostileCase& hostile) {
+    return out << hostile.name;
+}
+
+const char* const kDigital =
+    R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+    "mappings": { "200": { "size": 1 } },
+    "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } } })";
+
+const std::string kUntilRange =
+    " is not a time: expected whole milliseconds in decimal digits, from 0 to 10^12 ms (about 31 "
+    "years)";
+
+std::vector<HostileCase> cases() {
+    return {
+        {"UntilBeyondTheLongestRun",
+         {"run", kFeedbackLoop, "--until", "9223372036855"},
+         "",
+         2,
+         "--until: 9223372036855 ms is beyond the longest run, 10^12 ms (about 31 years)",
+         ""},
+        {"UntilFarBeyondTheLongestRun",
+         {"run", kFeedbackLoop, "--until", "99999999999999999999999"},
+         "",
+         2,
+         "--until: 99999999999999999999999 ms is beyond the longest run",
+         ""},
+        {"UntilInExponentNotation",
+         {"run", kFeedbackLoop, "--until", "1e22"},
+         "",
+         2,
+         "--until: 1e22" + kUntilRange,
+         ""},
+        {"UntilNegative",
+         {"run", kFeedbackLoop, "--until", "-5"},
+         "",
+         2,
+         "--until: -5" + kUntilRange,
+         ""},
+        {"UntilNotANumber",
+         {"run", kFeedbackLoop, "--until", "abc"},
+         "",
+         2,
+         "--until: abc" + kUntilRange,
+         ""},
+        {"UntilInfinite",
+         {"run", kFeedbackLoop, "--until", "inf"},
+         "",
+         2,
+         "--until: inf" + kUntilRange,
+         ""},
+        {"UntilInHexadecimal",
+         {"run", kFeedbackLoop, "--until", "0x10"},
+         "",
+         2,
+         "--until: 0x10" + kUntilRange,
+         ""},
+        {"UntilWithALeadingZeroIsDecimal",
+         {"run", kFeedbackLoop, "--json", "--until", "010"},
+         "",
+         0,
+         "",
+         R"({"t_ms":10,"kind":"final")"},
+        {"ConfigurationFromDevZero",
+         {"run", "/dev/zero"},
+         "",
+         2,
+         "/dev/zero: is not a regular file",
+         ""},
+        {"ConfigurationFromDevUrandom",
+         {"check", "/dev/urandom"},
+         "",
+         2,
+         "/dev/urandom: is not a regular file",
+         ""},
+        {"ConfigurationIsADirectory",
+         {"run", AXLSIM_EXAMPLES},
+         "",
+         2,
+         AXLSIM_EXAMPLES ": is a directory",
+         ""},
+        {"ConfigurationFromStandardInput",
+         {"check", "-"},
+         "",
+         0,
+         "",
+         "standard input: no problems found",
+         Redirect{kFeedbackLoop, ""}},
+        {"ServiceKeyGivenTwice",
+         {"check", "$CONFIG"},
+         R"({ "services": {
+              "1": { "eventId": 100, "type": "DigitalIn" },
+              "1": { "eventId": 101, "type": "DigitalIn" } } })",
+         2,
+         ": /services/1: the key \"1\" is given twice in /services, on line 2 and on line 3",
+         ""},
+        {"MappingsGivenTwice",
+         {"run", "$CONFIG"},
+         R"({ "mappings": { "100": { "size": 1 } }, "mappings": { "101": { "size": 1 } } })",
+         2,
+         ": /mappings: the key \"mappings\" is given twice in the top level",
+         ""},
+        {"UnterminatedComment",
+         {"check", "$CONFIG"},
+         "{ /* " + std::string(100000, 'x'),
+         2,
+         "missing closing '*/'; last read: '{ /* " + std::string(35, 'x') + "...'",
+         ""},
+        {"VcdOnAFullDevice",
+         {"run", kFeedbackLoop, "--vcd", "/dev/full"},
+         "",
+         2,
+         "cannot write /dev/full: No space left on device",
+         "",
+         {},
+         true},
+        {"VcdInAMissingFolderIsRefusedBeforeTheRun",
+         {"run", kFeedbackLoop, "--vcd", "/nonexistent/folder/run.vcd"},
+         "",
+         2,
+         "cannot write /nonexistent/folder/run.vcd: No such file or directory",
+         ""},
+        {"StandardOutputOnAFullDevice",
+         {"run", kFeedbackLoop},
+         "",
+         2,
+         "cannot write the standard output: No space left on device",
+         "",
+         Redirect{"", "/dev/full"}},
+        {"CheckOnAFullDevice",
+         {"check", kFeedbackLoop},
+         "",
+         2,
+         "cannot write the standard output",
+         "",
+         Redirect{"", "/dev/full"}},
+        {"ControlCharactersInANote",
+         {"run", "$CONFIG"},
+         std::string(kDigital).insert(
+             1, R"("scenario": [ { "at_ms": 5, "note": "a\u0000b\u001b[2J" } ], )"),
+         0,
+         "",
+         "a\\x00b\\x1b[2J"},
+        {"ExpectedStopThatDoesNotCome",
+         {"run", "$CONFIG"},
+         std::string(kDigital).insert(1, R"("expect_stop": true, )"),
+         1,
+         "",
+         "expected a stop (\"expect_stop\": true), but no driver stopped and no exception left "
+         "one\n"},
+        {"ExpectedStopThatDoesNotComeInJson",
+         {"run", "$CONFIG", "--json"},
+         std::string(kDigital).insert(1, R"("expect_stop": true, )"),
+         1,
+         "axlsim: expected a stop (\"expect_stop\": true), but no driver stopped",
+         ""},
+        {"RunOnAConfigurationCheckRejects",
+         {"run", "$CONFIG"},
+         R"({ "driver": { "deviceType": "AXL_F_AI2_AO2", "params": { "Consecutive Number": "1" } },
+              "mappings": { "300": { "size": 1 } },
+              "services": { "1": { "eventId": 300, "type": "AnalogIn", "params": { "PinNum": "0" } } } })",
+         0,
+         "axlsim: 1 problem that axlsim check explains; running anyway",
+         ""},
+        {"MisspeltServiceKey",
+         {"check", "$CONFIG"},
+         R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+              "mappings": { "200": { "size": 1 } },
+              "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0", "InitVall": "1" } } } })",
+         1,
+         "",
+         "InitVall: not a key the driver reads; did you mean InitVal?"},
+        {"MisspeltDriverKey",
+         {"check", "$CONFIG"},
+         R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1", "Consecutive Nr": "1" } } })",
+         1,
+         "",
+         "Consecutive Nr: not a key the driver reads; did you mean Consecutive Number?"},
+        {"EventSizeBeyondItsBytes",
+         {"check", "$CONFIG"},
+         std::string(kDigital).insert(
+             1,
+             R"("scenario": [ { "at_ms": 5, "event": { "id": 200, "value": 1, "size": 4294967295 } } ], )"),
+         1,
+         "",
+         "event 200 has the size 4294967295 but carries 1 byte"},
+        {"UnknownCommand",
+         {"bogus"},
+         "",
+         2,
+         "axlsim: bogus is not a command; the commands are run, check, demo (axlsim --help shows "
+         "them)",
+         ""},
+    };
+}
+
+class HostileCommandLine : public ::testing::TestWithParam<HostileCase> {};
+
+TEST_P(HostileCommandLine, IsRefusedOrHandledAsDocumented) {
+    const HostileCase& hostile = GetParam();
+    std::vector<std::string> arguments = hostile.arguments;
+    for (std::string& argument : arguments) {
+        if (argument == "$CONFIG")
+            argument = writeConfig("config.json", hostile.config);
+    }
+    const auto run = runProgram(arguments, hostile.redirect);
+    EXPECT_EQ(run.status, hostile.status) << run.err;
+    if (!hostile.err.empty()) {
+        EXPECT_THAT(run.err, HasSubstr(hostile.err));
+    }
+    if (!hostile.out.empty()) {
+        EXPECT_THAT(run.out, HasSubstr(hostile.out));
+    }
+    // Short, readable messages: no 309 digits, no echo of a whole file.
+    EXPECT_LT(run.err.size(), 400U) << run.err;
+    if (hostile.status == 2 && hostile.redirect.out.empty() && !hostile.failsAfterTheRun) {
+        EXPECT_THAT(run.out, Not(HasSubstr(" ms  ")));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, HostileCommandLine, ::testing::ValuesIn(cases()),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace

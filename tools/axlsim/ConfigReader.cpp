@@ -1,14 +1,15 @@
 #include "axlsim/ConfigReader.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <initializer_list>
 #include <iostream>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <span>
 #include <sstream>
 #include <string_view>
 
@@ -30,6 +31,20 @@ using Json = nlohmann::json;
 using namespace std::chrono_literals;
 
 constexpr auto kDefaultTail = 1000ms;
+
+// The keys known at each place of a configuration.
+constexpr std::array<std::string_view, 8> kTopKeys{
+    "description", "driver", "mappings", "services", "drivers", "bus", "scenario", "expect_stop"};
+constexpr std::array<std::string_view, 4> kDriverKeys{"name", "serviceName", "deviceType",
+                                                      "params"};
+constexpr std::array<std::string_view, 1> kMappingKeys{"size"};
+constexpr std::array<std::string_view, 4> kServiceKeys{"eventId", "name", "type", "params"};
+constexpr std::array<std::string_view, 3> kDriversEntryKeys{"driver", "mappings", "services"};
+constexpr std::array<std::string_view, 6> kStepKeys{"at_ms", "input", "event",
+                                                    "plc",   "end",   "note"};
+constexpr std::array<std::string_view, 4> kInputKeys{"module", "pin", "value", "raw"};
+constexpr std::array<std::string_view, 6> kEventKeys{"id",   "value", "bytes",
+                                                     "null", "size",  "driver"};
 constexpr std::size_t kChunk = 64 * 1024;
 constexpr std::size_t kMebibyte = 1024 * 1024;
 constexpr const char* kStandardInput = "standard input";
@@ -58,7 +73,7 @@ public:
     }
 
     const Json& object(const Json& node, const std::string& path,
-                       std::initializer_list<std::string_view> keys) const {
+                       std::span<const std::string_view> keys) const {
         if (!node.is_object())
             fail(path, "expected an object");
         for (const auto& [key, value] : node.items()) {
@@ -130,7 +145,7 @@ public:
     }
 
 private:
-    static std::string list(std::initializer_list<std::string_view> keys) {
+    static std::string list(std::span<const std::string_view> keys) {
         std::string text;
         for (std::string_view key : keys)
             text += (text.empty() ? "" : ", ") + std::string(key);
@@ -146,7 +161,7 @@ Config::Driver readDriver(const Document& doc, const Json* driver, const Json* m
     result.path = path;
     if (driver != nullptr) {
         const std::string at = member(path, "driver");
-        doc.object(*driver, at, {"name", "serviceName", "deviceType", "params"});
+        doc.object(*driver, at, kDriverKeys);
         if (driver->contains("name"))
             result.name = doc.text(driver->at("name"), member(at, "name"));
         if (driver->contains("serviceName"))
@@ -163,7 +178,7 @@ Config::Driver readDriver(const Document& doc, const Json* driver, const Json* m
         for (const auto& [key, value] : mappings->items()) {
             const std::string entry = member(at, key);
             const unsigned id = doc.tableKey(key, entry);
-            doc.object(value, entry, {"size"});
+            doc.object(value, entry, kMappingKeys);
             if (!value.contains("size"))
                 doc.fail(entry, "a mapping needs its \"size\" (nDataSize, in bytes)");
             result.mappings[id] = static_cast<uint16_t>(doc.integer(
@@ -177,7 +192,7 @@ Config::Driver readDriver(const Document& doc, const Json* driver, const Json* m
         for (const auto& [key, value] : services->items()) {
             const std::string entry = member(at, key);
             const unsigned serviceKey = doc.tableKey(key, entry);
-            doc.object(value, entry, {"eventId", "name", "type", "params"});
+            doc.object(value, entry, kServiceKeys);
             Config::Service service;
             if (!value.contains("eventId"))
                 doc.fail(entry, "a service needs its \"eventId\"");
@@ -219,7 +234,7 @@ std::vector<Config::Driver> readDrivers(const Document& doc, const Json& root) {
     std::vector<Config::Driver> drivers;
     for (std::size_t i = 0; i < list.size(); ++i) {
         const std::string at = element("/drivers", i);
-        const Json& entry = doc.object(list[i], at, {"driver", "mappings", "services"});
+        const Json& entry = doc.object(list[i], at, kDriversEntryKeys);
         auto optional = [&entry](const char* key) {
             return entry.contains(key) ? &entry.at(key) : nullptr;
         };
@@ -282,7 +297,7 @@ std::vector<vplc::Module> readBus(const Document& doc, const Json& node) {
 
 Config::Input readInput(const Document& doc, const Json& node, const std::string& at,
                         const std::vector<vplc::Module>& bus) {
-    doc.object(node, at, {"module", "pin", "value", "raw"});
+    doc.object(node, at, kInputKeys);
     Config::Input input;
     if (!node.contains("module") || !node.contains("pin"))
         doc.fail(at, "an input needs its \"module\" (bus position) and \"pin\"");
@@ -326,7 +341,7 @@ Config::Input readInput(const Document& doc, const Json& node, const std::string
 
 Config::Event readEvent(const Document& doc, const Json& node, const std::string& at,
                         const std::vector<Config::Driver>& drivers) {
-    doc.object(node, at, {"id", "value", "bytes", "null", "size", "driver"});
+    doc.object(node, at, kEventKeys);
     Config::Event event;
     if (node.contains("driver"))
         event.driver = static_cast<int>(doc.integer(node.at("driver"), member(at, "driver"), 0,
@@ -405,8 +420,7 @@ Scenario readScenario(const Document& doc, const Json& node, const std::vector<v
     Scenario scenario;
     for (std::size_t i = 0; i < node.size(); ++i) {
         const std::string at = element("/scenario", i);
-        const Json& step =
-            doc.object(node[i], at, {"at_ms", "input", "event", "plc", "end", "note"});
+        const Json& step = doc.object(node[i], at, kStepKeys);
         if (!step.contains("at_ms"))
             doc.fail(at, "a step needs its time, \"at_ms\"");
         Config::Step result;
@@ -449,6 +463,21 @@ Scenario readScenario(const Document& doc, const Json& node, const std::vector<v
 
 }  // namespace
 
+std::vector<std::string_view> ConfigReader::keys() {
+    std::vector<std::string_view> all;
+    for (std::span<const std::string_view> place :
+         {std::span<const std::string_view>(kTopKeys),
+          std::span<const std::string_view>(kDriverKeys),
+          std::span<const std::string_view>(kMappingKeys),
+          std::span<const std::string_view>(kServiceKeys),
+          std::span<const std::string_view>(kDriversEntryKeys),
+          std::span<const std::string_view>(kStepKeys),
+          std::span<const std::string_view>(kInputKeys),
+          std::span<const std::string_view>(kEventKeys)})
+        all.insert(all.end(), place.begin(), place.end());
+    return all;
+}
+
 Config ConfigReader::readFile(const std::string& file) {
     if (file == "-")
         return readStream(std::cin, kStandardInput);
@@ -489,9 +518,7 @@ Config ConfigReader::readStream(std::istream& in, const std::string& name, std::
 Config ConfigReader::readText(const std::string& text, const std::string& name) {
     const Document doc(name);
     const Json root = JsonParser::parse(text, name);
-    doc.object(root, "",
-               {"description", "driver", "mappings", "services", "drivers", "bus", "scenario",
-                "expect_stop"});
+    doc.object(root, "", kTopKeys);
 
     Config config;
     config.file = name;

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <istream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "axlsim/Config.h"
 
@@ -19,6 +21,9 @@ public:
     static Config readStream(std::istream& in, const std::string& name,
                              std::size_t limit = kMaxBytes);
     static Config readText(const std::string& text, const std::string& name);
+
+    // Every key a configuration can have, at any place.
+    static std::vector<std::string_view> keys();
 
     // Axioline F allows at most this many modules on a local bus.
     static constexpr int kMaxBusModules = 63;

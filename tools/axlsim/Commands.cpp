@@ -18,6 +18,7 @@
 #include "axlsim/DriverLibrary.h"
 #include "axlsim/InterruptSignals.h"
 #include "axlsim/JsonRenderer.h"
+#include "axlsim/LoopCheck.h"
 #include "axlsim/ProgressBar.h"
 #include "axlsim/ScenarioPlayer.h"
 #include "axlsim/TextRenderer.h"
@@ -42,6 +43,20 @@ bool colourWanted() {
 std::optional<Config> readConfig(const std::string& file) {
     try {
         return ConfigReader::readFile(file);
+    } catch (const ConfigError& error) {
+        std::cerr << "axlsim: " << error.what() << '\n';
+        return std::nullopt;
+    }
+}
+
+// A configuration to run: readable, and with a plant and host that can work.
+std::optional<Config> runnableConfig(const std::string& file) {
+    auto config = readConfig(file);
+    if (!config)
+        return std::nullopt;
+    try {
+        LoopCheck::requireRunnable(*config);
+        return config;
     } catch (const ConfigError& error) {
         std::cerr << "axlsim: " << error.what() << '\n';
         return std::nullopt;
@@ -132,10 +147,12 @@ int play(const Config& config, const Commands::RunRequest& request) {
 }  // namespace
 
 int Commands::run(const RunRequest& request) {
-    const auto config = readConfig(request.config);
+    const auto config = runnableConfig(request.config);
     if (!config)
         return kCannotRun;
-    if (const std::size_t problems = ConfigCheck::check(*config).size(); problems > 0)
+    if (const std::size_t problems =
+            ConfigCheck::check(*config).size() + LoopCheck::check(*config).size();
+        problems > 0)
         std::cerr << "axlsim: " << problems << (problems == 1 ? " problem" : " problems")
                   << " that axlsim check explains; running anyway\n";
     return play(*config, request);
@@ -146,10 +163,11 @@ int Commands::check(const std::string& file) {
     if (!config)
         return kCannotRun;
     const auto findings = ConfigCheck::check(*config);
-    CheckReport::write(std::cout, *config, findings);
+    const auto loop = LoopCheck::check(*config);
+    CheckReport::write(std::cout, *config, findings, loop);
     if (!standardOutputWritten())
         return kCannotRun;
-    return findings.empty() ? 0 : 1;
+    return findings.empty() && loop.empty() ? 0 : 1;
 }
 
 int Commands::demo(const std::string& driver) {

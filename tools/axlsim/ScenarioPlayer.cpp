@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "axlsim/BusWatch.h"
+#include "axlsim/HostRoutes.h"
 #include "axlsim/HostedDriver.h"
+#include "axlsim/PlantModels.h"
 #include "axlsim/TimelineObserver.h"
 #include "axlsim/VirtualRunClock.h"
 #include "axlsim/WallRunClock.h"
@@ -70,7 +73,11 @@ public:
           timeline_([this] { return clock_->now(); }),
           observer_(timeline_),
           bus_(plant_, timeline_),
-          restarts_(timeline_, observer_) {
+          restarts_(timeline_, observer_),
+          plantModels_(config, plant_, timeline_),
+          routes_(config) {
+        if (!routes_.empty())
+            timeline_.newPublications();
         if (options.realTime && options.live)
             timeline_.setListener(options.live);
         for (std::size_t i = 0; i < config.drivers.size(); ++i) {
@@ -82,23 +89,22 @@ public:
     RunResult play() {
         const std::chrono::nanoseconds end = options_.until.value_or(config_.end);
         clock_->holdDrivers();
+        plantModels_.start();
+        timeline_.nextSegment();
         for (auto& driver : drivers_) {
-            if (driver->create())
+            if (driver->create()) {
                 driver->initialize();
+                outputsCopied();
+            }
         }
         timeline_.nextSegment();
 
-        for (const Config::Step& step : config_.scenario) {
-            if (step.at > end)
+        for (;;) {
+            performDue();
+            if (interrupted_ || clock_->now() >= end)
                 break;
-            advanceTo(step.at, end);
-            if (interrupted_)
-                break;
-            perform(step);
-            timeline_.nextSegment();
+            advanceTo(std::min(nextAction().value_or(end), end), end);
         }
-        if (!interrupted_)
-            advanceTo(end, end);
         if (!released_)
             clock_->releaseDrivers();
 
@@ -109,8 +115,9 @@ public:
             result.drivers.push_back(RunResult::DriverState{driver->exists(), false, false, 0});
             driver->destroy();
         }
-        show(timeline_.settleAll());
+        show(timeline_.settleAll(), true);
         result.timeline = timeline_.ordered();
+        PlantModels::markShownMoves(config_, result.timeline, true);
         result.busOutputs = bus_.busOutputs();
         result.gdsOutputs = bus_.gdsOutputs();
         summarise(result);
@@ -120,17 +127,44 @@ public:
 private:
     // The driver threads are held at their first scan until time first passes, so that the
     // steps at 0 ms come before the drivers' first publications, like the steps at any other
-    // time come before the drivers that wake then.
+    // time come before the drivers that wake then. With routes, time passes one instant of the
+    // drivers at a time, so that the host answers each publication before any driver scans
+    // again.
     void advanceTo(std::chrono::nanoseconds t, std::chrono::nanoseconds end) {
         if (t <= clock_->now())
             return;
+        timeline_.nextSegment();
         if (!released_) {
             clock_->releaseDrivers();
             released_ = true;
+            if (!routes_.empty()) {
+                timeline_.nextSegment();
+                routePublications();
+                return;
+            }
         }
+        if (routes_.empty())
+            advanceClockTo(t, end);
+        else
+            runNextInstant(t, end);
         timeline_.nextSegment();
-        advanceClockTo(t, end);
+    }
+
+    void runNextInstant(std::chrono::nanoseconds t, std::chrono::nanoseconds end) {
+        if (options_.stopRequested && options_.stopRequested()) {
+            interrupted_ = true;
+            return;
+        }
+        const std::chrono::nanoseconds step = options_.realTime ? kWallStep : kVirtualStep;
+        const std::chrono::nanoseconds reached = clock_->runNext(t);
         timeline_.nextSegment();
+        routePublications();
+        if (reached / step != shownStep_ || reached == end) {
+            shownStep_ = reached / step;
+            if (!options_.realTime && options_.progress)
+                options_.progress(reached, end);
+            show(timeline_.settle());
+        }
     }
 
     void advanceClockTo(std::chrono::nanoseconds t, std::chrono::nanoseconds end) {
@@ -147,12 +181,75 @@ private:
         }
     }
 
-    // On the wall clock the listener has seen each happening as it came.
-    void show(const std::vector<Happening>& happenings) const {
+    // On the wall clock the listener has seen each happening as it came. An analog move of the
+    // plant waits until what follows it on its channel says whether it is shown.
+    void show(const std::vector<Happening>& happenings, bool all = false) {
         if (options_.realTime || !options_.live)
             return;
-        for (const Happening& happening : happenings)
-            options_.live(happening);
+        unshown_.insert(unshown_.end(), happenings.begin(), happenings.end());
+        const std::size_t ready = PlantModels::markShownMoves(config_, unshown_, all);
+        for (std::size_t i = 0; i < ready; ++i)
+            options_.live(unshown_[i]);
+        unshown_.erase(unshown_.begin(), unshown_.begin() + static_cast<std::ptrdiff_t>(ready));
+    }
+
+    std::optional<std::chrono::nanoseconds> nextAction() const {
+        std::optional<std::chrono::nanoseconds> next;
+        auto consider = [&next](std::optional<std::chrono::nanoseconds> t) {
+            if (t && (!next || *t < *next))
+                next = t;
+        };
+        if (nextStep_ < config_.scenario.size())
+            consider(config_.scenario[nextStep_].at);
+        consider(plantModels_.nextChange());
+        consider(routes_.nextDelivery());
+        return next;
+    }
+
+    // What is due now, in this order: the plant's digital changes, the host's deliveries, the
+    // scenario's steps; again until nothing is left, since each may make more due.
+    void performDue() {
+        for (bool acted = true; acted;) {
+            acted = false;
+            const std::chrono::nanoseconds now = clock_->now();
+            if (const auto change = plantModels_.nextChange(); change && *change <= now) {
+                plantModels_.actUntil(now);
+                timeline_.nextSegment();
+                acted = true;
+            }
+            for (const HostRoutes::Delivery& delivery : routes_.takeDue(now)) {
+                const Route& route = config_.host[delivery.route];
+                timeline_.add(delivery.event.driver,
+                              Happening::Routed{route.from, route.to, *delivery.event.payload});
+                sendEvent(delivery.event);
+                acted = true;
+            }
+            while (nextStep_ < config_.scenario.size() && config_.scenario[nextStep_].at <= now) {
+                perform(config_.scenario[nextStep_++]);
+                timeline_.nextSegment();
+                acted = true;
+            }
+        }
+    }
+
+    void routePublications() {
+        for (const Happening& happening : timeline_.newPublications()) {
+            const auto& publish = std::get<Happening::Publish>(happening.what);
+            if (happening.driver >= 0)
+                routes_.published(happening.driver, publish.id, publish.bytes, happening.t);
+        }
+    }
+
+    void outputsCopied() {
+        timeline_.nextSegment();
+        plantModels_.outputsCopied(clock_->now());
+        timeline_.nextSegment();
+    }
+
+    void sendEvent(const Config::Event& event) {
+        timeline_.add(event.driver, Happening::Event{event.id, event.size, event.payload});
+        drivers_[static_cast<std::size_t>(event.driver)]->deliver(event);
+        outputsCopied();
     }
 
     void perform(const Config::Step& step) {
@@ -165,8 +262,7 @@ private:
             else
                 plant_.setAnalogInput(input->position, input->pin, input->value);
         } else if (const auto* event = std::get_if<Config::Event>(&step.action)) {
-            timeline_.add(event->driver, Happening::Event{event->id, event->size, event->payload});
-            drivers_[static_cast<std::size_t>(event->driver)]->deliver(*event);
+            sendEvent(*event);
         } else if (const auto* plc = std::get_if<Config::Plc>(&step.action)) {
             timeline_.add(-1, Happening::Plc{static_cast<int>(plc->operation)});
             vplc::Runtime::deliver(plc->operation);
@@ -201,9 +297,14 @@ private:
     TimelineObserver observer_;
     BusWatch bus_;
     RestartHook restarts_;
+    PlantModels plantModels_;
+    HostRoutes routes_;
     std::vector<std::unique_ptr<HostedDriver>> drivers_;
     bool released_ = false;
     bool interrupted_ = false;
+    std::size_t nextStep_ = 0;
+    int64_t shownStep_ = 0;           // the last step of time after which the run showed itself
+    std::vector<Happening> unshown_;  // settled, waiting for an analog move to be decided
 };
 
 }  // namespace

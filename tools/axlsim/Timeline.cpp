@@ -13,6 +13,8 @@ void Timeline::add(int driver, Happening::What what) {
     Happening happening{clock_(), driver, std::move(what)};
     if (listener_)
         listener_(happening);
+    if (keepPublications_ && std::holds_alternative<Happening::Publish>(happening.what))
+        publications_.push_back(happening);
     entries_.push_back(Entry{segment_, std::move(happening)});
 }
 
@@ -80,6 +82,22 @@ std::vector<Happening> Timeline::ordered() const {
     happenings.reserve(happenings.size() + entries.size());
     for (Entry& entry : entries)
         happenings.push_back(std::move(entry.happening));
+    return happenings;
+}
+
+std::vector<Happening> Timeline::newPublications() {
+    std::vector<Happening> happenings;
+    {
+        std::lock_guard lock(mutex_);
+        keepPublications_ = true;
+        happenings.swap(publications_);
+    }
+    std::stable_sort(happenings.begin(), happenings.end(),
+                     [](const Happening& a, const Happening& b) {
+                         if (a.t != b.t)
+                             return a.t < b.t;
+                         return a.driver < b.driver;
+                     });
     return happenings;
 }
 

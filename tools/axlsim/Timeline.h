@@ -42,6 +42,10 @@ public:
 
     // Everything, in order.
     std::vector<Happening> ordered() const;
+
+    // Publications added since the last call, by time and then by driver; kept only after the
+    // first call, for a host that answers them.
+    std::vector<Happening> newPublications();
     std::chrono::nanoseconds now() const;
 
 private:
@@ -58,6 +62,8 @@ private:
     Listener listener_;
     std::vector<Entry> entries_;  // not yet settled, in the order they came
     std::vector<Happening> settled_;
+    bool keepPublications_ = false;
+    std::vector<Happening> publications_;  // since newPublications() was last called
 };
 
 }  // namespace axlsim

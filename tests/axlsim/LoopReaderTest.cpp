@@ -40,7 +40,7 @@ TEST(LoopReader, NamesPinsByPositionKindAndNumber) {
     EXPECT_EQ(Pin::parse("12.DO7"), (Pin{12, Pin::Kind::DigitalOut, 7}));
     EXPECT_EQ(Pin::parse("2.AI1"), (Pin{2, Pin::Kind::AnalogIn, 1}));
     EXPECT_EQ(Pin::parse("2.AO0"), (Pin{2, Pin::Kind::AnalogOut, 0}));
-    EXPECT_EQ(Pin{2, Pin::Kind::AnalogOut, 1}.name(), "2.AO1");
+    EXPECT_EQ((Pin{2, Pin::Kind::AnalogOut, 1}.name()), "2.AO1");
     for (const char* name : {"", "1", "1.", "1.DI", "DI0", "1.di0", "1.DX0", "1.DI-1", "1.DI0x",
                              "+1.DI0", "1:DI0", "1.DI 0"})
         EXPECT_FALSE(Pin::parse(name)) << name;

@@ -200,4 +200,64 @@ TEST(JsonRenderer, EndsAnInterruptedRunWithALineThatSaysSo) {
                          "\n");
 }
 
+Happening::PlantMove wireMove() {
+    Happening::PlantMove move;
+    move.model = "wire";
+    move.to = axlsim::Pin{1, axlsim::Pin::Kind::DigitalIn, 1};
+    move.value = 1;
+    move.from = axlsim::Pin{1, axlsim::Pin::Kind::DigitalOut, 0};
+    return move;
+}
+
+Happening::PlantMove linkMove(bool shown) {
+    Happening::PlantMove move;
+    move.model = "link";
+    move.to = axlsim::Pin{1, axlsim::Pin::Kind::AnalogIn, 0};
+    move.value = 12375;
+    move.from = axlsim::Pin{1, axlsim::Pin::Kind::AnalogOut, 1};
+    move.shown = shown;
+    return move;
+}
+
+TEST(TextRenderer, APlantLineSaysWhatMovedAnInputAndWhy) {
+    const auto config = configFrom(kConfig);
+    EXPECT_THAT(text(config, Happening{315ms, -1, wireMove()}),
+                HasSubstr("plant     1.DI1 -> 1 (wire from 1.DO0)"));
+    Happening::PlantMove square;
+    square.model = "signal";
+    square.shape = "square";
+    square.to = axlsim::Pin{1, axlsim::Pin::Kind::DigitalIn, 3};
+    EXPECT_THAT(text(config, Happening{1000ms, -1, square}),
+                HasSubstr("plant     1.DI3 -> 0 (square signal)"));
+    EXPECT_THAT(text(config, Happening{1401ms, -1, linkMove(true)}),
+                HasSubstr("plant     1.AI0 -> raw 12375 (4.125) (link from 1.AO1)"));
+}
+
+TEST(TextRenderer, AnAnalogMoveThatNoPublicationFollowsHasNoLine) {
+    EXPECT_EQ(text(configFrom(kConfig), Happening{1401ms, -1, linkMove(false)}), "");
+    EXPECT_EQ(json(configFrom(kConfig), Happening{1401ms, -1, linkMove(false)}), "");
+}
+
+TEST(TextRenderer, AHostLineShowsTheRouteAndItsBytes) {
+    EXPECT_THAT(text(configFrom(kConfig), Happening{310ms, 0, Happening::Routed{100, 200, {0x01}}}),
+                HasSubstr("host      route 100 -> 200: 01"));
+}
+
+TEST(JsonRenderer, APlantLineNamesTheModelThePinsAndTheValue) {
+    const auto config = configFrom(kConfig);
+    EXPECT_EQ(json(config, Happening{315ms, -1, wireMove()}),
+              R"({"t_ms":315,"kind":"plant","model":"wire","to":"1.DI1","value":1,"from":"1.DO0"})"
+              "\n");
+    EXPECT_EQ(
+        json(config, Happening{1401ms, -1, linkMove(true)}),
+        R"({"t_ms":1401,"kind":"plant","model":"link","to":"1.AI0","raw":12375,"from":"1.AO1"})"
+        "\n");
+}
+
+TEST(JsonRenderer, ARouteLineNamesBothIdsTheReceivingDriverAndTheBytes) {
+    EXPECT_EQ(json(configFrom(kConfig), Happening{310ms, 0, Happening::Routed{100, 200, {0x01}}}),
+              R"({"t_ms":310,"kind":"route","from":100,"to":200,"driver":0,"bytes":"01"})"
+              "\n");
+}
+
 }  // namespace

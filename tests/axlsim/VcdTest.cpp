@@ -100,4 +100,27 @@ TEST(Vcd, AFileNameThatLooksLikeVcdSyntaxCannotBreakTheHeader) {
               "\\x24end/config.json $end");
 }
 
+TEST(Vcd, ShowsEveryWordThatThePlantGivesAnAnalogInputAtEachCopyWhereItChanged) {
+    const Dumped dumped = dumpOf("valve_position.json");
+    std::vector<Change> moved{{0, "axlsim.m1_AXL_F_AI2_AO2.ai0", "b0000000000000000"}};
+    int hidden = 0;
+    for (const auto& move : axlsimtest::happeningsOf<Happening::PlantMove>(dumped.run)) {
+        std::string bits = "b";
+        for (int bit = 15; bit >= 0; --bit)
+            bits += ((move.what.value >> bit) & 1) != 0 ? '1' : '0';
+        moved.push_back(Change{move.t.count() / 1000, "axlsim.m1_AXL_F_AI2_AO2.ai0", bits});
+        hidden += move.what.shown ? 0 : 1;
+    }
+    // Some moves stay within the driver's dead band: no publication shows them, the VCD does.
+    EXPECT_GT(hidden, 0);
+    EXPECT_EQ(dumped.vcd.changesOf("axlsim.m1_AXL_F_AI2_AO2.ai0"), moved);
+}
+
+TEST(Vcd, ShowsADigitalInputThatAWireMoves) {
+    const Dumped dumped = dumpOf("closed_loop.json");
+    const auto changes = dumped.vcd.changesOf("axlsim.m1_AXL_F_DI8_1_DO8_1.in1");
+    ASSERT_GE(changes.size(), 2U);
+    EXPECT_EQ(changes[1], (Change{315000, "axlsim.m1_AXL_F_DI8_1_DO8_1.in1", "1"}));
+}
+
 }  // namespace

@@ -8,6 +8,7 @@
 #include "axlsim/ConfigCheck.h"
 #include "axlsim/ConfigError.h"
 #include "axlsim/ConfigReader.h"
+#include "axlsim/LoopCheck.h"
 
 namespace fuzz {
 
@@ -32,7 +33,20 @@ void checkConfig(Findings& findings, const axlsim::Config& config) {
                 "an input at " + step.path + " on position " + std::to_string(input->position));
         }
     }
+    for (const axlsim::PlantModel& model : config.plant) {
+        const axlsim::Pin& to = model.to();
+        findings.expect(
+            to.position >= 1 && to.position <= static_cast<int>(config.bus.size()),
+            "a plant model at " + model.path + " on position " + std::to_string(to.position));
+    }
+    for (const axlsim::Route& route : config.host) {
+        const int drivers = static_cast<int>(config.drivers.size());
+        findings.expect(route.fromDriver >= 0 && route.fromDriver < drivers &&
+                            route.toDriver >= 0 && route.toDriver < drivers,
+                        "a route at " + route.path + " between drivers off the list");
+    }
     try {
+        axlsim::LoopCheck::check(config);
         const auto found = axlsim::ConfigCheck::check(config);
         for (int driver = 0; driver < static_cast<int>(config.drivers.size()); ++driver) {
             axlsim::ConfigCheck::firstFailure(found, driver);

@@ -98,3 +98,19 @@ TEST(PlcDomain, AFailedRegistrationKeepsTheHandlerBefore) {
     EXPECT_EQ(lastError(), "Domain not ready");
     EXPECT_EQ(plant.calls("ArpPlcDomain_SetHandler"), 2);
 }
+
+TEST(Plant, TheInputCopyHookSetsInputsThatTheSameCopyDelivers) {
+    auto plant = Plant::of({Module::AI2_AO2});
+    int calls = 0;
+    plant.onInputCopy(
+        [&plant, &calls] { plant.setAnalogInput(1, 1, static_cast<uint16_t>(++calls)); });
+
+    EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
+    EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
+
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(plant.inputsInGds(1), (std::vector<uint8_t>{0, 0, 0, 2}));
+    EXPECT_EQ(plant.inputsOnBus(1), (std::vector<uint8_t>{0, 0, 0, 2}));
+    EXPECT_TRUE(ArpPlcAxio_WriteFromGdsToAxio(0));
+    EXPECT_EQ(calls, 2);
+}

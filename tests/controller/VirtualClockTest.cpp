@@ -131,6 +131,21 @@ TEST_F(VirtualTime, ThreadsWakeInTheOrderOfTheirWakeTimes) {
                                     {"fast", 120ms}}));
 }
 
+TEST_F(VirtualTime, RunNextStopsAfterTheThreadsOfTheNextWakeTimeBeforeItsLimit) {
+    FakeScanner fast(0, 30ms, logScanOf("fast"));
+    fast.initialize();
+    clock_.settle();
+
+    EXPECT_EQ(clock_.runNext(100ms), 30ms);
+    EXPECT_EQ(timeline(), (Timeline{{"fast", 0ms}, {"fast", 30ms}}));
+    EXPECT_EQ(clock_.runNext(50ms), 50ms);
+    EXPECT_EQ(clock_.runNext(60ms), 60ms);  // the thread due at the limit stays paused
+    EXPECT_EQ(timeline().size(), 2U);
+    EXPECT_EQ(clock_.runNext(61ms), 60ms);
+    EXPECT_EQ(timeline().back(), (std::pair<std::string, VirtualClock::Duration>{"fast", 60ms}));
+    EXPECT_THROW(clock_.runNext(10ms), std::invalid_argument);
+}
+
 TEST_F(VirtualTime, CannotRunBackInTime) {
     clock_.runUntil(10ms);
 

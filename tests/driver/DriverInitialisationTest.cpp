@@ -281,3 +281,16 @@ TEST_F(DriverInitialisation, DestroyingARunningDriverReleasesItsModuleAndWritesN
     EXPECT_EQ(plant_.buffersHeld(), 0);
     EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
 }
+
+TEST_F(DriverInitialisation, ADigitalOutputWriteLeavesTheNextModulesOutputsAlone) {
+    auto second = make(DriverConfig::analog(2).analogOut(30, "0", "10"));
+    initialize(*second);
+    // A digital input on pin 0 marks that pin taken in the digital module, right behind its
+    // output byte in memory.
+    auto first = make(DriverConfig::digital(1).digitalIn(10, "0").digitalOut(20, "1", "1"));
+
+    initialize(*first);
+
+    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x02);
+    EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 30000);
+}

@@ -282,15 +282,17 @@ TEST_F(DriverInitialisation, DestroyingARunningDriverReleasesItsModuleAndWritesN
     EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
 }
 
-TEST_F(DriverInitialisation, ADigitalOutputWriteLeavesTheNextModulesOutputsAlone) {
-    auto second = make(DriverConfig::analog(2).analogOut(30, "0", "10"));
-    initialize(*second);
-    // A digital input on pin 0 marks that pin taken in the digital module, right behind its
-    // output byte in memory.
-    auto first = make(DriverConfig::digital(1).digitalIn(10, "0").digitalOut(20, "1", "1"));
+TEST_F(DriverInitialisation, ADigitalOutputWriteChangesOnlyItsModulesOutputByteInTheFrame) {
+    auto analog = make(DriverConfig::analog(2).analogOut(30, "0", "10"));
+    initialize(*analog);
+    auto expected = plant_.frameBytes(vplc::Frame::Out);
+    // The digital module's output byte follows the 2-byte status word; a byte of padding follows
+    // it. A digital input on pin 0 marks that pin taken, right behind the output state in memory.
+    expected[2] = 0x02;
+    auto digital = make(DriverConfig::digital(1).digitalIn(10, "0").digitalOut(20, "1", "1"));
 
-    initialize(*first);
+    initialize(*digital);
 
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x02);
+    EXPECT_EQ(plant_.frameBytes(vplc::Frame::Out), expected);
     EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 30000);
 }

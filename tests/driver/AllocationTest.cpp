@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "DriverConfig.h"
 #include "ExposedDriver.h"
@@ -32,6 +33,11 @@ std::atomic<bool> measuringDriverThreads{false};
 std::atomic<long> failingAllocation{0};
 thread_local bool countingHere = false;
 thread_local bool onDriverThread = false;
+// The sizes of the first array allocations counted (the driver's input payload buffers are its
+// only ones).
+constexpr int kArraySizesKept = 16;
+std::atomic<std::size_t> arraySizes[kArraySizesKept];
+std::atomic<int> arrayAllocations{0};
 
 class CountingScope {
 public:
@@ -107,6 +113,21 @@ private:
     bool taken_[5][8] = {};
 };
 
+// The sizes of the array allocations made by `initialize` on this thread.
+std::vector<std::size_t> arraySizesOfInitialisation(CSI_base& driver) {
+    std::vector<std::size_t> sizes;
+    sizes.reserve(kArraySizesKept);
+    arrayAllocations = 0;
+    {
+        CountingScope counting;
+        TestHost::initialize(driver);
+    }
+    for (int index = 0; index < arrayAllocations.load() && index < kArraySizesKept; ++index) {
+        sizes.push_back(arraySizes[index].load());
+    }
+    return sizes;
+}
+
 stEventParams_t eventWith(uint32_t id, uint8_t* payload, uint32_t size) {
     stEventParams_t event;
     event.pData = payload;
@@ -122,6 +143,12 @@ void* operator new(std::size_t size) {
 }
 
 void* operator new[](std::size_t size) {
+    if (countingHere) {
+        const int index = arrayAllocations.fetch_add(1);
+        if (index < kArraySizesKept) {
+            arraySizes[index] = size;
+        }
+    }
     return allocate(size);
 }
 
@@ -361,4 +388,28 @@ TEST(Allocation, WhereverRegistrationRunsOutOfMemoryItThrowsBadAlloc) {
         }
     }
     EXPECT_GT(failures, 5);
+}
+
+TEST(Allocation, AnInputWhoseEventHasNoSizeStillGetsABufferThatHoldsItsValue) {
+    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    StepClock clock;
+    auto digital = DriverConfig::digital().digitalIn(1, "0");
+    digital.mappings.clear();
+    auto analog = DriverConfig::analog(2).analogIn(2, "0");
+    analog.mappings.clear();
+    auto digitalDriver = TestHost::create(digital);
+    auto analogDriver = TestHost::create(analog);
+
+    EXPECT_EQ(arraySizesOfInitialisation(*digitalDriver), std::vector<std::size_t>{1});
+    EXPECT_EQ(arraySizesOfInitialisation(*analogDriver), std::vector<std::size_t>{4});
+}
+
+TEST(Allocation, AnInputBufferHasTheSizeOfItsEventWhenThatHoldsTheValue) {
+    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    StepClock clock;
+    auto digitalDriver = TestHost::create(DriverConfig::digital().digitalIn(1, "0", 3));
+    auto analogDriver = TestHost::create(DriverConfig::analog(2).analogIn(2, "0", 8));
+
+    EXPECT_EQ(arraySizesOfInitialisation(*digitalDriver), std::vector<std::size_t>{3});
+    EXPECT_EQ(arraySizesOfInitialisation(*analogDriver), std::vector<std::size_t>{8});
 }

@@ -3,12 +3,14 @@
 #include <list>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "DriverConfig.h"
 #include "ExposedDriver.h"
 #include "TestHost.h"
 #include "orbel/Recorder.h"
+#include "orbel/StopFlag.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
@@ -154,6 +156,55 @@ TEST_F(DriverInitialisation, AStopFlagSetBeforeInitialisationStillLetsTheFirstSe
     EXPECT_TRUE(recorder_.threadStarts().empty());
 }
 
+// A host whose stopWithError reports the stop and leaves the driver's stop flag alone.
+class DriverInitialisationOnAHostThatLeavesTheStopFlag : public DriverInitialisation {
+protected:
+    DriverInitialisationOnAHostThatLeavesTheStopFlag() { orbel::setStopSetsStopFlag(false); }
+    ~DriverInitialisationOnAHostThatLeavesTheStopFlag() override {
+        orbel::setStopSetsStopFlag(true);
+    }
+};
+
+TEST_F(DriverInitialisationOnAHostThatLeavesTheStopFlag, ARefusedPinServiceIsFollowedByTheNext) {
+    auto driver = make(DriverConfig::digital()
+                           .digitalIn(1, "0")
+                           .digitalIn(2, "9")
+                           .digitalOut(3, "0", "1")
+                           .digitalOut(4, "0", "0")
+                           .digitalIn(5, "1"));
+
+    initialize(*driver);
+
+    std::vector<std::string> messages;
+    for (const auto& stop : recorder_.stops(driver.get())) {
+        messages.push_back(stop.message);
+    }
+    EXPECT_EQ(messages,
+              (std::vector<std::string>{"Invalid digital input number.", "Pin already in use."}));
+    EXPECT_FALSE(driver->stopped());
+    EXPECT_EQ(driver->digitalInputs().size(), 2u);
+    EXPECT_EQ(driver->digitalInputs().count(1), 1u);
+    ASSERT_EQ(driver->outputs().count(0), 1u);
+    EXPECT_EQ(driver->outputs().at(0).nEventId, 3u);
+    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x01);
+    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
+    EXPECT_EQ(recorder_.threadStarts(driver.get()).size(), 1u);
+}
+
+TEST_F(DriverInitialisationOnAHostThatLeavesTheStopFlag, AnUnsupportedServiceStillEndsTheWalk) {
+    auto driver =
+        make(DriverConfig::digital().digitalIn(1, "0").analogIn(2, "0").digitalIn(3, "1"));
+
+    initialize(*driver);
+
+    const auto stops = recorder_.stops(driver.get());
+    ASSERT_EQ(stops.size(), 1u);
+    EXPECT_EQ(stops[0].message, "Unsupported service type.");
+    EXPECT_EQ(driver->digitalInputs().size(), 1u);
+    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
+    EXPECT_TRUE(recorder_.threadStarts().empty());
+}
+
 TEST_F(DriverInitialisation, AnUnknownDeviceTypeWithoutServicesStartsWithoutAModule) {
     auto driver = make(DriverConfig("AXL_F_DI16_1"));
 
@@ -229,4 +280,19 @@ TEST_F(DriverInitialisation, DestroyingARunningDriverReleasesItsModuleAndWritesN
 
     EXPECT_EQ(plant_.buffersHeld(), 0);
     EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
+}
+
+TEST_F(DriverInitialisation, ADigitalOutputWriteChangesOnlyItsModulesOutputByteInTheFrame) {
+    auto analog = make(DriverConfig::analog(2).analogOut(30, "0", "10"));
+    initialize(*analog);
+    auto expected = plant_.frameBytes(vplc::Frame::Out);
+    // The digital module's output byte follows the 2-byte status word; a byte of padding follows
+    // it. A digital input on pin 0 marks that pin taken, right behind the output state in memory.
+    expected[2] = 0x02;
+    auto digital = make(DriverConfig::digital(1).digitalIn(10, "0").digitalOut(20, "1", "1"));
+
+    initialize(*digital);
+
+    EXPECT_EQ(plant_.frameBytes(vplc::Frame::Out), expected);
+    EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 30000);
 }

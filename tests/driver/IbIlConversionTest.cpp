@@ -128,6 +128,12 @@ TEST(IbIlConversion, TheLastCountBelow2To32WrapsAndTheFirstAboveItSaturates) {
     EXPECT_EQ(to_ib_il(1431656.0f), 65535);
 }
 
+TEST(IbIlConversion, ACountOfExactly2To32SaturatesTo65535) {
+    // 1431655.75 divided by the step is 2^32 itself, the first count that saturates.
+    ASSERT_EQ(1431655.75f / (1.0f / 3000.0f), 4294967296.0f);
+    EXPECT_EQ(to_ib_il(1431655.75f), 65535);
+}
+
 TEST(IbIlConversion, ValuesAreDividedByTheStepNotMultipliedBy3000) {
     // For the word 7 the two differ: from_ib_il(7) * 3000 truncates to 6, while dividing it by the
     // step gives back 7.

@@ -39,6 +39,31 @@ public:
     bool registerService(int, ServiceType) override { return true; }
 };
 
+// Counts every question about pins that the driver asks the module.
+template <class Module>
+class QuestionedModule : public Module {
+public:
+    using Module::Module;
+    bool isServiceAvailable(int pin, ServiceType type) override {
+        ++questions;
+        return Module::isServiceAvailable(pin, type);
+    }
+    bool isServiceAlreadyRegistered(int pin, ServiceType type) override {
+        ++questions;
+        return Module::isServiceAlreadyRegistered(pin, type);
+    }
+    bool registerService(int pin, ServiceType type) override {
+        ++questions;
+        return Module::registerService(pin, type);
+    }
+    std::string getValidRange(ServiceType type) override {
+        ++questions;
+        return Module::getValidRange(type);
+    }
+
+    int questions = 0;
+};
+
 constexpr const char* kTestModule = "TEST_MODULE";
 
 // Driver threads wait at the scan gate, so that the tables and the input buffers stay as the
@@ -323,6 +348,27 @@ TEST_F(PinRegistration, ADigitalOutputWithoutInitValThrowsBeforeTheModuleIsAsked
     EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 0);
     EXPECT_TRUE(driver_->outputs().empty());
     EXPECT_EQ(driver_->hostServices().at(1).mapParams.count("InitVal"), 0u);
+}
+
+TEST_F(PinRegistration, ADigitalOutputWithoutInitValIsNotAskedAboutAtAll) {
+    auto* module = new QuestionedModule<AXL_F_DI8_1_DO8_1>(1);
+    driver_.reset(new ExposedDriver(
+        DriverConfig(kTestModule).service(1, "DigitalOut", 1, {{"PinNum", "3"}})));
+    driver_->setModule(module);
+
+    EXPECT_THROW(TestHost::initialize(*driver_), std::invalid_argument);
+
+    EXPECT_EQ(module->questions, 0);
+}
+
+TEST_F(PinRegistration, ADigitalOutputWithoutInitValThrowsEvenForAPinThatIsNotAvailable) {
+    driver_.reset(
+        new ExposedDriver(DriverConfig::digital().service(1, "DigitalOut", 1, {{"PinNum", "8"}})));
+
+    EXPECT_THROW(TestHost::initialize(*driver_), std::invalid_argument);
+
+    EXPECT_TRUE(logs().empty());
+    EXPECT_TRUE(recorder_.stops().empty());
 }
 
 TEST_F(PinRegistration, AnInvalidInitValThrowsEvenForAPinThatIsNotAvailable) {

@@ -256,6 +256,19 @@ TEST_F(Scan, AnAnalogInputMovingFrom4_0To4_125IsPublishedAndBecomesTheReference)
                                        floatBytes(4.0f), floatBytes(4.125f), floatBytes(4.0f)}));
 }
 
+TEST_F(Scan, ARawStepFrom0To300IsPublishedBecauseTheDeadBandIsComparedInDoublePrecision) {
+    // The step is exactly the float 0.1f, which is above the double 0.1 but not above 0.1f.
+    ASSERT_EQ(from_ib_il(300), 0.1f);
+    start(DriverConfig::analog(2).analogIn(5, "0"));
+    clock_.runUntil(scanTime(2));
+
+    plant_.setAnalogInput(2, 0, 300);
+    clock_.runUntil(scanTime(3));
+
+    EXPECT_EQ(publishedPayloads(),
+              (std::vector<std::vector<uint8_t>>{floatBytes(0.0f), floatBytes(0.1f)}));
+}
+
 TEST_F(Scan, ARampOf0_04PerScanIsPublishedAtEveryThirdScanWithThatScansValue) {
     start(DriverConfig::analog(2).analogIn(5, "1"));
 

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "Arp/Plc/AnsiC/Domain/PlcOperationHandler.h"
+#include "Arp/System/Core/AppDomain.hpp"
 #include "Arp/System/Core/Arp.h"
 #include "ArpModuleLoader.h"
 #include "ChildProcess.h"
@@ -46,6 +47,23 @@ TEST(ModuleLoad, ADomainGivesResult0AndBecomesTheProcessDomain) {
                         assignments[0].domain == Arp::Singleton<Arp::AppDomain>::pInstance &&
                         assignments[1].domain == Arp::Singleton<Arp::AppDomain>::pInstance;
         return result == 0 && domainSet && assigned ? 0 : 1;
+    });
+    EXPECT_EQ(child.exitCode, 0);
+    EXPECT_EQ(child.output, "");
+}
+
+TEST(ModuleLoad, AProcessDomainSetBeforeTheLoadIsKeptAndTheManagersGetTheLoadedOne) {
+    auto child = runInChild([] {
+        static Arp::AppDomain earlier;
+        Arp::Singleton<Arp::AppDomain>::pInstance = &earlier;
+        int result = ArpSystemModule_Load("/usr/lib", "tarnwick", kLoadSettings);
+        Runtime::waitUntilDelivered();
+        bool domainKept = Arp::Singleton<Arp::AppDomain>::pInstance == &earlier;
+        auto assignments = Runtime::domainAssignments();
+        bool assigned = assignments.size() == 2 && assignments[0].domain != nullptr &&
+                        assignments[0].domain != &earlier &&
+                        assignments[1].domain == assignments[0].domain;
+        return result == 0 && domainKept && assigned ? 0 : 1;
     });
     EXPECT_EQ(child.exitCode, 0);
     EXPECT_EQ(child.output, "");

@@ -6,6 +6,7 @@
 #include "DriverRegistry.h"
 #include "ObserverHub.h"
 #include "orbel/CallScope.h"
+#include "orbel/StopFlag.h"
 
 CSI_base::CSI_base(stSP_Params_t spParams, std::map<unsigned, stMappingElem_t> mapMappings,
                    std::map<unsigned, stServiceParams_t> mapServices)
@@ -42,11 +43,15 @@ void CSI_base::publishEvent(const stEventParams_t& event) {
 }
 
 void CSI_base::stopWithError(const stServiceParams_t& service, const std::string& sMessage) {
-    m_bStopped = true;
+    if (orbel::stopSetsStopFlag()) {
+        m_bStopped = true;
+    }
     orbel::ObserverHub::instance().stopped(this, &service, sMessage);
 }
 
 void CSI_base::stopWithError(const std::string& sMessage) {
-    m_bStopped = true;
+    if (orbel::stopSetsStopFlag()) {
+        m_bStopped = true;
+    }
     orbel::ObserverHub::instance().stopped(this, nullptr, sMessage);
 }

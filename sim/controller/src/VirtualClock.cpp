@@ -77,7 +77,7 @@ void VirtualClock::runFor(Duration d) {
 
 std::vector<VirtualClock::Pause> VirtualClock::pauses() const {
     std::lock_guard lock(mutex_);
-    return pauses_;
+    return std::vector<Pause>(pauses_.begin(), pauses_.end());
 }
 
 void VirtualClock::holdScans(bool hold) {

@@ -1,3 +1,5 @@
+// A jump to another stack is the point of _longjmp here, not a mistake to guard against.
+#undef _FORTIFY_SOURCE
 #include "DriverFiber.h"
 
 #include <sys/mman.h>
@@ -92,7 +94,13 @@ void DriverFiber::resume() {
     tsanResumer_ = __tsan_get_current_fiber();
     __tsan_switch_to_fiber(tsanInside_, 0);
 #endif
-    swapcontext(&resumer_, &context_);
+    if (_setjmp(resumer_) == 0) {
+        if (!started_) {
+            started_ = true;
+            setcontext(&context_);
+        }
+        _longjmp(inside_, 1);
+    }
 #ifdef ORBEL_ADDRESS_SANITIZER
     __sanitizer_finish_switch_fiber(asanFakeStack_, nullptr, nullptr);
 #endif
@@ -115,7 +123,7 @@ void DriverFiber::entry() {
     self->switchOut(true);
 }
 
-void DriverFiber::switchOut([[maybe_unused]] bool finishing) {
+void DriverFiber::switchOut(bool finishing) {
 #ifdef ORBEL_ADDRESS_SANITIZER
     // A finishing fiber hands over no fake stack: the sanitizer releases it.
     void* fakeStack = nullptr;
@@ -126,7 +134,10 @@ void DriverFiber::switchOut([[maybe_unused]] bool finishing) {
     tsanInside_ = __tsan_get_current_fiber();
     __tsan_switch_to_fiber(tsanResumer_, 0);
 #endif
-    swapcontext(&context_, &resumer_);
+    if (finishing)
+        _longjmp(resumer_, 1);
+    if (_setjmp(inside_) == 0)
+        _longjmp(resumer_, 1);
 #ifdef ORBEL_ADDRESS_SANITIZER
     __sanitizer_finish_switch_fiber(fakeStack, &resumerStackBottom_, &resumerStackSize_);
 #endif

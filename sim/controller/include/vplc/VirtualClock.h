@@ -137,7 +137,7 @@ private:
     bool holding_ = false;
     std::vector<Sleeper*> sleepers_;
     std::vector<Ticket*> held_;
-    std::vector<Pause> pauses_;
+    std::deque<Pause> pauses_;               // grows without moving what it holds
     std::deque<orbel::DriverFiber*> ready_;  // fibers to resume when settling, in order
 };
 

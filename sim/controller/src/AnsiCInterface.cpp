@@ -91,13 +91,20 @@ bool lockFrame(std::shared_lock<std::shared_mutex>& lock, const std::shared_ptr<
     return true;
 }
 
+// A call on a frame buffer: counted (failing if a fault is due), then its frame as frameOf finds
+// it.
+const std::shared_ptr<GdsFrame>* calledFrame(Controller& controller, const PlatformFunction& call,
+                                             const TGdsBuffer* pBuffer) {
+    if (controller.dueFault(call.slot, call.name))
+        return nullptr;
+    return frameOf(controller, call.name, pBuffer);
+}
+
 bool begin(const PlatformFunction& call, TGdsBuffer* pBuffer, char** ppData, Access access) {
     const std::string_view function = call.name;
     Controller& controller = Controller::instance();
     auto lock = controller.share();
-    if (controller.dueFault(call.slot, function))
-        return false;
-    const std::shared_ptr<GdsFrame>* found = frameOf(controller, function, pBuffer);
+    const std::shared_ptr<GdsFrame>* found = calledFrame(controller, call, pBuffer);
     if (found == nullptr)
         return false;
     GdsFrame& frame = **found;
@@ -125,9 +132,7 @@ bool end(const PlatformFunction& call, TGdsBuffer* pBuffer, Access access) {
     const std::string_view function = call.name;
     Controller& controller = Controller::instance();
     auto lock = controller.share();
-    if (controller.dueFault(call.slot, function))
-        return false;
-    const std::shared_ptr<GdsFrame>* found = frameOf(controller, function, pBuffer);
+    const std::shared_ptr<GdsFrame>* found = calledFrame(controller, call, pBuffer);
     if (found == nullptr)
         return false;
     GdsFrame& frame = **found;

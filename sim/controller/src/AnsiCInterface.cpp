@@ -4,13 +4,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <thread>
 
 #include "Bus.h"
 #include "Controller.h"
 #include "FrameLayout.h"
 #include "GdsFrame.h"
-#include "GdsFrameLock.h"
 #include "LastError.h"
 #include "orbel/PauseClock.h"
 #include "vplc/VirtualClock.h"
@@ -20,6 +18,15 @@ namespace vplc::ansic {
 namespace {
 
 constexpr std::string_view kNoBus = "No Axioline bus is running";
+
+// A platform function, with its call counter looked up once for its call site.
+struct PlatformFunction {
+    explicit PlatformFunction(std::string_view functionName)
+        : name(functionName), slot(Controller::instance().calls().slot(functionName)) {}
+
+    std::string_view name;
+    CallRegistry::Slot& slot;
+};
 
 bool fail(std::string_view text) {
     lastError::set(text);
@@ -35,9 +42,9 @@ std::string nullArgument(std::string_view function, std::string_view argument) {
 }
 
 // The frame that a handle names on the running bus, or null with the last error set. The caller
-// holds the controller's lock.
-std::shared_ptr<GdsFrame> frameOf(Controller& controller, std::string_view function,
-                                  const TGdsBuffer* pBuffer) {
+// holds the controller's lock, shared or exclusive, while it uses the result.
+const std::shared_ptr<GdsFrame>* frameOf(Controller& controller, std::string_view function,
+                                         const TGdsBuffer* pBuffer) {
     if (pBuffer == nullptr) {
         fail(nullArgument(function, "pBuffer"));
         return nullptr;
@@ -62,95 +69,113 @@ std::shared_ptr<GdsFrame> frameOf(Controller& controller, std::string_view funct
              " belongs to an Axioline bus that is no longer running");
         return nullptr;
     }
-    return bus->frame(handle->frame);
+    return &bus->frame(handle->frame);
 }
 
-bool begin(std::string_view function, TGdsBuffer* pBuffer, char** ppData, Access access) {
-    Controller& controller = Controller::instance();
-    const auto self = std::this_thread::get_id();
-    std::shared_ptr<GdsFrame> frame;
-    {
-        auto lock = controller.lock();
-        if (controller.dueFault(function))
-            return false;
-        frame = frameOf(controller, function, pBuffer);
-        if (frame == nullptr)
-            return false;
-        if (ppData == nullptr)
-            return fail(nullArgument(function, "ppData"));
-        if (frame->heldBy(self)) {
-            ++controller.bus()->counters().nestedBegins;
-            return fail(std::string(function) + ": the calling thread already holds a lock on " +
-                        "buffer " + quoted(frame->bufferId()));
-        }
-    }
-    frame->lock(access);
-    auto lock = controller.lock();
-    if (frame->retired()) {
-        frame->unlock(access);
+// Takes the frame's lock. Mostly it is free and is taken at once, under the controller's shared
+// lock, which keeps the bus in place meanwhile. Otherwise the controller's lock is let go while
+// the call waits (the frame kept alive by a reference of its own), and the call fails if the bus
+// was removed in the meantime: false, with the frame unlocked and the last error set. On true the
+// shared lock is held and the frame's bus is still installed, so `frame` is still the bus's.
+bool lockFrame(std::shared_lock<std::shared_mutex>& lock, const std::shared_ptr<GdsFrame>& frame,
+               Access access) {
+    if (frame->tryLock(access))
+        return true;
+    const std::shared_ptr<GdsFrame> kept = frame;
+    lock.unlock();
+    kept->lock(access);
+    lock.lock();
+    if (kept->retired()) {
+        kept->unlock(access);
         return fail(kNoBus);
     }
-    try {
-        frame->addHolder(self, access);
-    } catch (...) {
-        // Out of memory: the lock must not outlive the failed call.
-        frame->unlock(access);
-        throw;
-    }
-    *ppData = frame->data();
     return true;
 }
 
-bool end(std::string_view function, TGdsBuffer* pBuffer, Access access) {
+// A call on a frame buffer: counted (failing if a fault is due), then its frame as frameOf finds
+// it.
+const std::shared_ptr<GdsFrame>* calledFrame(Controller& controller, const PlatformFunction& call,
+                                             const TGdsBuffer* pBuffer) {
+    if (controller.dueFault(call.slot, call.name))
+        return nullptr;
+    return frameOf(controller, call.name, pBuffer);
+}
+
+bool begin(const PlatformFunction& call, TGdsBuffer* pBuffer, char** ppData, Access access) {
+    const std::string_view function = call.name;
     Controller& controller = Controller::instance();
-    const auto self = std::this_thread::get_id();
-    auto lock = controller.lock();
-    if (controller.dueFault(function))
+    auto lock = controller.share();
+    const std::shared_ptr<GdsFrame>* found = calledFrame(controller, call, pBuffer);
+    if (found == nullptr)
         return false;
-    std::shared_ptr<GdsFrame> frame = frameOf(controller, function, pBuffer);
-    if (frame == nullptr)
+    GdsFrame& frame = **found;
+    if (ppData == nullptr)
+        return fail(nullArgument(function, "ppData"));
+    if (frame.heldByCaller()) {
+        ++controller.bus()->counters().nestedBegins;
+        return fail(std::string(function) + ": the calling thread already holds a lock on " +
+                    "buffer " + quoted(frame.bufferId()));
+    }
+    if (!lockFrame(lock, *found, access))
         return false;
-    if (frame->heldBy(self) != access) {
+    try {
+        frame.addCaller(access);
+    } catch (...) {
+        // Out of memory: the lock must not outlive the failed call.
+        frame.unlock(access);
+        throw;
+    }
+    *ppData = frame.data();
+    return true;
+}
+
+bool end(const PlatformFunction& call, TGdsBuffer* pBuffer, Access access) {
+    const std::string_view function = call.name;
+    Controller& controller = Controller::instance();
+    auto lock = controller.share();
+    const std::shared_ptr<GdsFrame>* found = calledFrame(controller, call, pBuffer);
+    if (found == nullptr)
+        return false;
+    GdsFrame& frame = **found;
+    if (frame.heldByCaller() != access) {
         ++controller.bus()->counters().unmatchedEnds;
         return fail(std::string(function) + ": the calling thread holds no " +
                     (access == Access::Read ? "read" : "write") + " lock on buffer " +
-                    quoted(frame->bufferId()));
+                    quoted(frame.bufferId()));
     }
-    frame->removeHolder(self);
-    frame->unlock(access);
+    frame.removeCaller();
+    frame.unlock(access);
     return true;
 }
 
-bool busCycle(std::string_view function, Frame which, Access access, void (Bus::*copy)()) {
+bool busCycle(const PlatformFunction& call, Frame which, Access access, void (Bus::*copy)()) {
+    const std::string_view function = call.name;
     Controller& controller = Controller::instance();
-    std::shared_ptr<GdsFrame> frame;
-    {
-        auto lock = controller.lock();
-        if (controller.dueFault(function))
-            return false;
-        if (controller.bus() == nullptr)
-            return fail(kNoBus);
-        frame = controller.bus()->frame(which);
-        if (frame->heldBy(std::this_thread::get_id()))
-            return fail(std::string(function) + ": the calling thread holds a lock on buffer " +
-                        quoted(frame->bufferId()));
-    }
-    GdsFrameLock frameLock(*frame, access);
-    auto lock = controller.lock();
-    if (frame->retired())
+    auto lock = controller.share();
+    if (controller.dueFault(call.slot, function))
+        return false;
+    if (controller.bus() == nullptr)
         return fail(kNoBus);
+    const std::shared_ptr<GdsFrame>& frame = controller.bus()->frame(which);
+    if (frame->heldByCaller())
+        return fail(std::string(function) + ": the calling thread holds a lock on buffer " +
+                    quoted(frame->bufferId()));
+    if (!lockFrame(lock, frame, access))
+        return false;
     (controller.bus()->*copy)();
+    frame->unlock(access);
     return true;
 }
 
 }  // namespace
 
 void getLastError(char* pBuffer, std::size_t bufferSize) {
+    static const PlatformFunction call("ArpPlc_GetLastError");
     Controller& controller = Controller::instance();
     {
         // A due fault replaces the text handed out by its own.
-        auto lock = controller.lock();
-        controller.dueFault("ArpPlc_GetLastError");
+        auto lock = controller.share();
+        controller.dueFault(call.slot, call.name);
     }
     lastError::take(pBuffer, bufferSize);
 }
@@ -200,9 +225,10 @@ bool getVariableOffset(TGdsBuffer* pBuffer, const char* variableName, std::size_
     auto lock = controller.lock();
     if (controller.dueFault(kFunction))
         return false;
-    std::shared_ptr<GdsFrame> frame = frameOf(controller, kFunction, pBuffer);
-    if (frame == nullptr)
+    const std::shared_ptr<GdsFrame>* found = frameOf(controller, kFunction, pBuffer);
+    if (found == nullptr)
         return false;
+    const GdsFrame* frame = found->get();
     if (variableName == nullptr)
         return fail(nullArgument(kFunction, "variableName"));
     if (pOffset == nullptr)
@@ -217,39 +243,43 @@ bool getVariableOffset(TGdsBuffer* pBuffer, const char* variableName, std::size_
 }
 
 bool beginRead(TGdsBuffer* pBuffer, char** ppData) {
-    return begin("ArpPlcGds_BeginRead", pBuffer, ppData, Access::Read);
+    static const PlatformFunction call("ArpPlcGds_BeginRead");
+    return begin(call, pBuffer, ppData, Access::Read);
 }
 
 bool endRead(TGdsBuffer* pBuffer) {
-    return end("ArpPlcGds_EndRead", pBuffer, Access::Read);
+    static const PlatformFunction call("ArpPlcGds_EndRead");
+    return end(call, pBuffer, Access::Read);
 }
 
 bool beginWrite(TGdsBuffer* pBuffer, char** ppData) {
-    return begin("ArpPlcGds_BeginWrite", pBuffer, ppData, Access::Write);
+    static const PlatformFunction call("ArpPlcGds_BeginWrite");
+    return begin(call, pBuffer, ppData, Access::Write);
 }
 
 bool endWrite(TGdsBuffer* pBuffer) {
-    return end("ArpPlcGds_EndWrite", pBuffer, Access::Write);
+    static const PlatformFunction call("ArpPlcGds_EndWrite");
+    return end(call, pBuffer, Access::Write);
 }
 
 bool readFromAxioToGds(unsigned long) {
+    static const PlatformFunction call("ArpPlcAxio_ReadFromAxioToGds");
     if (auto* clock = dynamic_cast<VirtualClock*>(orbel::pauseClock()))
         clock->atScanStart();
     const std::function<void()>* hook = nullptr;
     {
-        auto lock = Controller::instance().lock();
+        auto share = Controller::instance().share();
         if (Bus* bus = Controller::instance().bus())
             hook = &bus->inputCopyHook();
     }
     if (hook != nullptr && *hook)
         (*hook)();
-    return busCycle("ArpPlcAxio_ReadFromAxioToGds", Frame::In, Access::Write,
-                    &Bus::copyInputsToGds);
+    return busCycle(call, Frame::In, Access::Write, &Bus::copyInputsToGds);
 }
 
 bool writeFromGdsToAxio(unsigned long) {
-    return busCycle("ArpPlcAxio_WriteFromGdsToAxio", Frame::Out, Access::Read,
-                    &Bus::copyGdsToOutputs);
+    static const PlatformFunction call("ArpPlcAxio_WriteFromGdsToAxio");
+    return busCycle(call, Frame::Out, Access::Read, &Bus::copyGdsToOutputs);
 }
 
 void setHandler(ArpPlcDomainHandler handler) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -14,13 +15,14 @@
 namespace vplc {
 
 // The state of one plant: its modules, the layout and data of its GDS frames, and its counters.
-// Apart from the frames' data, everything here is guarded by the controller's mutex.
+// The modules' process data is changed by the plant under the controller's exclusive lock and by
+// the bus cycles under its shared lock and the frame's lock; the counters are atomic.
 class Bus {
 public:
     struct Counters {
-        int buffersHeld = 0;
-        int unmatchedEnds = 0;
-        int nestedBegins = 0;
+        std::atomic<int> buffersHeld = 0;
+        std::atomic<int> unmatchedEnds = 0;
+        std::atomic<int> nestedBegins = 0;
     };
 
     Bus(const std::vector<Module>& modules, std::uint64_t serial);

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,12 +13,21 @@
 
 namespace vplc {
 
-// Call counts and armed faults of the platform functions, by name. Not locked: the controller's
-// mutex guards it.
+// Call counts and armed faults of the platform functions, by name. A function's slot is looked up
+// once per call site and counted with a relaxed atomic, so that counting orders no two callers;
+// its fault table is consulted, under a mutex of its own, only while a fault is armed for it.
 class CallRegistry {
 public:
+    struct Slot {
+        std::atomic<int> count = 0;
+        std::atomic<bool> armed = false;
+    };
+
+    // The slot of `function`, made on first use; it lives as long as the registry.
+    Slot& slot(std::string_view function);
+
     // Counts the call; returns the error text of a fault that is due, consuming it.
-    std::optional<std::string> record(std::string_view function);
+    std::optional<std::string> record(Slot& slot, std::string_view function);
 
     int count(std::string_view function) const;
     void inject(std::string_view function, const Fault& fault);
@@ -29,7 +40,7 @@ private:
         std::string errorText;
     };
 
-    // Looked up by a string_view without making a string: every platform call is counted here.
+    // Looked up by a string_view without making a string.
     struct NameHash {
         using is_transparent = void;
         std::size_t operator()(std::string_view name) const {
@@ -39,7 +50,9 @@ private:
     template <class Value>
     using ByName = std::unordered_map<std::string, Value, NameHash, std::equal_to<>>;
 
-    ByName<int> counts_;
+    mutable std::mutex slotsMutex_;
+    ByName<Slot> slots_;  // nodes never move, so a slot stays where it was made
+    std::mutex faultsMutex_;
     ByName<Armed> faults_;
 };
 

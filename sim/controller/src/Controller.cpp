@@ -24,7 +24,12 @@ void Controller::install(Bus& bus) {
 }
 
 std::optional<std::string> Controller::dueFault(std::string_view function) {
-    std::optional<std::string> fault = calls_.record(function);
+    return dueFault(calls_.slot(function), function);
+}
+
+std::optional<std::string> Controller::dueFault(CallRegistry::Slot& slot,
+                                                std::string_view function) {
+    std::optional<std::string> fault = calls_.record(slot, function);
     if (fault)
         lastError::set(*fault);
     return fault;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <shared_mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,14 +19,21 @@ class Bus;
 class GdsFrame;
 
 // The process-wide state of the virtual controller: the installed bus, the GDS buffer handles,
-// the platform calls' counts and faults, and the registered PLC operation handler. One mutex
-// guards all of it; hold lock() around every other member. Only the data of the GDS frames has
-// locks of its own (GdsFrame).
+// the platform calls' counts and faults, and the registered PLC operation handler.
+//
+// The driver's platform calls on its scan and event paths hold share() while they read this
+// state, so that two of them neither wait for each other nor are ordered by it: what they change
+// is atomic (call counts, the bus's counters), the calling thread's own (its last error, the
+// frames it holds locked), or the frame's, under the frame's own lock. Everything else (a bus
+// installed or removed, handles handed out or released, the plant's inputs, faults, the handler)
+// is changed under lock(), the exclusive lock. Only a lock of the frames' data orders two threads
+// that touch one frame; nothing here orders two that touch different frames.
 class Controller {
 public:
     static Controller& instance();
 
-    std::unique_lock<std::mutex> lock() { return std::unique_lock(mutex_); }
+    std::unique_lock<std::shared_mutex> lock() { return std::unique_lock(mutex_); }
+    std::shared_lock<std::shared_mutex> share() { return std::shared_lock(mutex_); }
 
     Bus* bus() const { return bus_; }
     std::uint64_t nextBusSerial() { return ++lastBusSerial_; }
@@ -41,6 +49,7 @@ public:
     // Counts a call of `function`. When a fault injected for it is due, consumes it, sets its text
     // as the calling thread's last error and returns the text: the call must then fail.
     std::optional<std::string> dueFault(std::string_view function);
+    std::optional<std::string> dueFault(CallRegistry::Slot& slot, std::string_view function);
 
     CallRegistry& calls() { return calls_; }
     GdsHandles& handles() { return handles_; }
@@ -51,7 +60,7 @@ public:
 private:
     Controller() = default;
 
-    std::mutex mutex_;
+    std::shared_mutex mutex_;
     Bus* bus_ = nullptr;
     std::uint64_t lastBusSerial_ = 0;
     CallRegistry calls_;

@@ -1,13 +1,11 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <optional>
 #include <shared_mutex>
 #include <string_view>
-#include <thread>
-#include <utility>
-#include <vector>
 
 #include "vplc/Frame.h"
 
@@ -16,9 +14,9 @@ namespace vplc {
 enum class Access { Read, Write };
 
 // The data of one GDS frame, with its reader/writer lock. The data is allocated to its exact size,
-// so that an access past its end is caught by the address sanitizer. The lock is taken without the
-// controller's mutex; the record of which thread holds it (and how), and whether the frame's bus
-// is gone, are guarded by the controller's mutex.
+// so that an access past its end is caught by the address sanitizer. Which frames a thread holds
+// locked, and how, is recorded per thread, so that the record orders no two threads; the frame
+// keeps only the number of its holders.
 class GdsFrame {
 public:
     GdsFrame(Frame which, std::size_t size);
@@ -29,24 +27,26 @@ public:
     char* data() { return data_.get(); }
 
     void lock(Access access);
+    bool tryLock(Access access);
     void unlock(Access access);
 
-    std::optional<Access> heldBy(std::thread::id thread) const;
-    void addHolder(std::thread::id thread, Access access);
-    void removeHolder(std::thread::id thread);
-    int holders() const { return static_cast<int>(holders_.size()); }
+    // How the calling thread holds the frame's lock, if it does.
+    std::optional<Access> heldByCaller() const;
+    void addCaller(Access access);
+    void removeCaller();
+    int holders() const { return holders_.load(); }
 
     // Set when the frame's bus has gone; a thread that was waiting for the lock then fails.
-    bool retired() const { return retired_; }
-    void retire() { retired_ = true; }
+    bool retired() const { return retired_.load(); }
+    void retire() { retired_.store(true); }
 
 private:
     Frame which_;
     std::size_t size_;
     std::unique_ptr<char[]> data_;
     std::shared_mutex dataLock_;
-    std::vector<std::pair<std::thread::id, Access>> holders_;
-    bool retired_ = false;
+    std::atomic<int> holders_ = 0;
+    std::atomic<bool> retired_ = false;
 };
 
 }  // namespace vplc

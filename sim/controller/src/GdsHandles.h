@@ -10,8 +10,8 @@
 namespace vplc {
 
 // Every handle ever handed out. Handles are never freed, so that a handle used after its release,
-// or after its bus has gone, is still an object the controller recognises and refuses. Not
-// locked: the controller's mutex guards it.
+// or after its bus has gone, is still an object the controller recognises and refuses. Handed
+// out under the controller's exclusive lock, looked up under its shared lock.
 class GdsHandles {
 public:
     TGdsBuffer* issue(std::uint64_t busSerial, Frame frame);

@@ -2,7 +2,6 @@
 
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <utility>
 
 #include "Bus.h"
@@ -21,11 +20,7 @@ namespace {
 template <class Action>
 auto withFrame(const Bus& bus, Frame which, Access access, Action action) {
     const std::shared_ptr<GdsFrame>& frame = bus.frame(which);
-    std::optional<Access> held;
-    {
-        auto lock = Controller::instance().lock();
-        held = frame->heldBy(std::this_thread::get_id());
-    }
+    const std::optional<Access> held = frame->heldByCaller();
     if (held) {
         if (access == Access::Write && *held == Access::Read)
             throw std::logic_error("The calling thread holds a read lock on buffer '" +

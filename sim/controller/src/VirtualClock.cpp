@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <stdexcept>
+#include <string_view>
 
 #include "orbel/DriverThreads.h"
 
@@ -18,7 +20,13 @@ VirtualClock::Duration durationOf(const timespec& request) {
 
 }  // namespace
 
-VirtualClock::VirtualClock() {
+VirtualClock::Mode VirtualClock::defaultMode() {
+    const char* setting = std::getenv("VPLC_DRIVER_THREADS");
+    return setting != nullptr && std::string_view(setting) == "threads" ? Mode::Threads
+                                                                        : Mode::Fibers;
+}
+
+VirtualClock::VirtualClock(Mode mode) : mode_(mode) {
     if (orbel::pauseClock() != nullptr)
         throw std::logic_error("A pause clock is already installed");
     orbel::setPauseClock(this);
@@ -70,7 +78,7 @@ bool VirtualClock::runEarliestBefore(Duration t, std::unique_lock<std::mutex>& l
             return false;
         sleeper->woken = true;
         ++running_;
-        sleeper->wake.notify_one();
+        wake(*sleeper);
         return true;
     });
     settle(lock);
@@ -83,7 +91,7 @@ void VirtualClock::runFor(Duration d) {
 
 std::vector<VirtualClock::Pause> VirtualClock::pauses() const {
     std::lock_guard lock(mutex_);
-    return pauses_;
+    return std::vector<Pause>(pauses_.begin(), pauses_.end());
 }
 
 void VirtualClock::holdScans(bool hold) {
@@ -122,13 +130,19 @@ void VirtualClock::atScanStart() {
     Ticket ticket;
     held_.push_back(&ticket);
     stoppedRunning();
-    ticket.wake.wait(lock, [&ticket] { return ticket.released || orbel::endRequested(); });
+    wait(lock, ticket, [&ticket] { return ticket.released; });
     if (!ticket.released) {
         std::erase(held_, &ticket);
         ++running_;
     }
     lock.unlock();
     orbel::endIfRequested();
+}
+
+void VirtualClock::fiberStarting(orbel::DriverFiber& fiber) {
+    std::lock_guard lock(mutex_);
+    ++running_;
+    ready_.push_back(&fiber);
 }
 
 void VirtualClock::threadStarting() {
@@ -138,6 +152,9 @@ void VirtualClock::threadStarting() {
 
 void VirtualClock::threadEnding() {
     std::lock_guard lock(mutex_);
+    // A fiber ended from outside (orbel::endDriverThread) may still be waiting its turn.
+    if (orbel::DriverFiber* fiber = orbel::currentFiber())
+        std::erase(ready_, fiber);
     stoppedRunning();
 }
 
@@ -151,13 +168,14 @@ void VirtualClock::pause(const timespec& request) {
     sleeper.wakeAt = now_ + duration;
     sleepers_.push_back(&sleeper);
     stoppedRunning();
-    sleeper.wake.wait(lock, [&sleeper] { return sleeper.woken || orbel::endRequested(); });
+    wait(lock, sleeper, [&sleeper] { return sleeper.woken; });
     if (!sleeper.woken) {
         std::erase(sleepers_, &sleeper);
         ++running_;
     }
 }
 
+// A fiber whose end is requested is resumed by the host that ends it, so only threads are woken.
 void VirtualClock::wakeAll() {
     std::lock_guard lock(mutex_);
     for (Sleeper* sleeper : sleepers_)
@@ -167,7 +185,35 @@ void VirtualClock::wakeAll() {
 }
 
 void VirtualClock::settle(std::unique_lock<std::mutex>& lock) {
+    while (!ready_.empty()) {
+        orbel::DriverFiber* fiber = ready_.front();
+        ready_.pop_front();
+        lock.unlock();
+        orbel::resumeFiber(*fiber);
+        lock.lock();
+    }
     settled_.wait(lock, [this] { return running_ <= 0; });
+}
+
+void VirtualClock::wake(Waiter& waiter) {
+    if (waiter.fiber != nullptr)
+        ready_.push_back(waiter.fiber);
+    else
+        waiter.wake.notify_one();
+}
+
+template <class Done>
+void VirtualClock::wait(std::unique_lock<std::mutex>& lock, Waiter& waiter, Done done) {
+    if (waiter.fiber == nullptr) {
+        waiter.wake.wait(lock, [&done] { return done() || orbel::endRequested(); });
+        return;
+    }
+    // Resumed when made ready, or by the host that ends it; anything else suspends it again.
+    while (!done() && !orbel::endRequested()) {
+        lock.unlock();
+        orbel::suspendFiber();
+        lock.lock();
+    }
 }
 
 int VirtualClock::releaseHeld() {
@@ -175,7 +221,7 @@ int VirtualClock::releaseHeld() {
     for (Ticket* ticket : held_) {
         ticket->released = true;
         ++running_;
-        ticket->wake.notify_one();
+        wake(*ticket);
     }
     held_.clear();
     return released;

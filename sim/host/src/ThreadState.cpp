@@ -6,7 +6,9 @@
 #include <chrono>
 #include <exception>
 #include <string>
+#include <vector>
 
+#include "DriverFiber.h"
 #include "DriverRegistry.h"
 #include "ObserverHub.h"
 #include "PosixThread.h"
@@ -53,20 +55,26 @@ void installWakeSignal() {
 
 ThreadState::ThreadState(CPosixThread& owner) : owner_(owner) {}
 
+ThreadState::~ThreadState() = default;
+
 ThreadState* ThreadState::current() {
+    if (DriverFiber* fiber = DriverFiber::current())
+        return &fiber->owner();
     return currentState;
 }
 
 void ThreadState::start() {
     std::unique_lock lock(mutex_);
-    if (worker_.joinable()) {
+    if (worker_.joinable() || fiber_ != nullptr) {
         if (!ended_) {
             const CSI_base* driver = driver_;
             lock.unlock();
             ObserverHub::instance().warn(driver, kStartedWhileRunning);
             return;
         }
-        worker_.join();
+        if (worker_.joinable())
+            worker_.join();
+        fiber_.reset();
     }
     object_ = dynamic_cast<const void*>(&owner_);
     driver_ = DriverRegistry::instance().driverOf(object_);
@@ -74,6 +82,10 @@ void ThreadState::start() {
     runFinished_ = false;
     ended_ = false;
     PauseClock* clock = pauseClock();
+    if (clock != nullptr && clock->runsDriversOnFibers()) {
+        startFiber(*clock);
+        return;
+    }
     if (clock != nullptr)
         clock->threadStarting();
     try {
@@ -85,8 +97,31 @@ void ThreadState::start() {
     }
 }
 
+// The fiber refers to this state by reference: the state owns the fiber and, being ended before
+// it is destroyed, outlives its run.
+void ThreadState::startFiber(PauseClock& clock) {
+    fiber_ = std::make_unique<DriverFiber>(*this, [this] { runOnFiber(); });
+    clock.fiberStarting(*fiber_);
+}
+
 void ThreadState::run() {
     currentState = this;
+    runDriver();
+    currentState = nullptr;
+    {
+        std::lock_guard lock(mutex_);
+        ended_ = true;
+    }
+    endedChanged_.notify_all();
+}
+
+void ThreadState::runOnFiber() {
+    runDriver();
+    std::lock_guard lock(mutex_);
+    ended_ = true;
+}
+
+void ThreadState::runDriver() {
     ObserverHub::instance().threadStarted(driver_);
     std::string how;
     {
@@ -99,12 +134,6 @@ void ThreadState::run() {
     finish(how);
     if (PauseClock* clock = pauseClock())
         clock->threadEnding();
-    currentState = nullptr;
-    {
-        std::lock_guard lock(mutex_);
-        ended_ = true;
-    }
-    endedChanged_.notify_all();
 }
 
 std::string ThreadState::runOwner() {
@@ -138,6 +167,15 @@ void ThreadState::finish(std::string_view how) noexcept {
 
 void ThreadState::join() {
     std::unique_lock lock(mutex_);
+    if (fiber_ != nullptr) {
+        if (onOwnThread())
+            return;
+        lock.unlock();
+        // A fiber ends only while it runs; one that pauses again is resumed again.
+        while (!fiber_->finished())
+            fiber_->resume();
+        return;
+    }
     if (!worker_.joinable() || onOwnThread())
         return;
     endedChanged_.wait(lock, [this] { return ended_; });
@@ -147,6 +185,11 @@ void ThreadState::join() {
 
 void ThreadState::end() {
     std::unique_lock lock(mutex_);
+    if (fiber_ != nullptr) {
+        lock.unlock();
+        endFiber();
+        return;
+    }
     if (!worker_.joinable())
         return;
     endRequested_ = true;
@@ -160,13 +203,30 @@ void ThreadState::end() {
         worker_.join();
 }
 
+void ThreadState::endFiber() {
+    endRequested_ = true;
+    if (onOwnThread())
+        return;
+    while (!fiber_->finished())
+        fiber_->resume();
+    std::lock_guard lock(mutex_);
+    fiber_.reset();
+}
+
 void ThreadState::endForDestruction() {
     std::unique_lock lock(mutex_);
-    if (!worker_.joinable())
+    if (!worker_.joinable() && fiber_ == nullptr)
         return;
     if (onOwnThread()) {
         endRequested_ = true;
-        worker_.detach();
+        if (fiber_ != nullptr) {
+            // The pause or gate that the fiber reaches next ends it, and whoever resumed it comes
+            // back to a fiber whose state would be gone by then: such states are kept.
+            static std::vector<std::shared_ptr<ThreadState>> endingOnOwnFiber;
+            endingOnOwnFiber.push_back(shared_from_this());
+        } else {
+            worker_.detach();
+        }
         return;
     }
     const bool running = !runFinished_;
@@ -187,6 +247,8 @@ void ThreadState::wake() {
 }
 
 bool ThreadState::onOwnThread() const {
+    if (fiber_ != nullptr)
+        return DriverFiber::current() == fiber_.get();
     return worker_.get_id() == std::this_thread::get_id();
 }
 

@@ -15,25 +15,28 @@ class CSI_base;
 
 namespace orbel {
 
+class DriverFiber;
 class PauseClock;
 class SanitizerFiber;
 
-// The library's side of one CPosixThread: the thread it started, who owns it, and the request to
-// end it. Shared by the CPosixThread, the thread registry and the running thread itself, so that
-// whoever finishes last releases it.
+// The library's side of one CPosixThread: the thread it started (or, on a clock that runs drivers
+// on fibers, the fiber), who owns it, and the request to end it. Shared by the CPosixThread, the
+// thread registry and the running thread itself, so that whoever finishes last releases it.
 class ThreadState : public std::enable_shared_from_this<ThreadState> {
 public:
     explicit ThreadState(CPosixThread& owner);
+    ~ThreadState();
 
     // Starts a thread that runs the owner's run() once. Ignored, with a warning, while a thread
     // started earlier is still running.
     void start();
 
     // Waits until the started thread has ended, and joins it. Returns at once if there is none.
+    // A fiber is resumed until it has ended.
     void join();
 
-    // Asks the started thread to end, wakes it until it has, and joins it. On the thread itself
-    // it only asks.
+    // Asks the started thread to end, wakes it until it has, and joins it; a fiber is resumed
+    // until it has ended, and its stack released. On the thread or fiber itself it only asks.
     void end();
 
     // The owner is being destroyed: as end(), with a warning if the thread was still running.
@@ -55,6 +58,11 @@ public:
 
 private:
     void run();
+    // The started fiber's body: run() less what belongs to a thread of its own.
+    void runOnFiber();
+    void startFiber(PauseClock& clock);
+    void endFiber();
+    void runDriver();
     // Runs the owner's run() and tells how it ended.
     std::string runOwner();
     void finish(std::string_view how) noexcept;
@@ -70,6 +78,7 @@ private:
     std::mutex mutex_;
     std::condition_variable endedChanged_;
     std::thread worker_;
+    std::unique_ptr<DriverFiber> fiber_;
     bool runFinished_ = false;  // the owner's run() has returned or thrown
     bool ended_ = false;        // the thread has done all it does
 };

@@ -3,9 +3,11 @@
 #include <chrono>
 #include <condition_variable>
 #include <ctime>
+#include <deque>
 #include <mutex>
 #include <vector>
 
+#include "orbel/DriverFiber.h"
 #include "orbel/PauseClock.h"
 
 class CSI_base;
@@ -28,10 +30,24 @@ namespace vplc {
 // requested (orbel::endRequested()) leaves at wakeAll(): a pause returns early, the gate throws
 // orbel::ThreadEnd. Host threads are never paused or held.
 //
+// How the drivers run (Mode): by default each driver's run() goes on a fiber of the host's thread
+// (orbel/DriverFiber.h), and the clock is a discrete-event scheduler: settling resumes each fiber
+// that is ready until it pauses, is held or ends, and fibers whose pauses end at the same time are
+// resumed in the order in which they began those pauses. Nothing runs beside the host, no thread is
+// handed over, and a run comes out the same every time. With Mode::Threads each driver has a
+// thread of its own, as on a controller, and settling waits for them; the tests of concurrency use
+// it, and the environment variable VPLC_DRIVER_THREADS=threads makes it the default, so that the
+// suite can run the driver tests both ways.
+//
 // The methods that settle block the calling test thread; never call them from a driver thread.
 class VirtualClock final : public orbel::PauseClock {
 public:
     using Duration = std::chrono::nanoseconds;
+
+    enum class Mode { Fibers, Threads };
+
+    // Mode::Threads when VPLC_DRIVER_THREADS is "threads", else Mode::Fibers.
+    static Mode defaultMode();
 
     struct Pause {
         const CSI_base* driver;  // the driver whose thread paused
@@ -39,10 +55,12 @@ public:
         Duration duration;       // the requested duration
     };
 
-    VirtualClock();
+    explicit VirtualClock(Mode mode = defaultMode());
     ~VirtualClock() override;
     VirtualClock(const VirtualClock&) = delete;
     VirtualClock& operator=(const VirtualClock&) = delete;
+
+    Mode mode() const { return mode_; }
 
     // Virtual time since the clock was made; starts at 0.
     Duration now() const;
@@ -83,6 +101,8 @@ public:
     void atScanStart();
 
     // orbel::PauseClock
+    bool runsDriversOnFibers() const override { return mode_ == Mode::Fibers; }
+    void fiberStarting(orbel::DriverFiber& fiber) override;
     void threadStarting() override;
     void threadEnding() override;
     void pause(const timespec& request) override;
@@ -92,14 +112,17 @@ private:
     // Each waiting thread has a condition variable of its own, and settling one more, so that a
     // thread is woken only when what it waits for may have come about: with one for all, every
     // pause woke every other paused thread, which made runs with several drivers slow.
-    struct Sleeper {
-        Duration wakeAt;
-        bool woken = false;
+    // A fiber waits the same way, with the fiber in place of the condition variable.
+    struct Waiter {
+        orbel::DriverFiber* fiber = orbel::currentFiber();
         std::condition_variable wake;
     };
-    struct Ticket {
+    struct Sleeper : Waiter {
+        Duration wakeAt{};
+        bool woken = false;
+    };
+    struct Ticket : Waiter {
         bool released = false;
-        std::condition_variable wake;
     };
 
     void settle(std::unique_lock<std::mutex>& lock);
@@ -108,7 +131,13 @@ private:
     int releaseHeld();
     // A thread stops running (paused, held or ended); the caller holds the lock.
     void stoppedRunning();
+    // Lets the waiter go on: notifies its thread, or makes its fiber ready.
+    void wake(Waiter& waiter);
+    // Waits until `done` holds or the current thread's end is requested.
+    template <class Done>
+    void wait(std::unique_lock<std::mutex>& lock, Waiter& waiter, Done done);
 
+    const Mode mode_;
     mutable std::mutex mutex_;
     std::condition_variable settled_;
     Duration now_{0};
@@ -116,7 +145,8 @@ private:
     bool holding_ = false;
     std::vector<Sleeper*> sleepers_;
     std::vector<Ticket*> held_;
-    std::vector<Pause> pauses_;
+    std::deque<Pause> pauses_;               // grows without moving what it holds
+    std::deque<orbel::DriverFiber*> ready_;  // fibers to resume when settling, in order
 };
 
 }  // namespace vplc

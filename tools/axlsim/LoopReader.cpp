@@ -130,9 +130,7 @@ Link readLink(const Document& doc, const Json& node, const std::string& at,
 
 Signal readSignal(const Document& doc, const Json& node, const std::string& at,
                   const std::vector<vplc::Module>& bus) {
-    doc.object(
-        node, at,
-        {"to", "shape", "low", "high", "period_ms", "duty", "from_ms", "until_ms", "repeat"});
+    doc.object(node, at, kSignalKeys);
     Signal signal;
     signal.to = pinOf(doc, required(doc, node, at, "to", "a signal"), member(at, "to"), bus,
                       {Kind::DigitalIn, Kind::AnalogIn});
@@ -192,9 +190,7 @@ constexpr std::array<std::pair<std::string_view, Route::Map>, 5> kMaps{{
 }};
 
 Route readRoute(const Document& doc, const Json& node, const std::string& at, int drivers) {
-    doc.object(node, at,
-               {"from", "to", "from_driver", "to_driver", "map", "threshold", "hysteresis", "gain",
-                "offset", "delay_ms", "on_change"});
+    doc.object(node, at, kRouteKeys);
     Route route;
     constexpr int64_t kLargestId = std::numeric_limits<uint32_t>::max();
     route.from = static_cast<uint32_t>(

@@ -56,13 +56,14 @@ std::string CheckReport::outcome(const Finding& finding) {
 }
 
 void CheckReport::write(std::ostream& out, const Config& config,
-                        const std::vector<Finding>& findings) {
-    if (findings.empty()) {
+                        const std::vector<Finding>& findings,
+                        const std::vector<LoopCheck::Finding>& loop) {
+    const std::size_t count = findings.size() + loop.size();
+    if (count == 0) {
         out << config.file << ": no problems found\n";
         return;
     }
-    out << config.file << ": " << findings.size()
-        << (findings.size() == 1 ? " problem\n" : " problems\n");
+    out << config.file << ": " << count << (count == 1 ? " problem\n" : " problems\n");
     for (std::size_t d = 0; d < config.drivers.size(); ++d) {
         const int index = static_cast<int>(d);
         bool titled = false;
@@ -78,6 +79,14 @@ void CheckReport::write(std::ostream& out, const Config& config,
                 << "    driver:  " << outcome(finding) << '\n'
                 << "    fix:     " << finding.fix << '\n';
         }
+    }
+    if (!loop.empty())
+        out << "\nplant and host\n";
+    for (const LoopCheck::Finding& finding : loop) {
+        out << "  " << finding.path << " (" << finding.subject << ")\n"
+            << "    problem: " << finding.problem << '\n'
+            << "    effect:  " << finding.consequence << '\n'
+            << "    fix:     " << finding.fix << '\n';
     }
     out << '\n';
     for (std::size_t d = 0; d < config.drivers.size(); ++d) {

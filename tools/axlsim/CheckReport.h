@@ -5,6 +5,7 @@
 
 #include "axlsim/Config.h"
 #include "axlsim/ConfigCheck.h"
+#include "axlsim/LoopCheck.h"
 
 namespace axlsim {
 
@@ -12,8 +13,10 @@ namespace axlsim {
 // the driver will do, and how to fix it; then the failure each driver meets first.
 class CheckReport {
 public:
+    // The findings of the plant and host sections follow the drivers', under their own title.
     static void write(std::ostream& out, const Config& config,
-                      const std::vector<ConfigCheck::Finding>& findings);
+                      const std::vector<ConfigCheck::Finding>& findings,
+                      const std::vector<LoopCheck::Finding>& loop = {});
 
     // What the driver does for a finding, in words: its log line, stop or exception.
     static std::string outcome(const ConfigCheck::Finding& finding);

@@ -14,6 +14,7 @@
 #include "axlsim/DemoConfig.h"
 #include "axlsim/DriverLibrary.h"
 #include "axlsim/JsonRenderer.h"
+#include "axlsim/LoopCheck.h"
 #include "axlsim/ProgressBar.h"
 #include "axlsim/ScenarioPlayer.h"
 #include "axlsim/TextRenderer.h"
@@ -37,6 +38,20 @@ bool colourWanted() {
 std::optional<Config> readConfig(const std::string& file) {
     try {
         return ConfigReader::readFile(file);
+    } catch (const ConfigError& error) {
+        std::cerr << "axlsim: " << error.what() << '\n';
+        return std::nullopt;
+    }
+}
+
+// A configuration to run: readable, and with a plant and host that can work.
+std::optional<Config> runnableConfig(const std::string& file) {
+    auto config = readConfig(file);
+    if (!config)
+        return std::nullopt;
+    try {
+        LoopCheck::requireRunnable(*config);
+        return config;
     } catch (const ConfigError& error) {
         std::cerr << "axlsim: " << error.what() << '\n';
         return std::nullopt;
@@ -104,7 +119,7 @@ int play(const Config& config, const Commands::RunRequest& request) {
 }  // namespace
 
 int Commands::run(const RunRequest& request) {
-    const auto config = readConfig(request.config);
+    const auto config = runnableConfig(request.config);
     if (!config)
         return kCannotRun;
     return play(*config, request);
@@ -115,8 +130,9 @@ int Commands::check(const std::string& file) {
     if (!config)
         return kCannotRun;
     const auto findings = ConfigCheck::check(*config);
-    CheckReport::write(std::cout, *config, findings);
-    return findings.empty() ? 0 : 1;
+    const auto loop = LoopCheck::check(*config);
+    CheckReport::write(std::cout, *config, findings, loop);
+    return findings.empty() && loop.empty() ? 0 : 1;
 }
 
 int Commands::demo(const std::string& driver) {

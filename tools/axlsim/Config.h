@@ -9,12 +9,14 @@
 #include <vector>
 
 #include "Arp/Plc/AnsiC/Domain/PlcOperationHandler.h"
+#include "axlsim/LoopConfig.h"
 #include "vplc/Module.h"
 
 namespace axlsim {
 
-// A configuration as axlsim reads it: the host records of every driver, the bus and the
-// scenario. Texts are kept exactly as written, since the driver gets them as they stand.
+// A configuration as axlsim reads it: the host records of every driver, the bus, the scenario,
+// and the models of the plant and the host that close the loop. Texts are kept exactly as written,
+// since the driver gets them as they stand.
 struct Config {
     struct Service {
         uint32_t eventId = 0;
@@ -66,6 +68,8 @@ struct Config {
     bool severalDrivers = false;  // written as "drivers": every output names the driver
     std::vector<vplc::Module> bus;
     std::vector<Step> scenario;  // in time order
+    std::vector<PlantModel> plant;
+    std::vector<Route> host;
     std::chrono::milliseconds end{0};
     bool expectStop = false;
 };

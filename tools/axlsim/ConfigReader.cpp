@@ -12,11 +12,13 @@
 #include <sstream>
 #include <string_view>
 
+#include "axlsim/ConfigDocument.h"
 #include "axlsim/ConfigError.h"
 #include "axlsim/DriverNumber.h"
 #include "axlsim/EventCatalog.h"
 #include "axlsim/Hex.h"
 #include "axlsim/JsonParser.h"
+#include "axlsim/LoopReader.h"
 #include "axlsim/Milliseconds.h"
 #include "axlsim/PlcOperationName.h"
 #include "axlsim/ValueText.h"
@@ -26,7 +28,6 @@ namespace axlsim {
 
 namespace {
 
-using Json = nlohmann::json;
 using namespace std::chrono_literals;
 
 constexpr auto kDefaultTail = 1000ms;
@@ -39,106 +40,6 @@ std::string tooLarge(std::size_t limit) {
                                                     : std::to_string(limit) + " bytes";
     return "is larger than " + size + ", the most axlsim reads as a configuration";
 }
-
-std::string member(const std::string& path, std::string_view key) {
-    return JsonParser::member(path, key);
-}
-
-std::string element(const std::string& path, std::size_t index) {
-    return JsonParser::element(path, index);
-}
-
-// Reading one file: every failure names the file and the place.
-class Document {
-public:
-    explicit Document(std::string file) : file_(std::move(file)) {}
-
-    [[noreturn]] void fail(const std::string& path, const std::string& reason) const {
-        throw ConfigError(file_, path.empty() ? "/" : path, reason);
-    }
-
-    const Json& object(const Json& node, const std::string& path,
-                       std::initializer_list<std::string_view> keys) const {
-        if (!node.is_object())
-            fail(path, "expected an object");
-        for (const auto& [key, value] : node.items()) {
-            if (std::find(keys.begin(), keys.end(), key) == keys.end())
-                fail(member(path, key),
-                     "unknown key " + inQuotes(key) + " (known here: " + list(keys) + ")");
-        }
-        return node;
-    }
-
-    std::string text(const Json& node, const std::string& path) const {
-        if (!node.is_string()) {
-            fail(path, node.is_number() ? "expected a text; the driver gets texts, write " +
-                                              inQuotes(node.dump())
-                                        : "expected a text");
-        }
-        return node.get<std::string>();
-    }
-
-    bool flag(const Json& node, const std::string& path) const {
-        if (!node.is_boolean())
-            fail(path, "expected true or false");
-        return node.get<bool>();
-    }
-
-    int64_t integer(const Json& node, const std::string& path, int64_t min, int64_t max) const {
-        const std::string range =
-            "expected a whole number from " + std::to_string(min) + " to " + std::to_string(max);
-        if (node.is_number_unsigned()) {
-            const uint64_t value = node.get<uint64_t>();
-            if (value > static_cast<uint64_t>(max) || static_cast<int64_t>(value) < min)
-                fail(path, range);
-            return static_cast<int64_t>(value);
-        }
-        if (!node.is_number_integer())
-            fail(path, range);
-        const int64_t value = node.get<int64_t>();
-        if (value < min || value > max)
-            fail(path, range);
-        return value;
-    }
-
-    std::chrono::milliseconds milliseconds(const Json& node, const std::string& path) const {
-        if (!node.is_number_integer() ||
-            (node.is_number_unsigned()
-                 ? node.get<uint64_t>() > static_cast<uint64_t>(Milliseconds::kLongest)
-                 : node.get<int64_t>() < 0))
-            fail(path, "expected a time in whole milliseconds, " + Milliseconds::range());
-        return std::chrono::milliseconds(node.get<int64_t>());
-    }
-
-    // A key of "mappings" or "services": an unsigned number written as a text.
-    unsigned tableKey(const std::string& key, const std::string& path) const {
-        const bool digits = !key.empty() && std::all_of(key.begin(), key.end(), [](char c) {
-            return c >= '0' && c <= '9';
-        });
-        if (!digits || key.size() > 10 || std::stoull(key) > std::numeric_limits<uint32_t>::max())
-            fail(path, "a key here is an unsigned number from 0 to 4294967295, written as a text");
-        return static_cast<unsigned>(std::stoul(key));
-    }
-
-    std::map<std::string, std::string> texts(const Json& node, const std::string& path) const {
-        if (!node.is_object())
-            fail(path, "expected an object of texts");
-        std::map<std::string, std::string> result;
-        for (const auto& [key, value] : node.items())
-            result[key] = text(value, member(path, key));
-        return result;
-    }
-
-private:
-    static std::string list(std::initializer_list<std::string_view> keys) {
-        std::string text;
-        for (std::string_view key : keys)
-            text += (text.empty() ? "" : ", ") + std::string(key);
-        return text;
-    }
-
-    std::string file_;
-};
 
 Config::Driver readDriver(const Document& doc, const Json* driver, const Json* mappings,
                           const Json* services, const std::string& path) {
@@ -491,7 +392,7 @@ Config ConfigReader::readText(const std::string& text, const std::string& name) 
     const Json root = JsonParser::parse(text, name);
     doc.object(root, "",
                {"description", "driver", "mappings", "services", "drivers", "bus", "scenario",
-                "expect_stop"});
+                "expect_stop", "plant", "host"});
 
     Config config;
     config.file = name;
@@ -500,6 +401,11 @@ Config ConfigReader::readText(const std::string& text, const std::string& name) 
     config.drivers = readDrivers(doc, root);
     config.severalDrivers = root.contains("drivers");
     config.bus = root.contains("bus") ? readBus(doc, root.at("bus")) : defaultBus(config.drivers);
+    if (root.contains("plant"))
+        config.plant = LoopReader::readPlant(doc, root.at("plant"), config.bus);
+    if (root.contains("host"))
+        config.host =
+            LoopReader::readHost(doc, root.at("host"), static_cast<int>(config.drivers.size()));
     if (root.contains("expect_stop"))
         config.expectStop = doc.flag(root.at("expect_stop"), "/expect_stop");
 

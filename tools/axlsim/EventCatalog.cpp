@@ -20,6 +20,21 @@ bool EventCatalog::feedsAnalogOutput(int driver, uint32_t id) const {
     });
 }
 
+EventCatalog::Receiver EventCatalog::receiverOf(int driver, uint32_t id) const {
+    if (feedsAnalogOutput(driver, id))
+        return Receiver::Analog;
+    Receiver receiver = Receiver::None;
+    for (const auto& [key, service] : drivers_->at(static_cast<std::size_t>(driver)).services) {
+        if (service.eventId != id)
+            continue;
+        if (service.type == "DigitalOut")
+            return Receiver::Digital;
+        if (service.type == "RestartDevice")
+            receiver = Receiver::Restart;
+    }
+    return receiver;
+}
+
 const Config::Service* EventCatalog::inputService(int driver, uint32_t id) const {
     for (const auto& [key, service] : drivers_->at(static_cast<std::size_t>(driver)).services) {
         if (service.eventId == id && (service.type == "DigitalIn" || service.type == "AnalogIn"))

@@ -29,12 +29,23 @@ public:
         std::string serviceName;
     };
 
+    // The kind of service that receives an event id in a driver.
+    enum class Receiver {
+        None,     // no output or restart service: the driver stops on it
+        Digital,  // a "DigitalOut" service: one byte
+        Analog,   // an "AnalogOut" service: a native float
+        Restart,  // a "RestartDevice" service
+    };
+
     using Value = std::variant<uint8_t, float>;
 
     explicit EventCatalog(const std::vector<Config::Driver>& drivers);
 
     // True when the id drives an "AnalogOut" service of the driver: its events carry a float.
     bool feedsAnalogOutput(int driver, uint32_t id) const;
+
+    // An id of several services is taken as analog first, as the scenario's events are.
+    Receiver receiverOf(int driver, uint32_t id) const;
 
     // The value of a published payload: the first byte for the id of a "DigitalIn" service, the
     // float for an "AnalogIn" service when the payload has four bytes or more.

@@ -7,6 +7,8 @@
 #include <variant>
 #include <vector>
 
+#include "axlsim/Pin.h"
+
 namespace axlsim {
 
 // One thing that happened during a run, at a time on the run's clock.
@@ -71,8 +73,27 @@ struct Happening {
         std::string text;
     };
 
-    using What =
-        std::variant<Log, Publish, Stop, BusWrite, Restart, Exception, Input, Event, Plc, Note>;
+    // Plant: a model moved an input (digital 0 or 1, analog the raw word).
+    struct PlantMove {
+        std::string model;  // "wire", "link" or "signal"
+        Pin to;
+        uint16_t value = 0;
+        std::optional<Pin> from;  // the output a wire or link follows
+        std::string shape;        // a signal's shape
+        // An analog move is worth a line only when a publication of the channel follows it;
+        // every move is in the VCD.
+        bool shown = true;
+    };
+
+    // Host: a route turned a publication into the event that follows it on the timeline.
+    struct Routed {
+        uint32_t from = 0;
+        uint32_t to = 0;
+        std::vector<uint8_t> bytes;
+    };
+
+    using What = std::variant<Log, Publish, Stop, BusWrite, Restart, Exception, Input, Event, Plc,
+                              Note, PlantMove, Routed>;
 
     std::chrono::nanoseconds t{0};
     int driver = -1;  // the index of the driver concerned; -1 for none

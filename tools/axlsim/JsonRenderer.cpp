@@ -38,6 +38,7 @@ void JsonRenderer::happening(const Happening& happening) {
         if (config_.severalDrivers)
             line["driver"] = happening.driver < 0 ? Json(nullptr) : Json(happening.driver);
     };
+    bool shown = true;
     std::visit(Overloaded{
                    [&](const Happening::Log& log) {
                        kind("log");
@@ -105,9 +106,26 @@ void JsonRenderer::happening(const Happening& happening) {
                            line["driver"] = happening.driver;
                        line["text"] = note.text;
                    },
+                   [&](const Happening::PlantMove& move) {
+                       shown = move.shown;
+                       kind("plant");
+                       line["model"] = move.model;
+                       line["to"] = move.to.name();
+                       line[move.to.digital() ? "value" : "raw"] = move.value;
+                       if (move.from)
+                           line["from"] = move.from->name();
+                   },
+                   [&](const Happening::Routed& routed) {
+                       kind("route");
+                       line["from"] = routed.from;
+                       line["to"] = routed.to;
+                       line["driver"] = happening.driver;
+                       line["bytes"] = toHex(routed.bytes);
+                   },
                },
                happening.what);
-    out_ << line.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+    if (shown)
+        out_ << line.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
 void JsonRenderer::finish(const RunResult& result) {

@@ -19,6 +19,11 @@ public:
     // Lets time pass up to `t`. On return the driver threads are quiet, and those due exactly at
     // `t` have not woken yet: what the host does at `t` comes first.
     virtual void advanceTo(std::chrono::nanoseconds t) = 0;
+
+    // Lets time pass up to the next moment at which a driver thread wakes, if that comes before
+    // `t`, and returns it once the threads woken then are quiet; otherwise as advanceTo(t), and
+    // returns t.
+    virtual std::chrono::nanoseconds runNext(std::chrono::nanoseconds t) = 0;
 };
 
 }  // namespace axlsim

@@ -5,7 +5,9 @@
 #include <vector>
 
 #include "axlsim/BusWatch.h"
+#include "axlsim/HostRoutes.h"
 #include "axlsim/HostedDriver.h"
+#include "axlsim/PlantModels.h"
 #include "axlsim/TimelineObserver.h"
 #include "axlsim/VirtualRunClock.h"
 #include "axlsim/WallRunClock.h"
@@ -67,7 +69,9 @@ public:
           timeline_([this] { return clock_->now(); }),
           observer_(timeline_),
           bus_(plant_, timeline_),
-          restarts_(timeline_, observer_) {
+          restarts_(timeline_, observer_),
+          plantModels_(config, plant_, timeline_),
+          routes_(config) {
         if (options.realTime && options.live)
             timeline_.setListener(options.live);
         for (std::size_t i = 0; i < config.drivers.size(); ++i) {
@@ -79,20 +83,22 @@ public:
     RunResult play() {
         const std::chrono::nanoseconds end = options_.until.value_or(config_.end);
         clock_->holdDrivers();
+        plantModels_.start();
+        timeline_.nextSegment();
         for (auto& driver : drivers_) {
-            if (driver->create())
+            if (driver->create()) {
                 driver->initialize();
+                outputsCopied();
+            }
         }
         timeline_.nextSegment();
 
-        for (const Config::Step& step : config_.scenario) {
-            if (step.at > end)
+        for (;;) {
+            performDue();
+            if (clock_->now() >= end)
                 break;
-            advanceTo(step.at, end);
-            perform(step);
-            timeline_.nextSegment();
+            advanceTo(std::min(nextAction().value_or(end), end), end);
         }
-        advanceTo(end, end);
         if (!released_)
             clock_->releaseDrivers();
 
@@ -103,6 +109,7 @@ public:
         }
         result.end = end;
         result.timeline = timeline_.ordered();
+        PlantModels::markShownMoves(config_, result.timeline);
         result.busOutputs = bus_.busOutputs();
         result.gdsOutputs = bus_.gdsOutputs();
         summarise(result);
@@ -112,16 +119,32 @@ public:
 private:
     // The driver threads are held at their first scan until time first passes, so that the
     // steps at 0 ms come before the drivers' first publications, like the steps at any other
-    // time come before the drivers that wake then.
+    // time come before the drivers that wake then. With routes, time passes one instant at a
+    // time, so that the host answers each publication before the next scan of any driver.
     void advanceTo(std::chrono::nanoseconds t, std::chrono::nanoseconds end) {
         if (t <= clock_->now())
             return;
+        timeline_.nextSegment();
         if (!released_) {
             clock_->releaseDrivers();
             released_ = true;
+            if (!routes_.empty()) {
+                timeline_.nextSegment();
+                routePublications();
+                return;
+            }
         }
-        timeline_.nextSegment();
-        advanceClockTo(t, end);
+        if (routes_.empty()) {
+            advanceClockTo(t, end);
+        } else {
+            const std::chrono::nanoseconds reached = clock_->runNext(t);
+            timeline_.nextSegment();
+            routePublications();
+            if (options_.progress && !options_.realTime && reached / kProgressStep != reported_) {
+                reported_ = reached / kProgressStep;
+                options_.progress(reached, end);
+            }
+        }
         timeline_.nextSegment();
     }
 
@@ -136,6 +159,65 @@ private:
         }
     }
 
+    std::optional<std::chrono::nanoseconds> nextAction() const {
+        std::optional<std::chrono::nanoseconds> next;
+        auto consider = [&next](std::optional<std::chrono::nanoseconds> t) {
+            if (t && (!next || *t < *next))
+                next = t;
+        };
+        if (nextStep_ < config_.scenario.size())
+            consider(config_.scenario[nextStep_].at);
+        consider(plantModels_.nextChange());
+        consider(routes_.nextDelivery());
+        return next;
+    }
+
+    // What is due now, in this order: the plant's digital changes, the host's deliveries, the
+    // scenario's steps; again until nothing is left, since each may make more due.
+    void performDue() {
+        for (bool acted = true; acted;) {
+            acted = false;
+            const std::chrono::nanoseconds now = clock_->now();
+            if (const auto change = plantModels_.nextChange(); change && *change <= now) {
+                plantModels_.actUntil(now);
+                timeline_.nextSegment();
+                acted = true;
+            }
+            for (const HostRoutes::Delivery& delivery : routes_.takeDue(now)) {
+                const Route& route = config_.host[delivery.route];
+                timeline_.add(delivery.event.driver,
+                              Happening::Routed{route.from, route.to, *delivery.event.payload});
+                sendEvent(delivery.event);
+                acted = true;
+            }
+            while (nextStep_ < config_.scenario.size() && config_.scenario[nextStep_].at <= now) {
+                perform(config_.scenario[nextStep_++]);
+                timeline_.nextSegment();
+                acted = true;
+            }
+        }
+    }
+
+    void routePublications() {
+        for (const Happening& happening : timeline_.since(routed_)) {
+            if (const auto* publish = std::get_if<Happening::Publish>(&happening.what);
+                publish != nullptr && happening.driver >= 0)
+                routes_.published(happening.driver, publish->id, publish->bytes, happening.t);
+        }
+    }
+
+    void outputsCopied() {
+        timeline_.nextSegment();
+        plantModels_.outputsCopied(clock_->now());
+        timeline_.nextSegment();
+    }
+
+    void sendEvent(const Config::Event& event) {
+        timeline_.add(event.driver, Happening::Event{event.id, event.size, event.payload});
+        drivers_[static_cast<std::size_t>(event.driver)]->deliver(event);
+        outputsCopied();
+    }
+
     void perform(const Config::Step& step) {
         if (!step.note.empty())
             timeline_.add(-1, Happening::Note{step.note});
@@ -146,8 +228,7 @@ private:
             else
                 plant_.setAnalogInput(input->position, input->pin, input->value);
         } else if (const auto* event = std::get_if<Config::Event>(&step.action)) {
-            timeline_.add(event->driver, Happening::Event{event->id, event->size, event->payload});
-            drivers_[static_cast<std::size_t>(event->driver)]->deliver(*event);
+            sendEvent(*event);
         } else if (const auto* plc = std::get_if<Config::Plc>(&step.action)) {
             timeline_.add(-1, Happening::Plc{static_cast<int>(plc->operation)});
             vplc::Runtime::deliver(plc->operation);
@@ -182,8 +263,13 @@ private:
     TimelineObserver observer_;
     BusWatch bus_;
     RestartHook restarts_;
+    PlantModels plantModels_;
+    HostRoutes routes_;
     std::vector<std::unique_ptr<HostedDriver>> drivers_;
     bool released_ = false;
+    std::size_t nextStep_ = 0;
+    std::size_t routed_ = 0;  // the timeline's happenings routed so far
+    int64_t reported_ = 0;    // the last whole step of progress reported
 };
 
 }  // namespace

@@ -152,6 +152,14 @@ std::string TextRenderer::describe(const Happening::Input& input) const {
            analogValue(input.value);
 }
 
+std::string TextRenderer::describe(const Happening::PlantMove& move) const {
+    const std::string value =
+        move.to.digital() ? std::to_string(move.value) : analogValue(move.value);
+    const std::string cause =
+        move.from ? move.model + " from " + move.from->name() : move.shape + " " + move.model;
+    return move.to.name() + " -> " + value + " (" + cause + ")";
+}
+
 std::string TextRenderer::moduleOutputs(int position, const std::vector<uint8_t>& data) const {
     const std::string module = "module " + std::to_string(position);
     if (config_.bus[static_cast<std::size_t>(position - 1)] == vplc::Module::DI8_DO8) {
@@ -215,6 +223,15 @@ void TextRenderer::happening(const Happening& happening) {
                          " (" + std::to_string(plc.operation) + ")");
             },
             [&](const Happening::Note& note) { line(happening, "#", Tone::Quiet, note.text); },
+            [&](const Happening::PlantMove& move) {
+                if (move.shown)
+                    line(happening, "plant", Tone::Step, describe(move));
+            },
+            [&](const Happening::Routed& routed) {
+                line(happening, "host", Tone::Step,
+                     "route " + std::to_string(routed.from) + " -> " + std::to_string(routed.to) +
+                         ": " + toHex(routed.bytes));
+            },
         },
         happening.what);
 }

@@ -46,6 +46,23 @@ std::vector<Happening> Timeline::ordered() const {
     return happenings;
 }
 
+std::vector<Happening> Timeline::since(std::size_t& cursor) const {
+    std::vector<Happening> happenings;
+    {
+        std::lock_guard lock(mutex_);
+        for (std::size_t i = cursor; i < entries_.size(); ++i)
+            happenings.push_back(entries_[i].happening);
+        cursor = entries_.size();
+    }
+    std::stable_sort(happenings.begin(), happenings.end(),
+                     [](const Happening& a, const Happening& b) {
+                         if (a.t != b.t)
+                             return a.t < b.t;
+                         return a.driver < b.driver;
+                     });
+    return happenings;
+}
+
 std::chrono::nanoseconds Timeline::now() const {
     return clock_();
 }

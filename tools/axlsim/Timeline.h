@@ -33,6 +33,10 @@ public:
     void setListener(Listener listener);
 
     std::vector<Happening> ordered() const;
+
+    // What was added after the first `cursor` happenings, by time and then by driver; moves the
+    // cursor past it.
+    std::vector<Happening> since(std::size_t& cursor) const;
     std::chrono::nanoseconds now() const;
 
 private:

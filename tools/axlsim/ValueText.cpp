@@ -16,6 +16,12 @@ std::string floatText(float value) {
     return std::string(text, result.ptr);
 }
 
+std::string numberText(double value) {
+    char text[64];
+    const auto result = std::to_chars(text, text + sizeof text, value);
+    return std::string(text, result.ptr);
+}
+
 double floatForJson(float value) {
     return std::strtod(floatText(value).c_str(), nullptr);
 }

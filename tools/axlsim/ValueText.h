@@ -13,6 +13,9 @@ std::string inQuotes(std::string_view text);
 // The shortest decimal text that reads back as exactly this float ("4.125", "0.1").
 std::string floatText(float value);
 
+// The shortest decimal text that reads back as exactly this double ("21.845", "0").
+std::string numberText(double value);
+
 // The double that this float's shortest text names, so that a JSON writer, which writes doubles,
 // shows the float's own digits instead of those of its exact binary value.
 double floatForJson(float value);

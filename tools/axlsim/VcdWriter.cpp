@@ -230,6 +230,15 @@ private:
                                set(key(input.position, "ai" + std::to_string(input.pin)),
                                    "b" + binary(input.value, kWordBits));
                        },
+                       [&](const Happening::PlantMove& move) {
+                           stamp(happening.t);
+                           const std::string pin = std::to_string(move.to.index);
+                           if (move.to.digital())
+                               set(key(move.to.position, "in" + pin), move.value != 0 ? "1" : "0");
+                           else
+                               set(key(move.to.position, "ai" + pin),
+                                   "b" + binary(move.value, kWordBits));
+                       },
                        [&](const Happening::BusWrite& write) {
                            stamp(happening.t);
                            for (std::size_t i = 0; i < write.outputs.size(); ++i)

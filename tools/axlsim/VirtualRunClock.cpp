@@ -18,4 +18,8 @@ void VirtualRunClock::advanceTo(std::chrono::nanoseconds t) {
     clock_.runUntil(t);
 }
 
+std::chrono::nanoseconds VirtualRunClock::runNext(std::chrono::nanoseconds t) {
+    return clock_.runNext(t);
+}
+
 }  // namespace axlsim

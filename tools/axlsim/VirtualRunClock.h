@@ -13,6 +13,7 @@ public:
     void holdDrivers() override;
     void releaseDrivers() override;
     void advanceTo(std::chrono::nanoseconds t) override;
+    std::chrono::nanoseconds runNext(std::chrono::nanoseconds t) override;
 
 private:
     vplc::VirtualClock clock_;

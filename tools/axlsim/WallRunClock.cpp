@@ -1,5 +1,6 @@
 #include "axlsim/WallRunClock.h"
 
+#include <algorithm>
 #include <thread>
 
 namespace axlsim {
@@ -12,6 +13,13 @@ std::chrono::nanoseconds WallRunClock::now() const {
 
 void WallRunClock::advanceTo(std::chrono::nanoseconds t) {
     std::this_thread::sleep_until(start_ + t);
+}
+
+std::chrono::nanoseconds WallRunClock::runNext(std::chrono::nanoseconds t) {
+    using namespace std::chrono_literals;
+    std::this_thread::sleep_until(start_ + std::min(t, now() + 1ms));
+    const std::chrono::nanoseconds reached = now();
+    return reached >= t ? t : reached;
 }
 
 }  // namespace axlsim

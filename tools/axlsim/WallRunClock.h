@@ -16,6 +16,8 @@ public:
     void holdDrivers() override {}
     void releaseDrivers() override {}
     void advanceTo(std::chrono::nanoseconds t) override;
+    // The wall clock cannot tell when a thread wakes: it looks again every millisecond.
+    std::chrono::nanoseconds runNext(std::chrono::nanoseconds t) override;
 
 private:
     std::chrono::steady_clock::time_point start_;

@@ -1,5 +1,6 @@
 #include "vplc/AnsiCInterface.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -234,6 +235,14 @@ bool endWrite(TGdsBuffer* pBuffer) {
 bool readFromAxioToGds(unsigned long) {
     if (auto* clock = dynamic_cast<VirtualClock*>(orbel::pauseClock()))
         clock->atScanStart();
+    const std::function<void()>* hook = nullptr;
+    {
+        auto lock = Controller::instance().lock();
+        if (Bus* bus = Controller::instance().bus())
+            hook = &bus->inputCopyHook();
+    }
+    if (hook != nullptr && *hook)
+        (*hook)();
     return busCycle("ArpPlcAxio_ReadFromAxioToGds", Frame::In, Access::Write,
                     &Bus::copyInputsToGds);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -39,6 +40,10 @@ public:
     void copyInputsToGds();
     void copyGdsToOutputs();
 
+    // Set before any driver runs and only read afterwards, so it is called without the lock.
+    const std::function<void()>& inputCopyHook() const { return inputCopyHook_; }
+    void setInputCopyHook(std::function<void()> hook) { inputCopyHook_ = std::move(hook); }
+
     Counters& counters() { return counters_; }
     const Counters& counters() const { return counters_; }
     int openLocks() const;
@@ -52,6 +57,7 @@ private:
     std::shared_ptr<GdsFrame> in_;
     std::shared_ptr<GdsFrame> out_;
     Counters counters_;
+    std::function<void()> inputCopyHook_;
 };
 
 }  // namespace vplc

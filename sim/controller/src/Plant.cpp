@@ -113,6 +113,16 @@ std::vector<uint8_t> Plant::outputsOnBus(int position) const {
     return bus_->module(position).outputs();
 }
 
+std::vector<uint8_t> Plant::inputsOnBus(int position) const {
+    auto lock = Controller::instance().lock();
+    return bus_->module(position).inputs();
+}
+
+void Plant::onInputCopy(std::function<void()> hook) {
+    auto lock = Controller::instance().lock();
+    bus_->setInputCopyHook(std::move(hook));
+}
+
 std::vector<uint8_t> Plant::frameBytes(Frame frame) const {
     return withFrame(*bus_, frame, Access::Read,
                      [](GdsFrame& data) { return bytesOf(data, 0, data.size()); });

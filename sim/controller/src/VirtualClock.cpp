@@ -43,24 +43,38 @@ void VirtualClock::runUntil(Duration t) {
     if (t < now_)
         throw std::invalid_argument("A virtual clock cannot run back in time");
     settle(lock);
-    for (;;) {
-        auto earliest = std::min_element(
-            sleepers_.begin(), sleepers_.end(),
-            [](const Sleeper* a, const Sleeper* b) { return a->wakeAt < b->wakeAt; });
-        if (earliest == sleepers_.end() || (*earliest)->wakeAt >= t)
-            break;
-        now_ = (*earliest)->wakeAt;
-        std::erase_if(sleepers_, [this](Sleeper* sleeper) {
-            if (sleeper->wakeAt != now_)
-                return false;
-            sleeper->woken = true;
-            ++running_;
-            sleeper->wake.notify_one();
-            return true;
-        });
-        settle(lock);
+    while (runEarliestBefore(t, lock)) {
     }
     now_ = t;
+}
+
+VirtualClock::Duration VirtualClock::runNext(Duration t) {
+    std::unique_lock lock(mutex_);
+    if (t < now_)
+        throw std::invalid_argument("A virtual clock cannot run back in time");
+    settle(lock);
+    if (!runEarliestBefore(t, lock))
+        now_ = t;
+    return now_;
+}
+
+bool VirtualClock::runEarliestBefore(Duration t, std::unique_lock<std::mutex>& lock) {
+    const auto earliest =
+        std::min_element(sleepers_.begin(), sleepers_.end(),
+                         [](const Sleeper* a, const Sleeper* b) { return a->wakeAt < b->wakeAt; });
+    if (earliest == sleepers_.end() || (*earliest)->wakeAt >= t)
+        return false;
+    now_ = (*earliest)->wakeAt;
+    std::erase_if(sleepers_, [this](Sleeper* sleeper) {
+        if (sleeper->wakeAt != now_)
+            return false;
+        sleeper->woken = true;
+        ++running_;
+        sleeper->wake.notify_one();
+        return true;
+    });
+    settle(lock);
+    return true;
 }
 
 void VirtualClock::runFor(Duration d) {

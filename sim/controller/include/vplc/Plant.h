@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <optional>
@@ -60,6 +61,13 @@ public:
     uint8_t digitalOutputsOnBus(int position) const;
     uint16_t analogOutputOnBus(int position, int channel) const;
     std::vector<uint8_t> outputsOnBus(int position) const;  // the module's output process data
+    std::vector<uint8_t> inputsOnBus(int position) const;   // the module's input process data
+
+    // Called at every ArpPlcAxio_ReadFromAxioToGds, on the calling thread, after the scan gate
+    // and before the copy, with no lock of the controller held: a model of the wiring sets there
+    // the inputs that depend on the moment of the copy. Set it before any driver runs; an empty
+    // function removes it.
+    void onInputCopy(std::function<void()> hook);
 
     // --- The GDS: the frames as the driver sees them. These take the frame's lock like any
     // reader or writer, so they wait while another thread holds it; on a thread that holds a lock

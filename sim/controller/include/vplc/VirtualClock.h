@@ -58,6 +58,12 @@ public:
     void runUntil(Duration t);
     void runFor(Duration d);
 
+    // One step of runUntil(t): when a thread is due strictly before t, sets the time to the
+    // earliest such wake time, wakes the threads due then, settles and returns that time;
+    // otherwise sets the time to t and returns t. A host that must answer what the threads did
+    // at each instant (before the next one) runs the clock this way.
+    Duration runNext(Duration t);
+
     // Every pause so far, in the order the threads began them.
     std::vector<Pause> pauses() const;
 
@@ -97,6 +103,8 @@ private:
     };
 
     void settle(std::unique_lock<std::mutex>& lock);
+    // Runs the threads due at the earliest wake time before t; false when none is due.
+    bool runEarliestBefore(Duration t, std::unique_lock<std::mutex>& lock);
     int releaseHeld();
     // A thread stops running (paused, held or ended); the caller holds the lock.
     void stoppedRunning();

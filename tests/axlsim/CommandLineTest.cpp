@@ -154,13 +154,40 @@ TEST(CommandLine, CheckExitsWith2ForAConfigurationItCannotRead) {
     EXPECT_THAT(run.err, HasSubstr("line 1, column"));
 }
 
-TEST(CommandLine, DemoRunsTheBundledExampleWithExplanations) {
+TEST(CommandLine, DemoRunsTheClosedLoopWithExplanations) {
     const auto run = runProgram({"demo"});
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("axlsim plays the host runtime"));
-    EXPECT_THAT(run.out, HasSubstr("examples/feedback_loop.json"));
-    EXPECT_THAT(run.out, HasSubstr("the button is pressed"));
+    EXPECT_THAT(run.out, HasSubstr("examples/closed_loop.json"));
+    EXPECT_THAT(run.out, HasSubstr("plant     1.DI0 -> 1 (square signal)"));
+    EXPECT_THAT(run.out, HasSubstr("host      route 100 -> 200: 01"));
+    EXPECT_THAT(run.out, HasSubstr("plant     1.DI1 -> 1 (wire from 1.DO0)"));
     EXPECT_THAT(run.out, HasSubstr("module 1 DO 00100001 (on: 0 5)"));
+}
+
+TEST(CommandLine, RunExitsWith2ForAPlantOrHostItCannotRunAndNamesThePointer) {
+    const auto config = writeConfig(
+        "two_models.json",
+        digitalConfig(
+            R"([ { "at_ms": 100, "end": true } ])",
+            R"(, "plant": [ { "signal": { "to": "1.DI1", "shape": "square", "period_ms": 10 } },
+                                      { "wire": { "from": "1.DO0", "to": "1.DI1" } } ])"));
+    const auto run = runProgram({"run", config});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr("two_models.json: /plant/1: \"1.DI1\" is driven by /plant/0"));
+    const auto check = runProgram({"check", config});
+    EXPECT_EQ(check.status, 1);
+    EXPECT_THAT(check.out, HasSubstr("plant and host"));
+}
+
+TEST(CommandLine, RunExitsWith2ForAnUnknownPinAndNamesThePointer) {
+    const auto config = writeConfig(
+        "unknown_pin.json",
+        digitalConfig(R"([ { "at_ms": 100, "end": true } ])",
+                      R"(, "plant": [ { "wire": { "from": "1.DO0", "to": "1.AI0" } } ])"));
+    const auto run = runProgram({"run", config});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr("unknown_pin.json: /plant/0/wire/to: \"1.AI0\" is no pin"));
 }
 
 TEST(CommandLine, EveryCommandHasHelp) {

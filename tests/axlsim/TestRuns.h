@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "axlsim/Config.h"
 #include "axlsim/DriverLibrary.h"
@@ -28,6 +30,24 @@ struct Failure {
     std::string logBefore;  // the driver's last log line before a stop, if any
 };
 std::optional<Failure> firstFailure(const axlsim::RunResult& result, int driver);
+
+// Every happening of one kind in a run, in the order of the timeline.
+template <class Kind>
+struct Found {
+    std::chrono::nanoseconds t;
+    int driver;
+    Kind what;
+};
+
+template <class Kind>
+std::vector<Found<Kind>> happeningsOf(const axlsim::RunResult& run) {
+    std::vector<Found<Kind>> found;
+    for (const axlsim::Happening& happening : run.timeline) {
+        if (const auto* what = std::get_if<Kind>(&happening.what))
+            found.push_back({happening.t, happening.driver, *what});
+    }
+    return found;
+}
 
 // The JSON timeline of a run.
 std::string jsonTimeline(const axlsim::Config& config, const axlsim::RunResult& result);

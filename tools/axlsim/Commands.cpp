@@ -143,10 +143,11 @@ int Commands::demo(const std::string& driver) {
            "axlsim plays the host runtime: it loads the real driver library, hands it a\n"
            "configuration (its parameters, the event-id mappings and the services), and runs it\n"
            "on the virtual controller, an Axioline bus with its GDS frames, on a virtual clock.\n"
-           "The scenario below plays the wiring: what the driver writes to output 0 comes back\n"
-           "on input 1 a few milliseconds later. Watch the driver publish every input once at\n"
-           "start, scan every 100 ms, publish only what changed, and write its outputs to the\n"
-           "bus for each event the host sends it.\n\n";
+           "The loop below is closed: a square signal presses the button on input 0, the host's\n"
+           "route switches the lamp on output 0 from each button event it sees, and a wire\n"
+           "brings the lamp's contact back on input 1 5 ms after output 0 changes. Watch the\n"
+           "driver publish every input once at start, scan every 100 ms, publish only what\n"
+           "changed, and write its outputs to the bus for each event the host sends it.\n\n";
     Commands::RunRequest request;
     request.driver = driver;
     const int status = play(config, request);

@@ -1,0 +1,119 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "TestRuns.h"
+#include "axlsim/CheckReport.h"
+#include "axlsim/ConfigError.h"
+#include "axlsim/LoopCheck.h"
+
+namespace {
+
+using axlsim::Config;
+using axlsim::LoopCheck;
+using axlsimtest::configFrom;
+using ::testing::HasSubstr;
+
+// One digital driver at position 1 (input 0 publishes 100, output 0 takes 200, 400 restarts)
+// and one analog driver at position 2 (channel 0 publishes 300, output 0 takes 310).
+Config loop(const std::string& sections) {
+    return configFrom(R"({ "drivers": [
+        { "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+          "mappings": { "100": { "size": 1 }, "200": { "size": 1 }, "400": { "size": 1 } },
+          "services": { "1": { "eventId": 100, "type": "DigitalIn", "params": { "PinNum": "0" } },
+                        "2": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } },
+                        "3": { "eventId": 400, "type": "RestartDevice" } } },
+        { "driver": { "deviceType": "AXL_F_AI2_AO2", "params": { "Consecutive Number": "2" } },
+          "mappings": { "300": { "size": 4 }, "310": { "size": 4 } },
+          "services": { "1": { "eventId": 300, "type": "AnalogIn", "params": { "PinNum": "0" } },
+                        "2": { "eventId": 310, "type": "AnalogOut", "params": { "PinNum": "0", "InitVal": "0" } } } } ],
+      "bus": [ "AXL_F_DI8_1_DO8_1", "AXL_F_AI2_AO2" ], )" +
+                      sections + "}");
+}
+
+std::vector<LoopCheck::Finding> findingsOf(const std::string& sections) {
+    return LoopCheck::check(loop(sections));
+}
+
+TEST(LoopCheck, FindsNothingWhenEveryModelAndRouteFits) {
+    EXPECT_TRUE(findingsOf(R"("plant": [ { "wire": { "from": "1.DO0", "to": "1.DI1" } },
+                                         { "link": { "from": "2.AO0", "to": "2.AI0" } },
+                                         { "signal": { "to": "2.AI1", "shape": "sine", "period_ms": 10 } } ],
+                              "host": [ { "route": { "from": 100, "to": 200, "map": "invert" } },
+                                        { "route": { "from": 100, "to": 310, "to_driver": 1 } },
+                                        { "route": { "from": 300, "from_driver": 1, "to": 200, "map": "below", "threshold": 1 } },
+                                        { "route": { "from": 300, "from_driver": 1, "to": 310, "to_driver": 1, "map": "scale" } },
+                                        { "route": { "from": 300, "from_driver": 1, "to": 400 } } ])")
+                    .empty());
+}
+
+TEST(LoopCheck, TwoModelsOnOneInputAreRefused) {
+    const auto findings = findingsOf(R"("plant": [ { "wire": { "from": "1.DO0", "to": "1.DI1" } },
+                                 { "signal": { "to": "1.DI2", "shape": "square", "period_ms": 10 } },
+                                 { "signal": { "to": "1.DI1", "shape": "square", "period_ms": 10 } } ])");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].path, "/plant/2");
+    EXPECT_TRUE(findings[0].refusesRun);
+    EXPECT_THAT(findings[0].problem, HasSubstr("\"1.DI1\" is driven by /plant/0 as well"));
+}
+
+TEST(LoopCheck, ARouteWhoseMapDoesNotFitItsIdsIsRefused) {
+    const auto findings = findingsOf(R"("host": [
+        { "route": { "from": 300, "from_driver": 1, "to": 200 } },
+        { "route": { "from": 300, "from_driver": 1, "to": 200, "map": "invert" } },
+        { "route": { "from": 100, "to": 310, "to_driver": 1, "map": "above", "threshold": 0.5 } },
+        { "route": { "from": 100, "to": 200, "map": "scale" } } ])");
+    ASSERT_EQ(findings.size(), 4U);
+    for (std::size_t i = 0; i < findings.size(); ++i) {
+        EXPECT_EQ(findings[i].path, "/host/" + std::to_string(i));
+        EXPECT_TRUE(findings[i].refusesRun);
+    }
+    EXPECT_THAT(findings[0].problem,
+                HasSubstr("\"copy\" cannot turn the float of an \"AnalogIn\" service (event 300) "
+                          "into the byte of a \"DigitalOut\" service (event 200)"));
+    EXPECT_THAT(findings[0].fix, HasSubstr("\"above\" or \"below\""));
+}
+
+TEST(LoopCheck, ARouteFromAnIdThatNothingPublishesIsReported) {
+    const auto findings = findingsOf(R"("host": [ { "route": { "from": 200, "to": 200 } } ])");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_FALSE(findings[0].refusesRun);
+    EXPECT_EQ(findings[0].problem, "no input service of driver 0 publishes event 200");
+    EXPECT_EQ(findings[0].consequence, "the route never fires");
+}
+
+TEST(LoopCheck, ARouteToAnIdThatNoOutputOrRestartServiceHasIsReportedWithTheDriversStop) {
+    const auto findings =
+        findingsOf(R"("host": [ { "route": { "from": 100, "to": 200, "to_driver": 1 } } ])");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_FALSE(findings[0].refusesRun);
+    EXPECT_THAT(findings[0].consequence,
+                HasSubstr("driver 1 stops with \"Unsubscribed event received\""));
+}
+
+TEST(LoopCheck, RunRefusesTheFirstRefusedFindingAtItsPointer) {
+    const Config config = loop(R"("host": [ { "route": { "from": 100, "to": 999 } },
+                                            { "route": { "from": 300, "from_driver": 1, "to": 200 } } ])");
+    try {
+        LoopCheck::requireRunnable(config);
+        FAIL() << "no error";
+    } catch (const axlsim::ConfigError& error) {
+        EXPECT_EQ(error.place(), "/host/1");
+    }
+    EXPECT_NO_THROW(
+        LoopCheck::requireRunnable(loop(R"("host": [ { "route": { "from": 100, "to": 999 } } ])")));
+}
+
+TEST(LoopCheck, TheCheckReportListsThePlantAndHostFindingsUnderTheirOwnTitle) {
+    const Config config = loop(R"("host": [ { "route": { "from": 200, "to": 200 } } ])");
+    std::ostringstream out;
+    axlsim::CheckReport::write(out, config, {}, LoopCheck::check(config));
+    EXPECT_THAT(out.str(), HasSubstr("1 problem\n"));
+    EXPECT_THAT(out.str(),
+                HasSubstr("plant and host\n  /host/0 (route 200 -> 200)\n"
+                          "    problem: no input service of driver 0 publishes event 200\n"
+                          "    effect:  the route never fires\n"));
+}
+
+}  // namespace

@@ -20,6 +20,10 @@
 #include "axlsim/TextRenderer.h"
 #include "axlsim/VcdWriter.h"
 
+#if AXLSIM_SERVE
+#include "axlsim/serve/HtmlReport.h"
+#endif
+
 namespace axlsim {
 
 namespace {
@@ -113,6 +117,16 @@ int play(const Config& config, const Commands::RunRequest& request) {
             return kCannotRun;
         }
     }
+#if AXLSIM_SERVE
+    if (!request.html.empty()) {
+        std::ofstream html(request.html);
+        HtmlReport::write(html, config, result);
+        if (!html) {
+            std::cerr << "axlsim: cannot write " << request.html << '\n';
+            return kCannotRun;
+        }
+    }
+#endif
     return result.exitStatus();
 }
 
@@ -124,6 +138,18 @@ int Commands::run(const RunRequest& request) {
         return kCannotRun;
     return play(*config, request);
 }
+
+#if AXLSIM_SERVE
+int Commands::serve(const ServeCommand::Request& request) {
+    const auto config = runnableConfig(request.config);
+    if (!config)
+        return kCannotRun;
+    const auto library = loadDriver(request.driver);
+    if (library == nullptr)
+        return kCannotRun;
+    return ServeCommand::serve(*config, *library, request);
+}
+#endif
 
 int Commands::check(const std::string& file) {
     const auto config = readConfig(file);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <istream>
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "axlsim/Config.h"
@@ -19,6 +20,15 @@ public:
     static Config readStream(std::istream& in, const std::string& name,
                              std::size_t limit = kMaxBytes);
     static Config readText(const std::string& text, const std::string& name);
+
+    // One action read exactly as a scenario step's: a mistake is the same ConfigError, its place a
+    // JSON pointer into `node` and its file `name`. For what is asked while a run goes on.
+    static Config::Input inputStep(const nlohmann::json& node, const Config& config,
+                                   const std::string& name);
+    static Config::Event eventStep(const nlohmann::json& node, const Config& config,
+                                   const std::string& name);
+    // {"operation": a name or number}
+    static Config::Plc plcStep(const nlohmann::json& node, const std::string& name);
 
     // Axioline F allows at most this many modules on a local bus.
     static constexpr int kMaxBusModules = 63;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
 
 #include "axlsim/Config.h"
@@ -17,6 +19,9 @@ public:
 
     void happening(const Happening& happening) override;
     void finish(const RunResult& result) override;
+
+    // The object of one happening's line; none for a happening the timeline does not show.
+    std::optional<nlohmann::ordered_json> line(const Happening& happening) const;
 
 private:
     std::ostream& out_;

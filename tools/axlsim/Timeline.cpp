@@ -30,7 +30,7 @@ std::vector<Happening> Timeline::ordered() const {
     std::vector<Entry> entries;
     {
         std::lock_guard lock(mutex_);
-        entries = entries_;
+        entries.assign(entries_.begin(), entries_.end());
     }
     std::stable_sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
         if (a.segment != b.segment)
@@ -50,9 +50,9 @@ std::vector<Happening> Timeline::since(std::size_t& cursor) const {
     std::vector<Happening> happenings;
     {
         std::lock_guard lock(mutex_);
-        for (std::size_t i = cursor; i < entries_.size(); ++i)
+        for (std::size_t i = std::max(cursor, forgotten_) - forgotten_; i < entries_.size(); ++i)
             happenings.push_back(entries_[i].happening);
-        cursor = entries_.size();
+        cursor = forgotten_ + entries_.size();
     }
     std::stable_sort(happenings.begin(), happenings.end(),
                      [](const Happening& a, const Happening& b) {
@@ -65,6 +65,15 @@ std::vector<Happening> Timeline::since(std::size_t& cursor) const {
 
 std::chrono::nanoseconds Timeline::now() const {
     return clock_();
+}
+
+void Timeline::forget(std::size_t cursor) {
+    std::lock_guard lock(mutex_);
+    if (cursor <= forgotten_)
+        return;
+    const std::size_t drop = std::min(cursor - forgotten_, entries_.size());
+    entries_.erase(entries_.begin(), entries_.begin() + static_cast<std::ptrdiff_t>(drop));
+    forgotten_ += drop;
 }
 
 }  // namespace axlsim

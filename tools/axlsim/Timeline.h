@@ -1,7 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <mutex>
 #include <vector>
@@ -39,6 +41,10 @@ public:
     std::vector<Happening> since(std::size_t& cursor) const;
     std::chrono::nanoseconds now() const;
 
+    // Drops the happenings before `cursor` (a cursor of since()), which ordered() then no longer
+    // shows: a run without end keeps only what its readers have yet to read.
+    void forget(std::size_t cursor);
+
 private:
     struct Entry {
         uint64_t segment;
@@ -49,7 +55,8 @@ private:
     mutable std::mutex mutex_;
     uint64_t segment_ = 0;
     Listener listener_;
-    std::vector<Entry> entries_;
+    std::deque<Entry> entries_;
+    std::size_t forgotten_ = 0;  // the happenings dropped from the front of entries_
 };
 
 }  // namespace axlsim

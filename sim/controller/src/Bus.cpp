@@ -49,6 +49,7 @@ void Bus::copyInputsToGds() {
 }
 
 void Bus::copyGdsToOutputs() {
+    std::lock_guard cycle(busCycle_);
     for (std::size_t index = 0; index < modules_.size(); ++index) {
         const std::size_t offset = layout_.offset(Frame::Out, static_cast<int>(index + 1));
         modules_[index].latchOutputs(reinterpret_cast<const uint8_t*>(out_->data() + offset));

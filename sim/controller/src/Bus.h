@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "FrameLayout.h"
@@ -59,6 +60,10 @@ private:
     std::shared_ptr<GdsFrame> in_;
     std::shared_ptr<GdsFrame> out_;
     Counters counters_;
+    // Two threads may copy the OUT frame to the bus at once, each holding only the frame's read
+    // lock; the bus cycle itself writes the modules' output latches one copy at a time, as the
+    // controller's own bus master does.
+    std::mutex busCycle_;
     std::function<void()> inputCopyHook_;
 };
 

@@ -24,6 +24,10 @@
 #include "axlsim/TextRenderer.h"
 #include "axlsim/VcdWriter.h"
 
+#if AXLSIM_SERVE
+#include "axlsim/serve/HtmlReport.h"
+#endif
+
 namespace axlsim {
 
 namespace {
@@ -139,6 +143,18 @@ int play(const Config& config, const Commands::RunRequest& request) {
             status = kCannotRun;
         }
     }
+#if AXLSIM_SERVE
+    if (!request.html.empty()) {
+        std::ofstream html(request.html);
+        HtmlReport::write(html, config, result);
+        html.flush();
+        if (!html) {
+            std::cerr << "axlsim: cannot write " << request.html << ": " << std::strerror(errno)
+                      << '\n';
+            status = kCannotRun;
+        }
+    }
+#endif
     if (!standardOutputWritten())
         status = kCannotRun;
     return status;
@@ -157,6 +173,18 @@ int Commands::run(const RunRequest& request) {
                   << " that axlsim check explains; running anyway\n";
     return play(*config, request);
 }
+
+#if AXLSIM_SERVE
+int Commands::serve(const ServeCommand::Request& request) {
+    const auto config = runnableConfig(request.config);
+    if (!config)
+        return kCannotRun;
+    const auto library = loadDriver(request.driver);
+    if (library == nullptr)
+        return kCannotRun;
+    return ServeCommand::serve(*config, *library, request);
+}
+#endif
 
 int Commands::check(const std::string& file) {
     const auto config = readConfig(file);

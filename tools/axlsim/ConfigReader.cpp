@@ -382,6 +382,24 @@ std::vector<std::string_view> ConfigReader::keys() {
     return all;
 }
 
+Config::Input ConfigReader::inputStep(const Json& node, const Config& config,
+                                      const std::string& name) {
+    return readInput(Document(name), node, "", config.bus);
+}
+
+Config::Event ConfigReader::eventStep(const Json& node, const Config& config,
+                                      const std::string& name) {
+    return readEvent(Document(name), node, "", config.drivers);
+}
+
+Config::Plc ConfigReader::plcStep(const Json& node, const std::string& name) {
+    const Document doc(name);
+    doc.object(node, "", {"operation"});
+    if (!node.contains("operation"))
+        doc.fail("", "a PLC request needs its \"operation\"");
+    return readPlc(doc, node.at("operation"), "/operation");
+}
+
 Config ConfigReader::readFile(const std::string& file) {
     if (file == "-")
         return readStream(std::cin, kStandardInput);

@@ -78,6 +78,11 @@ ApiServer::ApiServer(const Config& config, LiveRun& run, Settings settings)
       server_(std::make_unique<httplib::Server>()) {
     server_->new_task_queue = [] { return new httplib::ThreadPool(kWorkers); };
     server_->set_payload_max_length(kMaxBody);
+    // Only SO_REUSEADDR: the library's SO_REUSEPORT would let a second server share a taken port.
+    server_->set_socket_options([](int socket) {
+        int yes = 1;
+        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
     server_->set_keep_alive_timeout(2);
     server_->set_read_timeout(5s);
     server_->set_write_timeout(5s);

@@ -45,6 +45,7 @@ constexpr std::array<std::string_view, 3> kDriversEntryKeys{"driver", "mappings"
 constexpr std::array<std::string_view, 6> kStepKeys{"at_ms", "input", "event",
                                                     "plc",   "end",   "note"};
 constexpr std::array<std::string_view, 4> kInputKeys{"module", "pin", "value", "raw"};
+constexpr std::array<std::string_view, 1> kPlcRequestKeys{"operation"};
 constexpr std::array<std::string_view, 6> kEventKeys{"id",   "value", "bytes",
                                                      "null", "size",  "driver"};
 constexpr std::size_t kChunk = 64 * 1024;
@@ -394,7 +395,7 @@ Config::Event ConfigReader::eventStep(const Json& node, const Config& config,
 
 Config::Plc ConfigReader::plcStep(const Json& node, const std::string& name) {
     const Document doc(name);
-    doc.object(node, "", {"operation"});
+    doc.object(node, "", kPlcRequestKeys);
     if (!node.contains("operation"))
         doc.fail("", "a PLC request needs its \"operation\"");
     return readPlc(doc, node.at("operation"), "/operation");

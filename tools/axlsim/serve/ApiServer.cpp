@@ -2,8 +2,10 @@
 
 #include <httplib.h>
 
+#include <array>
 #include <charconv>
 #include <exception>
+#include <string_view>
 
 #include "axlsim/ConfigDocument.h"
 #include "axlsim/ConfigError.h"
@@ -17,6 +19,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using JsonOut = nlohmann::ordered_json;
+
+constexpr std::array<std::string_view, 3> kClockKeys{"action", "ms", "speed"};
 
 constexpr const char* kJson = "application/json";
 constexpr const char* kRequest = "request";
@@ -186,7 +190,7 @@ void ApiServer::routes() {
     server.Post("/api/clock", [this](const httplib::Request& request, httplib::Response& response) {
         const nlohmann::json node = body(request);
         const Document doc(kRequest);
-        doc.object(node, "", {"action", "ms", "speed"});
+        doc.object(node, "", kClockKeys);
         if (node.contains("speed") == node.contains("action"))
             doc.fail("", "a clock request has either \"action\" or \"speed\"");
         if (node.contains("speed")) {

@@ -151,6 +151,8 @@ class ApiTest(unittest.TestCase):
 
     def test_stop_ends_the_server_cleanly(self):
         self.assertEqual(self.server.stop(), 0)
+        self.assertEqual(self.server.process.stdout.read(),
+                         "axlsim serve: stopped by POST /api/stop; the drivers are deleted\n")
 
     def test_a_taken_port_is_named_in_the_error(self):
         import subprocess
@@ -160,6 +162,36 @@ class ApiTest(unittest.TestCase):
             capture_output=True, text=True, timeout=30)
         self.assertEqual(result.returncode, 2)
         self.assertIn("port %d" % self.server.port, result.stderr)
+
+
+class EndingTest(unittest.TestCase):
+    """Ctrl-C and SIGTERM end a server whose standard output is a pipe, at once after its start
+    as well as after it has served, and it deletes its drivers before it exits 0."""
+
+    def end_by(self, signal_number, served):
+        server = Server("feedback_loop.json")
+        try:
+            if served:
+                self.assertEqual(server.get("/api/state")[0], 200)
+            server.process.send_signal(signal_number)
+            self.assertEqual(server.process.wait(timeout=30), 0)
+            self.assertEqual(server.process.stdout.read(),
+                             "axlsim serve: stopped by %s; the drivers are deleted\n"
+                             % signal.Signals(signal_number).name)
+        finally:
+            server.close()
+
+    def test_sigterm_right_after_the_start_ends_it_cleanly(self):
+        self.end_by(signal.SIGTERM, served=False)
+
+    def test_sigint_right_after_the_start_ends_it_cleanly(self):
+        self.end_by(signal.SIGINT, served=False)
+
+    def test_sigterm_after_a_request_ends_it_cleanly(self):
+        self.end_by(signal.SIGTERM, served=True)
+
+    def test_sigint_after_a_request_ends_it_cleanly(self):
+        self.end_by(signal.SIGINT, served=True)
 
 
 if __name__ == "__main__":

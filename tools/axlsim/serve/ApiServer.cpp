@@ -21,6 +21,7 @@ using namespace std::chrono_literals;
 using JsonOut = nlohmann::ordered_json;
 
 constexpr std::array<std::string_view, 3> kClockKeys{"action", "ms", "speed"};
+constexpr auto kStopRetry = 1ms;
 
 constexpr const char* kJson = "application/json";
 constexpr const char* kRequest = "request";
@@ -104,12 +105,29 @@ int ApiServer::bind(int port) {
 }
 
 void ApiServer::serve() {
+    {
+        std::lock_guard lock(servingMutex_);
+        if (stopping_)
+            return;
+        serving_ = true;
+    }
     server_->listen_after_bind();
+    {
+        std::lock_guard lock(servingMutex_);
+        serving_ = false;
+    }
+    servingEnded_.notify_all();
 }
 
+// httplib's stop() does nothing until its loop has begun to accept: a stop that comes right
+// after the start (a signal at once) is asked again until serve() has returned.
 void ApiServer::stop() {
     stopping_ = true;
-    server_->stop();
+    std::unique_lock lock(servingMutex_);
+    while (serving_) {
+        server_->stop();
+        servingEnded_.wait_for(lock, kStopRetry);
+    }
 }
 
 bool ApiServer::hostAllowed(const httplib::Request& request) const {

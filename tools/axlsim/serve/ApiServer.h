@@ -1,8 +1,10 @@
 #pragma once
 
 #include <atomic>
+#include <condition_variable>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "axlsim/Config.h"
@@ -42,6 +44,7 @@ public:
 
     // Serves until stop(); from another thread.
     void serve();
+    // Ends serve(), whether it has begun yet or not, and waits for it to return.
     void stop();
 
 private:
@@ -56,6 +59,9 @@ private:
     std::unique_ptr<httplib::Server> server_;
     std::atomic<bool> stopping_{false};
     std::atomic<int> streams_{0};
+    std::mutex servingMutex_;
+    std::condition_variable servingEnded_;
+    bool serving_ = false;
 };
 
 }  // namespace axlsim

@@ -9,8 +9,10 @@
 #include <ctime>
 #include <iostream>
 #include <optional>
+#include <string>
 #include <thread>
 
+#include "axlsim/InterruptSignals.h"
 #include "axlsim/serve/ApiServer.h"
 #include "axlsim/serve/Assets.h"
 #include "axlsim/serve/LiveRun.h"
@@ -52,13 +54,15 @@ sigset_t endingSignals() {
     return signals;
 }
 
-void waitForEnd(const sigset_t& signals, const std::atomic<bool>& stopAsked) {
+// What ended the server: a signal's name, or the API's stop.
+std::string waitForEnd(const sigset_t& signals, const std::atomic<bool>& stopAsked) {
     // Looks for POST /api/stop every tenth of a second while waiting for a signal.
     const timespec patience{0, 100'000'000};
     while (!stopAsked) {
-        if (sigtimedwait(&signals, nullptr, &patience) > 0)
-            return;
+        if (const int signal = sigtimedwait(&signals, nullptr, &patience); signal > 0)
+            return InterruptSignals::name(signal);
     }
+    return "POST /api/stop";
 }
 
 }  // namespace
@@ -95,10 +99,11 @@ int ServeCommand::serve(const Config& config, const DriverLibrary& library,
 
     live.start();
     std::thread http([&server] { server.serve(); });
-    waitForEnd(signals, stopAsked);
+    const std::string ending = waitForEnd(signals, stopAsked);
     server.stop();
     http.join();
     live.stop();
+    std::cout << "axlsim serve: stopped by " << ending << "; the drivers are deleted" << std::endl;
     return 0;
 }
 

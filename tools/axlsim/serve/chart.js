@@ -11,8 +11,11 @@ class AxlChart {
       const p = i + 1;
       const digital = type === 'AXL_F_DI8_1_DO8_1';
       for (const kind of digital ? ['DI', 'DO'] : ['AI', 'AO'])
-        for (let n = 0; n < (digital ? 8 : 2); ++n)
-          this.signal(`${p}.${kind}${n}`, digital ? 'digital' : 'analog');
+        for (let n = 0; n < (digital ? 8 : 2); ++n) {
+          const s = this.signal(`${p}.${kind}${n}`, digital ? 'digital' : 'analog');
+          // Inputs start at 0; outputs show from the first bus write.
+          if (kind === 'DI' || kind === 'AI') s.points.push([0, 0]);
+        }
     });
   }
 

@@ -2,12 +2,15 @@
 """The latency of `axlsim serve` from POST /api/input to the driver's publication of that input,
 as a client sees it on /api/stream, at speed 1: starts the server on a free port, toggles digital
 input 0 of feedback_loop.json a number of times and prints the median and the 99th percentile of
-the wall time, and of the virtual time, from the request to the publication.
+the wall time, and of the virtual time, from the request to the publication, and of the wall
+time beyond the virtual (what the server adds to the driver's wait for its next scan). Each
+request comes at a random moment of the scan cycle.
 
     bench/serve/latency.py build/release/bin/axlsim examples/feedback_loop.json 200
 """
 import http.client
 import json
+import random
 import statistics
 import subprocess
 import sys
@@ -15,6 +18,7 @@ import threading
 import time
 
 BUTTON_EVENT = 100
+SCAN_SECONDS = 0.1
 
 
 def percentile(values, share):
@@ -46,9 +50,11 @@ def main():
 
     threading.Thread(target=follow, daemon=True).start()
     api = http.client.HTTPConnection("127.0.0.1", port, timeout=10)
-    wall, virtual = [], []
+    wall, virtual, added = [], [], []
+    moments = random.Random(1)
     try:
         for n in range(count):
+            time.sleep(moments.uniform(0, SCAN_SECONDS))
             value = (n + 1) % 2
             with arrived:
                 published.pop(value, None)
@@ -63,11 +69,12 @@ def main():
                 seen, t_ms = published[value]
             wall.append((seen - sent) * 1000)
             virtual.append(t_ms - answer["t_ms"])
+            added.append(wall[-1] - virtual[-1])
     finally:
         api.request("POST", "/api/stop", "{}", headers)
         api.getresponse().read()
         server.wait(timeout=30)
-    for name, values in (("wall", wall), ("virtual", virtual)):
+    for name, values in (("wall", wall), ("virtual", virtual), ("added", added)):
         print("%-7s median %.1f ms  p99 %.1f ms  (n=%d)" % (
             name, statistics.median(values), percentile(values, 0.99), len(values)))
 

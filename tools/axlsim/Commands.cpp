@@ -86,6 +86,15 @@ bool standardOutputWritten() {
     return false;
 }
 
+// A file, once everything is written to it: an error when it could not take it all.
+bool fileWritten(std::ostream& file, const std::string& path) {
+    file.flush();
+    if (file)
+        return true;
+    std::cerr << "axlsim: cannot write " << path << ": " << std::strerror(errno) << '\n';
+    return false;
+}
+
 int play(const Config& config, const Commands::RunRequest& request) {
     const auto library = loadDriver(request.driver);
     if (library == nullptr)
@@ -136,23 +145,15 @@ int play(const Config& config, const Commands::RunRequest& request) {
     int status = result.interrupted ? kInterrupted : result.exitStatus();
     if (!request.vcd.empty()) {
         VcdWriter::write(vcd, config, result);
-        vcd.flush();
-        if (!vcd) {
-            std::cerr << "axlsim: cannot write " << request.vcd << ": " << std::strerror(errno)
-                      << '\n';
+        if (!fileWritten(vcd, request.vcd))
             status = kCannotRun;
-        }
     }
 #if AXLSIM_SERVE
     if (!request.html.empty()) {
         std::ofstream html(request.html);
         HtmlReport::write(html, config, result);
-        html.flush();
-        if (!html) {
-            std::cerr << "axlsim: cannot write " << request.html << ": " << std::strerror(errno)
-                      << '\n';
+        if (!fileWritten(html, request.html))
             status = kCannotRun;
-        }
     }
 #endif
     if (!standardOutputWritten())

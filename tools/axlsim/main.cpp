@@ -88,19 +88,23 @@ int main(int argc, char** argv) {
         "serve", "Run the configuration live, paced to the wall clock, with a page and an API.");
     serveCommand->add_option("CONFIG", serve.config, "The configuration (JSON, comments allowed)")
         ->required();
-    serveCommand->add_option("--port", serve.port, "The port to listen on; 0 picks a free one")
+    serveCommand
+        ->add_option("--port", serve.port,
+                     "The port to listen on (default 8080); 0 picks a free one")
         ->option_text("N")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
     serveCommand
         ->add_option("--listen", serve.listen,
-                     "The address to listen on (anyone who can reach it and has the token can "
+                     "The address to listen on (default 127.0.0.1; anyone who can reach it and has "
+                     "the token can "
                      "drive the plant)")
         ->option_text("ADDR")
         ->capture_default_str();
     serveCommand
-        ->add_option("--speed", serve.speed,
-                     "Virtual time runs X times as fast as real time, 0.1 to 100000, or max")
+        ->add_option(
+            "--speed", serve.speed,
+            "Virtual time runs X times as fast as real time, 0.1 to 100000, or max (default 1)")
         ->option_text("X")
         ->capture_default_str();
     serveCommand->add_flag("--paused", serve.paused, "Start with the clock paused");

@@ -50,8 +50,13 @@ void mistake(httplib::Response& response, const ConfigError& error) {
     answer(response, 400, JsonOut{{"error", error.reason()}, {"pointer", error.place()}});
 }
 
-JsonOut performed(std::chrono::nanoseconds t) {
-    return JsonOut{{"t_ms", JsonOut::parse(millisecondsText(t))}};
+// Does what a request asked for, marked as the API's, and tells when.
+template <class Action>
+JsonOut performAsked(LiveRun& run, Action action) {
+    action.source = "api";
+    Config::Step step;
+    step.action = std::move(action);
+    return JsonOut{{"t_ms", JsonOut::parse(millisecondsText(run.perform(std::move(step))))}};
 }
 
 nlohmann::json body(const httplib::Request& request) {
@@ -185,25 +190,15 @@ void ApiServer::routes() {
         answer(response, 200, run_.state());
     });
     server.Post("/api/input", [this](const httplib::Request& request, httplib::Response& response) {
-        Config::Step step;
-        Config::Input input = ConfigReader::inputStep(body(request), config_, kRequest);
-        input.source = "api";
-        step.action = input;
-        answer(response, 200, performed(run_.perform(std::move(step))));
+        answer(response, 200,
+               performAsked(run_, ConfigReader::inputStep(body(request), config_, kRequest)));
     });
     server.Post("/api/event", [this](const httplib::Request& request, httplib::Response& response) {
-        Config::Step step;
-        Config::Event event = ConfigReader::eventStep(body(request), config_, kRequest);
-        event.source = "api";
-        step.action = event;
-        answer(response, 200, performed(run_.perform(std::move(step))));
+        answer(response, 200,
+               performAsked(run_, ConfigReader::eventStep(body(request), config_, kRequest)));
     });
     server.Post("/api/plc", [this](const httplib::Request& request, httplib::Response& response) {
-        Config::Step step;
-        Config::Plc plc = ConfigReader::plcStep(body(request), kRequest);
-        plc.source = "api";
-        step.action = plc;
-        answer(response, 200, performed(run_.perform(std::move(step))));
+        answer(response, 200, performAsked(run_, ConfigReader::plcStep(body(request), kRequest)));
     });
     server.Post("/api/clock", [this](const httplib::Request& request, httplib::Response& response) {
         const nlohmann::json node = body(request);

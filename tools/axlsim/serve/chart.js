@@ -146,6 +146,11 @@ class AxlChart {
           const next = i + 1 < pts.length ? pts[i + 1][0] : Math.max(t1, this.end);
           if (next < t0 || t > t1) { prev = v; continue; }
           const a = x(Math.max(t, t0)), b = x(Math.min(next, t1));
+          // A digital signal that is on is shaded, so that on and off read at a glance.
+          if (s.kind === 'digital' && v === 1) {
+            g.fillStyle = 'rgba(22, 163, 74, 0.15)';
+            g.fillRect(a, yOf(1), b - a, yOf(0) - yOf(1));
+          }
           if (!started) { g.moveTo(a, yOf(v)); started = true; } else { g.lineTo(a, yOf(prev)); g.lineTo(a, yOf(v)); }
           g.lineTo(b, yOf(v));
           prev = v;

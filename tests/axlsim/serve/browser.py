@@ -22,11 +22,11 @@ def chromium():
 
 
 class Browser:
-    """One Chromium for one test; its screenshot is saved beside the test's log."""
+    """One Chromium, shared by the tests of a module; each test saves its screenshot beside the
+    tests' log."""
 
-    def __init__(self, test_name):
+    def __init__(self):
         os.makedirs(ARTIFACTS, exist_ok=True)
-        self.screenshot = os.path.join(ARTIFACTS, test_name + ".png")
         self.driver = chromium()
 
     def open(self, url):
@@ -42,8 +42,8 @@ class Browser:
     def script(self, text, *arguments):
         return self.driver.execute_script(text, *arguments)
 
-    def close(self):
-        try:
-            self.driver.save_screenshot(self.screenshot)
-        finally:
-            self.driver.quit()
+    def save_screenshot(self, test_name):
+        self.driver.save_screenshot(os.path.join(ARTIFACTS, test_name + ".png"))
+
+    def quit(self):
+        self.driver.quit()

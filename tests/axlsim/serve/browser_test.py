@@ -11,6 +11,17 @@ from decimal import Decimal
 from browser import Browser, ARTIFACTS
 from servers import AXLSIM, EXAMPLES, Server
 
+browser = None
+
+
+def setUpModule():
+    global browser
+    browser = Browser()
+
+
+def tearDownModule():
+    browser.quit()
+
 
 class LivePageTest(unittest.TestCase):
     config = "feedback_loop.json"
@@ -18,7 +29,8 @@ class LivePageTest(unittest.TestCase):
 
     def setUp(self):
         self.server = Server(self.config, *self.arguments)
-        self.browser = Browser(self.id().split(".")[-1])
+        self.browser = browser
+        self.browser.driver.set_window_size(1400, 1000)
         self.browser.open(self.server.url)
         self.browser.until(lambda: self.browser.script(
             "return document.querySelectorAll('#bus .card').length") > 0,
@@ -26,7 +38,7 @@ class LivePageTest(unittest.TestCase):
 
     def tearDown(self):
         try:
-            self.browser.close()
+            self.browser.save_screenshot(self.id().split(".")[-1])
         finally:
             self.server.stop()
             self.server.close()
@@ -170,9 +182,9 @@ class HtmlReportTest(unittest.TestCase):
                                   "--json", "--html", report],
                                  capture_output=True, text=True, timeout=60)
             self.assertEqual(run.returncode, 0, run.stderr)
-            browser = Browser("test_the_report_opens_and_draws_one_waveform_per_signal")
+            browser.driver.set_window_size(1400, 1000)
+            browser.open("file://" + report)
             try:
-                browser.open("file://" + report)
                 browser.until(lambda: browser.script(
                     "return document.getElementById('chart').dataset.signals || ''") != "",
                     "the report draws its signals")
@@ -180,7 +192,7 @@ class HtmlReportTest(unittest.TestCase):
                 drawn = browser.script(
                     "return document.getElementById('chart').dataset.signals").split("|")
             finally:
-                browser.close()
+                browser.save_screenshot(self.id().split(".")[-1])
         finally:
             shutil.rmtree(folder)
         self.assertEqual(sorted(drawn), sorted(signals))

@@ -1,0 +1,110 @@
+#include "axlsim/serve/ServeCommand.h"
+
+#include <pthread.h>
+#include <signal.h>
+
+#include <atomic>
+#include <cerrno>
+#include <charconv>
+#include <ctime>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "axlsim/InterruptSignals.h"
+#include "axlsim/serve/ApiServer.h"
+#include "axlsim/serve/Assets.h"
+#include "axlsim/serve/LiveRun.h"
+#include "axlsim/serve/Token.h"
+
+namespace axlsim {
+
+namespace {
+
+constexpr int kCannotServe = 2;
+constexpr double kLowestSpeed = 0.1;
+constexpr double kHighestSpeed = 100000.0;
+constexpr const char* kLoopback = "127.0.0.1";
+
+std::optional<LiveRun::Options> paceOf(const ServeCommand::Request& request) {
+    LiveRun::Options options;
+    options.paused = request.paused;
+    if (request.speed == "max") {
+        options.maxSpeed = true;
+        return options;
+    }
+    double speed = 0;
+    const char* end = request.speed.data() + request.speed.size();
+    const auto [stop, error] = std::from_chars(request.speed.data(), end, speed);
+    if (error != std::errc() || stop != end || !(speed >= kLowestSpeed && speed <= kHighestSpeed))
+        return std::nullopt;
+    options.speed = speed;
+    return options;
+}
+
+// Ctrl-C and SIGTERM are taken by the main thread alone, which waits for them: blocked here,
+// before any thread starts, so that every thread inherits the block.
+sigset_t endingSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return signals;
+}
+
+// What ended the server: a signal's name, or the API's stop.
+std::string waitForEnd(const sigset_t& signals, const std::atomic<bool>& stopAsked) {
+    // Looks for POST /api/stop every tenth of a second while waiting for a signal.
+    const timespec patience{0, 100'000'000};
+    while (!stopAsked) {
+        if (const int signal = sigtimedwait(&signals, nullptr, &patience); signal > 0)
+            return InterruptSignals::name(signal);
+    }
+    return "POST /api/stop";
+}
+
+}  // namespace
+
+int ServeCommand::serve(const Config& config, const DriverLibrary& library,
+                        const Request& request) {
+    const auto pace = paceOf(request);
+    if (!pace) {
+        std::cerr << "axlsim: --speed: expected a factor from 0.1 to 100000, or max, not \""
+                  << request.speed << "\"\n";
+        return kCannotServe;
+    }
+    const sigset_t signals = endingSignals();
+    std::atomic<bool> stopAsked{false};
+
+    LiveRun live(config, library, *pace);
+    ApiServer::Settings settings;
+    settings.address = request.listen;
+    settings.token = Token::fresh();
+    settings.page = Assets::livePage();
+    settings.onStop = [&stopAsked] { stopAsked = true; };
+    ApiServer server(config, live, settings);
+    const int port = server.bind(request.port);
+    if (port < 0) {
+        std::cerr << "axlsim: cannot listen on " << request.listen << " port " << request.port
+                  << ": the port is taken, or the address is not one of this machine's\n";
+        return kCannotServe;
+    }
+    std::cout << "axlsim serve: http://" << request.listen << ':' << port
+              << "/?token=" << settings.token << std::endl;
+    if (request.listen != kLoopback)
+        std::cerr << "axlsim: warning: listening on " << request.listen
+                  << ": anyone who can reach it and has the token can drive the plant\n";
+
+    live.start();
+    std::thread http([&server] { server.serve(); });
+    const std::string ending = waitForEnd(signals, stopAsked);
+    server.stop();
+    http.join();
+    live.stop();
+    std::cout << "axlsim serve: stopped by " << ending << "; the drivers are deleted" << std::endl;
+    return 0;
+}
+
+}  // namespace axlsim

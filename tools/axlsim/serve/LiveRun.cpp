@@ -80,9 +80,30 @@ std::chrono::nanoseconds LiveRun::perform(Config::Step step) {
     return at;
 }
 
+std::chrono::nanoseconds LiveRun::perform(std::vector<Config::Step> steps) {
+    std::chrono::nanoseconds at{0};
+    call([this, &steps, &at] {
+        at = run_.now();
+        for (const Config::Step& step : steps)
+            run_.perform(step);
+        publish();
+    });
+    return at;
+}
+
+void LiveRun::readBus(const std::function<void(const vplc::Plant&)>& reader) {
+    call([this, &reader] { reader(run_.plant()); });
+}
+
+void LiveRun::showInState(std::string key, std::function<nlohmann::ordered_json()> value) {
+    shownInState_.emplace_back(std::move(key), std::move(value));
+}
+
 nlohmann::ordered_json LiveRun::state() {
     nlohmann::ordered_json result;
     call([this, &result] { result = state_.render(clockState(), run_.plant()); });
+    for (const auto& [key, value] : shownInState_)
+        result[key] = value();
     return result;
 }
 

@@ -10,7 +10,10 @@
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "axlsim/Config.h"
 #include "axlsim/DriverLibrary.h"
@@ -55,6 +58,14 @@ public:
     // Does a step (an input, an event, a PLC operation) at the current virtual time, and tells
     // that time.
     std::chrono::nanoseconds perform(Config::Step step);
+    // Does several steps at one virtual time, none of them split from the others by a scan.
+    std::chrono::nanoseconds perform(std::vector<Config::Step> steps);
+
+    // Lets `reader` look at the bus as it stands at the current virtual time.
+    void readBus(const std::function<void(const vplc::Plant&)>& reader);
+
+    // Adds `key` to the state, with what `value` tells when the state is asked for; before start().
+    void showInState(std::string key, std::function<nlohmann::ordered_json()> value);
 
     // The state as GET /api/state shows it.
     nlohmann::ordered_json state();
@@ -94,6 +105,7 @@ private:
     Options pace_;
     std::chrono::steady_clock::time_point wallAnchor_;
     std::chrono::nanoseconds virtualAnchor_{0};
+    std::vector<std::pair<std::string, std::function<nlohmann::ordered_json()>>> shownInState_;
 
     std::mutex mutex_;
     std::condition_variable wake_;

@@ -109,6 +109,11 @@ int main(int argc, char** argv) {
         ->capture_default_str();
     serveCommand->add_flag("--paused", serve.paused, "Start with the clock paused");
     serveCommand
+        ->add_option("--modbus", serve.modbus,
+                     "Also serve the bus over Modbus TCP on PORT (0 picks a free one), on ADDR "
+                     "(default 127.0.0.1)")
+        ->option_text("[ADDR:]PORT");
+    serveCommand
         ->add_option("--driver", serve.driver,
                      "The driver library (default: the one beside axlsim)")
         ->option_text("PATH");

@@ -16,6 +16,7 @@
 #include "axlsim/serve/ApiServer.h"
 #include "axlsim/serve/Assets.h"
 #include "axlsim/serve/LiveRun.h"
+#include "axlsim/serve/ModbusServer.h"
 #include "axlsim/serve/Token.h"
 
 namespace axlsim {
@@ -41,6 +42,32 @@ std::optional<LiveRun::Options> paceOf(const ServeCommand::Request& request) {
         return std::nullopt;
     options.speed = speed;
     return options;
+}
+
+struct Endpoint {
+    std::string address = kLoopback;
+    int port = 0;
+};
+
+// "[ADDR:]PORT", as --modbus takes it.
+std::optional<Endpoint> endpointOf(const std::string& text) {
+    Endpoint endpoint;
+    const auto colon = text.rfind(':');
+    if (colon != std::string::npos)
+        endpoint.address = text.substr(0, colon);
+    const std::string port = colon == std::string::npos ? text : text.substr(colon + 1);
+    const char* end = port.data() + port.size();
+    const auto [stop, error] = std::from_chars(port.data(), end, endpoint.port);
+    if (port.empty() || error != std::errc() || stop != end || endpoint.port < 0 ||
+        endpoint.port > 65535 || endpoint.address.empty())
+        return std::nullopt;
+    return endpoint;
+}
+
+void warnIfOpen(const std::string& address, const char* who) {
+    if (address != kLoopback)
+        std::cerr << "axlsim: warning: listening on " << address << ": anyone who can reach it"
+                  << who << " can drive the plant\n";
 }
 
 // Ctrl-C and SIGTERM are taken by the main thread alone, which waits for them: blocked here,
@@ -75,6 +102,16 @@ int ServeCommand::serve(const Config& config, const DriverLibrary& library,
                   << request.speed << "\"\n";
         return kCannotServe;
     }
+    std::optional<Endpoint> modbusAt;
+    if (!request.modbus.empty()) {
+        modbusAt = endpointOf(request.modbus);
+        if (!modbusAt) {
+            std::cerr
+                << "axlsim: --modbus: expected [ADDR:]PORT with a port from 0 to 65535, not \""
+                << request.modbus << "\"\n";
+            return kCannotServe;
+        }
+    }
     const sigset_t signals = endingSignals();
     std::atomic<bool> stopAsked{false};
 
@@ -91,17 +128,42 @@ int ServeCommand::serve(const Config& config, const DriverLibrary& library,
                   << ": the port is taken, or the address is not one of this machine's\n";
         return kCannotServe;
     }
+    std::optional<ModbusServer> modbus;
+    if (modbusAt) {
+        modbus.emplace(config, live);
+        const int modbusPort = modbus->bind(modbusAt->address, modbusAt->port);
+        if (modbusPort < 0) {
+            std::cerr << "axlsim: cannot listen on " << modbusAt->address << " port "
+                      << modbusAt->port << " for Modbus: the port is taken, or the address is not "
+                      << "one of this machine's\n";
+            return kCannotServe;
+        }
+        modbusAt->port = modbusPort;
+        const std::string shown = modbusAt->address + ':' + std::to_string(modbusPort);
+        live.showInState("modbus", [shown, &modbus] {
+            return nlohmann::ordered_json{{"address", shown}, {"clients", modbus->clients()}};
+        });
+    }
     std::cout << "axlsim serve: http://" << request.listen << ':' << port
               << "/?token=" << settings.token << std::endl;
-    if (request.listen != kLoopback)
-        std::cerr << "axlsim: warning: listening on " << request.listen
-                  << ": anyone who can reach it and has the token can drive the plant\n";
+    if (modbusAt)
+        std::cout << "axlsim modbus: " << modbusAt->address << ':' << modbusAt->port << std::endl;
+    warnIfOpen(request.listen, " and has the token");
+    if (modbusAt)
+        warnIfOpen(modbusAt->address, " over Modbus");
 
     live.start();
     std::thread http([&server] { server.serve(); });
+    std::thread bus;
+    if (modbus)
+        bus = std::thread([&modbus] { modbus->serve(); });
     const std::string ending = waitForEnd(signals, stopAsked);
     server.stop();
     http.join();
+    if (modbus) {
+        modbus->stop();
+        bus.join();
+    }
     live.stop();
     std::cout << "axlsim serve: stopped by " << ending << "; the drivers are deleted" << std::endl;
     return 0;

@@ -18,6 +18,7 @@ public:
         std::string speed = "1";  // a factor, or "max"
         bool paused = false;
         std::string driver;
+        std::string modbus;  // [ADDR:]PORT of the Modbus TCP server; none when empty
     };
 
     // 0 once stopped cleanly; 2 when the server cannot be started.

@@ -2,6 +2,9 @@
 
 #include <modbus/modbus.h>
 
+#include <algorithm>
+#include <array>
+
 namespace axlsim {
 
 namespace {
@@ -26,43 +29,28 @@ ModbusRequest failed(int exception) {
 }
 
 struct Function {
-    ModbusMap::Table table;
+    uint8_t code = 0;
+    ModbusMap::Table table = ModbusMap::Table::Coils;
     bool write = false;
     bool single = false;  // one value in the request, instead of a quantity
     int most = 0;         // the most values one request may name
 };
 
-bool functionOf(uint8_t code, Function& function) {
-    using Table = ModbusMap::Table;
-    switch (code) {
-        case MODBUS_FC_READ_COILS:
-            function = {Table::Coils, false, false, MODBUS_MAX_READ_BITS};
-            return true;
-        case MODBUS_FC_READ_DISCRETE_INPUTS:
-            function = {Table::DiscreteInputs, false, false, MODBUS_MAX_READ_BITS};
-            return true;
-        case MODBUS_FC_READ_HOLDING_REGISTERS:
-            function = {Table::HoldingRegisters, false, false, MODBUS_MAX_READ_REGISTERS};
-            return true;
-        case MODBUS_FC_READ_INPUT_REGISTERS:
-            function = {Table::InputRegisters, false, false, MODBUS_MAX_READ_REGISTERS};
-            return true;
-        case MODBUS_FC_WRITE_SINGLE_COIL:
-            function = {Table::Coils, true, true, 1};
-            return true;
-        case MODBUS_FC_WRITE_SINGLE_REGISTER:
-            function = {Table::HoldingRegisters, true, true, 1};
-            return true;
-        case MODBUS_FC_WRITE_MULTIPLE_COILS:
-            function = {Table::Coils, true, false, MODBUS_MAX_WRITE_BITS};
-            return true;
-        case MODBUS_FC_WRITE_MULTIPLE_REGISTERS:
-            function = {Table::HoldingRegisters, true, false, MODBUS_MAX_WRITE_REGISTERS};
-            return true;
-        default:
-            return false;
-    }
-}
+using Table = ModbusMap::Table;
+// The functions of the four tables; every other answers "illegal function".
+constexpr std::array<Function, 8> kFunctions{{
+    {MODBUS_FC_READ_COILS, Table::Coils, false, false, MODBUS_MAX_READ_BITS},
+    {MODBUS_FC_READ_DISCRETE_INPUTS, Table::DiscreteInputs, false, false, MODBUS_MAX_READ_BITS},
+    {MODBUS_FC_READ_HOLDING_REGISTERS, Table::HoldingRegisters, false, false,
+     MODBUS_MAX_READ_REGISTERS},
+    {MODBUS_FC_READ_INPUT_REGISTERS, Table::InputRegisters, false, false,
+     MODBUS_MAX_READ_REGISTERS},
+    {MODBUS_FC_WRITE_SINGLE_COIL, Table::Coils, true, true, 1},
+    {MODBUS_FC_WRITE_SINGLE_REGISTER, Table::HoldingRegisters, true, true, 1},
+    {MODBUS_FC_WRITE_MULTIPLE_COILS, Table::Coils, true, false, MODBUS_MAX_WRITE_BITS},
+    {MODBUS_FC_WRITE_MULTIPLE_REGISTERS, Table::HoldingRegisters, true, false,
+     MODBUS_MAX_WRITE_REGISTERS},
+}};
 
 // The bytes that a write of `count` values carries after its byte count.
 std::size_t valueBytes(ModbusMap::Table table, int count) {
@@ -83,9 +71,12 @@ int ModbusRequest::frameLength(std::span<const uint8_t> bytes) {
 }
 
 ModbusRequest ModbusRequest::read(std::span<const uint8_t> frame, const ModbusMap& map) {
-    Function function{};
-    if (!functionOf(frame[kFunctionAt], function))
+    const auto found = std::find_if(kFunctions.begin(), kFunctions.end(), [&](const Function& f) {
+        return f.code == frame[kFunctionAt];
+    });
+    if (found == kFunctions.end())
         return failed(kIllegalFunction);
+    const Function& function = *found;
     const std::span<const uint8_t> data = frame.subspan(kDataAt);
     if (data.size() < 4)
         return failed(kIllegalDataValue);

@@ -5,6 +5,7 @@ import random
 import re
 import socket
 import struct
+import subprocess
 import threading
 import time
 import unittest
@@ -14,7 +15,7 @@ from pymodbus.other_message import ReadExceptionStatusRequest, ReportSlaveIdRequ
 from pymodbus.register_read_message import ReadWriteMultipleRegistersRequest
 from pymodbus.register_write_message import MaskWriteRegisterRequest
 
-from servers import Server
+from servers import AXLSIM, Server
 
 BUS = os.path.abspath("modbus_bus.json")
 ILLEGAL_FUNCTION = 1
@@ -232,6 +233,43 @@ class ModbusTest(unittest.TestCase):
             self.assertLess(time.monotonic(), deadline)
         status, page = self.server.get("/")
         self.assertIn('id="modbus-clients"', page)
+
+
+class ModbusCommandLineTest(unittest.TestCase):
+    def serve(self, modbus):
+        return subprocess.run([AXLSIM, "serve", BUS, "--port", "0", "--modbus", modbus],
+                              capture_output=True, text=True, timeout=30)
+
+    def test_a_modbus_endpoint_without_a_port_is_refused(self):
+        for text in ("127.0.0.1:", "502x", "65536", "127.0.0.1:-1", ":502"):
+            with self.subTest(text=text):
+                result = self.serve(text)
+                self.assertEqual(result.returncode, 2)
+                self.assertIn('--modbus: expected [ADDR:]PORT with a port from 0 to 65535, not "%s"'
+                              % text, result.stderr)
+
+    def test_a_taken_modbus_port_is_refused_naming_it(self):
+        taken = ModbusServer("--paused")
+        try:
+            result = self.serve(str(taken.modbus_port))
+            self.assertEqual(result.returncode, 2)
+            self.assertIn("cannot listen on 127.0.0.1 port %d for Modbus" % taken.modbus_port,
+                          result.stderr)
+            self.assertEqual(result.stdout, "")
+        finally:
+            taken.stop()
+            taken.close()
+
+    def test_another_address_is_named_and_warned_about(self):
+        server = Server(BUS, "--paused", "--modbus", "0.0.0.0:0")
+        try:
+            line = server.process.stdout.readline()
+            self.assertRegex(line, r"^axlsim modbus: 0\.0\.0\.0:[1-9]\d*$")
+            self.assertEqual(server.stop(), 0)
+            self.assertIn("axlsim: warning: listening on 0.0.0.0: anyone who can reach it over "
+                          "Modbus can drive the plant", server.process.stderr.read())
+        finally:
+            server.close()
 
 
 class ModbusLoadTest(unittest.TestCase):

@@ -3,6 +3,7 @@ so that virtual time passes only when a test clicks a step button."""
 import os
 import re
 import shutil
+import socket
 import subprocess
 import tempfile
 import unittest
@@ -50,7 +51,7 @@ class LivePageTest(unittest.TestCase):
         return self.browser.element(element_id).text
 
     def clock(self):
-        return Decimal(self.text("clock"))
+        return Decimal(self.browser.element("clock").get_attribute("data-ms"))
 
     def step_100(self):
         before = self.clock()
@@ -104,6 +105,10 @@ class DigitalPageTest(LivePageTest):
         self.browser.until(lambda: self.clock() != paused_at, "the clock moves")
         self.assertEqual(self.clock(), paused_at + 100)
         self.assertEqual(Decimal(str(self.server.get("/api/state")[1]["t_ms"])), paused_at + 100)
+        # The clock reads to the microsecond, however finely the pause fell.
+        shown = self.text("clock")
+        self.assertRegex(shown, r"^\d+(\.\d{1,3})?$")
+        self.assertLessEqual(abs(Decimal(shown) - (paused_at + 100)), Decimal("0.0005"))
 
     def test_the_panel_shows_switches_lamps_the_timeline_and_the_chart_as_the_scenario_plays(self):
         for _ in range(4):
@@ -171,6 +176,24 @@ class StoppedDriverPageTest(LivePageTest):
         red, green, blue = [int(v) for v in re.findall(r"\d+", state.value_of_css_property("color"))[:3]]
         self.assertGreater(red, 150)
         self.assertLess(max(green, blue), 100)
+
+
+class ModbusPageTest(LivePageTest):
+    arguments = ("--paused", "--modbus", "0")
+
+    def test_the_header_names_the_modbus_address_and_counts_its_clients(self):
+        line = self.server.process.stdout.readline().rstrip("\n")
+        match = re.fullmatch(r"axlsim modbus: (127\.0\.0\.1:(\d+))", line)
+        self.assertTrue(match, line)
+        self.browser.until(lambda: self.browser.element("modbus").is_displayed(),
+                           "the header shows the Modbus server")
+        self.assertEqual(self.text("modbus-address"), match.group(1))
+        self.assertEqual(self.text("modbus-clients"), "0")
+        with socket.create_connection(("127.0.0.1", int(match.group(2))), timeout=5):
+            self.browser.until(lambda: self.text("modbus-clients") == "1",
+                               "the header counts the connected client")
+        self.browser.until(lambda: self.text("modbus-clients") == "0",
+                           "the header counts the client gone")
 
 
 class HtmlReportTest(unittest.TestCase):

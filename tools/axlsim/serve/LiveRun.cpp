@@ -71,13 +71,9 @@ void LiveRun::call(Task task) {
 }
 
 std::chrono::nanoseconds LiveRun::perform(Config::Step step) {
-    std::chrono::nanoseconds at{0};
-    call([this, &step, &at] {
-        at = run_.now();
-        run_.perform(step);
-        publish();
-    });
-    return at;
+    std::vector<Config::Step> steps;
+    steps.push_back(std::move(step));
+    return perform(std::move(steps));
 }
 
 std::chrono::nanoseconds LiveRun::perform(std::vector<Config::Step> steps) {

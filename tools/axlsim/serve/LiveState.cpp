@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "axlsim/Overloaded.h"
+#include "axlsim/ProcessData.h"
 #include "axlsim/ValueText.h"
 
 namespace axlsim {
@@ -36,7 +37,7 @@ Json moduleState(int position, vplc::Module module, const vplc::Plant& plant) {
         Json di = Json::array();
         Json doo = Json::array();
         for (int pin = 0; pin < 8; ++pin) {
-            di.push_back(inputs.empty() ? 0 : (inputs[0] >> pin) & 1);
+            di.push_back(digitalPin(inputs, pin) ? 1 : 0);
             doo.push_back((outputs >> pin) & 1);
         }
         state["DI"] = di;
@@ -44,11 +45,9 @@ Json moduleState(int position, vplc::Module module, const vplc::Plant& plant) {
     } else {
         Json ai = Json::array();
         Json ao = Json::array();
-        for (std::size_t channel = 0; channel < 2; ++channel) {
-            // The module's words are big-endian on the bus.
-            const std::size_t at = 2 * channel;
-            ai.push_back(inputs.size() < at + 2 ? 0 : (inputs[at] << 8) | inputs[at + 1]);
-            ao.push_back(plant.analogOutputOnBus(position, static_cast<int>(channel)));
+        for (int channel = 0; channel < 2; ++channel) {
+            ai.push_back(analogWord(inputs, channel));
+            ao.push_back(plant.analogOutputOnBus(position, channel));
         }
         state["AI"] = ai;
         state["AO"] = ao;

@@ -13,6 +13,8 @@
 #include <cerrno>
 #include <exception>
 
+#include "axlsim/ProcessData.h"
+
 namespace axlsim {
 
 namespace {
@@ -30,20 +32,6 @@ int boundPort(int socket) {
     if (getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0)
         return -1;
     return ntohs(address.sin_port);
-}
-
-// The module's words are big-endian on the bus.
-uint16_t analogInputOnBus(const vplc::Plant& plant, int position, int channel) {
-    const std::vector<uint8_t> inputs = plant.inputsOnBus(position);
-    const auto at = static_cast<std::size_t>(2 * channel);
-    if (inputs.size() < at + 2)
-        return 0;
-    return static_cast<uint16_t>((inputs[at] << 8) | inputs[at + 1]);
-}
-
-bool digitalInputOnBus(const vplc::Plant& plant, int position, int pin) {
-    const std::vector<uint8_t> inputs = plant.inputsOnBus(position);
-    return !inputs.empty() && ((inputs[0] >> pin) & 1) != 0;
 }
 
 }  // namespace
@@ -220,18 +208,19 @@ void ModbusServer::read(const ModbusRequest& request) {
     const int base = (pins.position - 1) * ModbusMap::kBlock;
     modbus_mapping_t& tables = *tables_;
     run_.readBus([&](const vplc::Plant& plant) {
+        const std::vector<uint8_t> inputs = plant.inputsOnBus(pins.position);
         for (int pin = pins.first; pin < pins.first + pins.count; ++pin) {
             const auto at = static_cast<std::size_t>(base + pin);
             switch (request.table) {
                 case ModbusMap::Table::Coils:
-                    tables.tab_bits[at] = digitalInputOnBus(plant, pins.position, pin) ? 1 : 0;
+                    tables.tab_bits[at] = digitalPin(inputs, pin) ? 1 : 0;
                     break;
                 case ModbusMap::Table::DiscreteInputs:
                     tables.tab_input_bits[at] =
                         (plant.digitalOutputsOnBus(pins.position) >> pin) & 1;
                     break;
                 case ModbusMap::Table::HoldingRegisters:
-                    tables.tab_registers[at] = analogInputOnBus(plant, pins.position, pin);
+                    tables.tab_registers[at] = analogWord(inputs, pin);
                     break;
                 case ModbusMap::Table::InputRegisters:
                     tables.tab_input_registers[at] = plant.analogOutputOnBus(pins.position, pin);

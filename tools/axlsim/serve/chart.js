@@ -130,7 +130,10 @@ class AxlChart {
         for (const [t, v] of pts) {
           if (t < t0 || t > t1) continue;
           g.beginPath(); g.moveTo(x(t), y + h); g.lineTo(x(t), y + 4); g.stroke();
-          g.fillText(AxlChart.label(v), x(t) + 2, y + 11);
+          // A label that would run past the right edge goes on the left of its mark.
+          const text = AxlChart.label(v);
+          const w = g.measureText(text).width;
+          g.fillText(text, x(t) + 2 + w > width - 2 ? x(t) - 2 - w : x(t) + 2, y + 11);
         }
       } else if (pts.length) {
         const numbers = pts.map(p => p[1]);

@@ -9,6 +9,8 @@
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -25,6 +27,22 @@ std::string slurp(const std::string& path) {
     return text.str();
 }
 
+// The files this test program made, removed when it ends, so that runs leave nothing behind.
+class TemporaryFiles {
+public:
+    ~TemporaryFiles() {
+        for (const std::string& path : paths_)
+            unlink(path.c_str());
+    }
+
+    void add(const std::string& path) { paths_.push_back(path); }
+
+private:
+    std::vector<std::string> paths_;
+};
+
+TemporaryFiles temporaryFiles;
+
 }  // namespace
 
 std::string temporaryPath(const std::string& name) {
@@ -32,7 +50,9 @@ std::string temporaryPath(const std::string& name) {
     std::string file = std::string("axlsim_") + test->test_suite_name() + "_" + test->name() + "_" +
                        std::to_string(getpid()) + "_" + name;
     std::replace(file.begin(), file.end(), '/', '_');
-    return ::testing::TempDir() + file;
+    const std::string path = ::testing::TempDir() + file;
+    temporaryFiles.add(path);
+    return path;
 }
 
 std::vector<std::string> commandLine(const std::vector<std::string>& arguments) {

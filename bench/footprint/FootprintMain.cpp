@@ -136,7 +136,7 @@ bool parse(int argc, char** argv, Options& options) {
 }
 
 CSI_base* startDriver(Factory factory, ModuleKind module, int position) {
-    testsupport::DriverConfig config = axlbench::fullyConfigured(module, position);
+    hosting::DriverConfig config = axlbench::fullyConfigured(module, position);
     CSI_base* driver = nullptr;
     {
         orbel::CallScope creation(nullptr);

@@ -5,13 +5,8 @@
 
 #include "PLCNext.h"
 #include "orbel/CallScope.h"
-#include "orbel/DriverThreads.h"
 
 namespace drivertest {
-
-void DriverDestroyer::operator()(CSI_base* driver) const {
-    orbel::destroyDriver(driver);
-}
 
 DriverPtr<> TestHost::create(const DriverConfig& config) {
     auto mappings = config.mappings;

@@ -9,11 +9,11 @@
 #include "Arp/System/Core/AppDomain.hpp"
 #include "Arp/System/Core/Arp.h"
 #include "ArpModuleLoader.h"
-#include "ChildProcess.h"
+#include "hosting/ChildProcess.h"
 #include "vplc/PlatformCalls.h"
 #include "vplc/Runtime.h"
 
-using testsupport::runInChild;
+using hosting::runInChild;
 using vplc::Runtime;
 
 namespace {

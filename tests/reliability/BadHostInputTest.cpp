@@ -12,13 +12,13 @@
 #include <string>
 #include <vector>
 
-#include "DriverConfig.h"
-#include "DriverRig.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/DriverRig.h"
 #include "modules/IbIlConversion.h"
 #include "vplc/Runtime.h"
 
-using reliability::DriverRig;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
+using hosting::DriverRig;
 
 namespace {
 

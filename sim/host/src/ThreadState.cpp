@@ -20,8 +20,8 @@ namespace orbel {
 
 namespace {
 
-constexpr std::string_view kEndedByHost = "ended by the host";
-constexpr std::string_view kRunReturned = "run() returned";
+constexpr std::string_view kEndedByHost = kThreadEndedByHost;
+constexpr std::string_view kRunReturned = kThreadRunReturned;
 constexpr std::string_view kUnknownException = "an exception of unknown type";
 constexpr std::string_view kDeletedWhileRunning =
     "A driver object was deleted while its thread was running; the host ends the thread.";

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-namespace testsupport {
+namespace hosting {
 
 struct ChildResult {
     int exitCode = -1;   // -1 when the child did not exit normally
@@ -18,4 +18,4 @@ ChildResult runInChild(const std::function<int()>& body);
 // The number of threads of the calling process.
 int threadsOfThisProcess();
 
-}  // namespace testsupport
+}  // namespace hosting

@@ -1,4 +1,4 @@
-#include "ChildProcess.h"
+#include "hosting/ChildProcess.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <iostream>
 
-namespace testsupport {
+namespace hosting {
 
 ChildResult runInChild(const std::function<int()>& body) {
     std::fflush(stdout);
@@ -51,4 +51,4 @@ int threadsOfThisProcess() {
     return threads;
 }
 
-}  // namespace testsupport
+}  // namespace hosting

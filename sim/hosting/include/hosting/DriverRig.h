@@ -2,18 +2,16 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <vector>
 
-#include "DriverConfig.h"
 #include "SI_base.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/DriverPtr.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-namespace reliability {
-
-using testsupport::DriverConfig;
+namespace hosting {
 
 // A host with one driver on the virtual controller, on virtual time. The bus holds the digital
 // module at position 1 and the analog module at position 2. Scans are held at their start, so
@@ -62,14 +60,10 @@ public:
     vplc::Plant& plant() { return plant_; }
 
 private:
-    struct Destroyer {
-        void operator()(CSI_base* driver) const;
-    };
-
     orbel::Recorder recorder_;
     vplc::VirtualClock clock_;
     vplc::Plant plant_;
-    std::unique_ptr<CSI_base, Destroyer> driver_;
+    DriverPtr<> driver_;
 };
 
-}  // namespace reliability
+}  // namespace hosting

@@ -1,4 +1,4 @@
-#include "DriverRig.h"
+#include "hosting/DriverRig.h"
 
 #include <algorithm>
 #include <chrono>
@@ -7,10 +7,9 @@
 
 #include "PLCNext.h"
 #include "orbel/CallScope.h"
-#include "orbel/DriverThreads.h"
 #include "vplc/Runtime.h"
 
-namespace reliability {
+namespace hosting {
 
 namespace {
 
@@ -21,10 +20,6 @@ constexpr std::chrono::milliseconds kScanSpan{200};
 constexpr std::size_t kMinimumPayload = 4;
 
 }  // namespace
-
-void DriverRig::Destroyer::operator()(CSI_base* driver) const {
-    orbel::destroyDriver(driver);
-}
 
 DriverRig::DriverRig() : plant_(vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2})) {
     vplc::Runtime::reset();
@@ -96,4 +91,4 @@ bool DriverRig::threadStarted() const {
     return !recorder_.threadStarts().empty();
 }
 
-}  // namespace reliability
+}  // namespace hosting

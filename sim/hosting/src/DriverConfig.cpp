@@ -1,8 +1,8 @@
-#include "DriverConfig.h"
+#include "hosting/DriverConfig.h"
 
 #include <utility>
 
-namespace testsupport {
+namespace hosting {
 
 DriverConfig::DriverConfig(std::string deviceType, std::string consecutiveNumber) {
     params.sName = "driver";
@@ -80,4 +80,4 @@ DriverConfig& DriverConfig::mapping(uint32_t eventId, uint16_t size) {
     return *this;
 }
 
-}  // namespace testsupport
+}  // namespace hosting

@@ -3,18 +3,18 @@
 #include <list>
 #include <map>
 
-#include "DriverConfig.h"
 #include "PLCNext.h"
+#include "hosting/DriverConfig.h"
 
-namespace drivertest {
+namespace hosting {
 
-using testsupport::DriverConfig;
-
-// A driver whose tables a test can look at. Made directly, not through the factory, so that
-// tests can also hand it a module of their own before initialize().
+// A driver whose settings and tables a test can look at. Made directly, not through the factory
+// (the constructor is the same), so that a test can also hand it a module of its own before
+// initialize().
 class ExposedDriver : public CPLCNext {
 public:
-    explicit ExposedDriver(const DriverConfig& config);
+    explicit ExposedDriver(const DriverConfig& config)
+        : CPLCNext(config.params, config.mappings, config.services) {}
 
     int consecutiveNumber() const { return m_nConsecutiveNumber; }
     INumberedPinModule* module() const { return m_pModule; }
@@ -31,4 +31,4 @@ public:
     const stSP_Params_t& hostParams() const { return m_spParams; }
 };
 
-}  // namespace drivertest
+}  // namespace hosting

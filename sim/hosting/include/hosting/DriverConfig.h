@@ -6,7 +6,7 @@
 
 #include "HostRecords.h"
 
-namespace testsupport {
+namespace hosting {
 
 // The records a host hands to CreateSiObject, built in one expression:
 //
@@ -46,4 +46,4 @@ public:
     std::map<unsigned, stServiceParams_t> services;
 };
 
-}  // namespace testsupport
+}  // namespace hosting

@@ -60,7 +60,11 @@ const ModuleModel& modelOf(vplc::Module module) {
     return module == vplc::Module::DI8_DO8 ? kModules[0] : kModules[1];
 }
 
-// The driver's refusals of a pin, word for word.
+// The driver's refusals of a pin, word for word. A copy on purpose rather than a header shared
+// with the driver: the driver writes its texts inline in the calls that log them (in the
+// controller's style, C++17, nothing but what the driver needs), and this copy is a second,
+// independent statement of them that CheckAgainstDriverTest holds against the running driver,
+// so that a text changed on either side fails a test instead of changing both silently.
 struct Refusal {
     const char* notAvailableFormat;
     const char* notAvailable;

@@ -1,13 +1,9 @@
 // The module constructors' acquisition of the GDS frame buffers and of their ports' offsets.
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
-#include "FaultRow.h"
 #include "FaultRowTest.h"
-#include "Scenario.h"
 
 using namespace faultmatrix;
 
@@ -202,13 +198,6 @@ std::vector<FaultRow> moduleRows() {
     };
 }
 
-class Constructor : public FaultRowTest {};
-
 }  // namespace
 
-TEST_P(Constructor, Row) {
-    runRow();
-}
-
-INSTANTIATE_TEST_SUITE_P(FaultMatrix, Constructor, testing::ValuesIn(moduleRows()),
-                         FaultRowTest::nameOf);
+FAULT_MATRIX_ROWS(Constructor, moduleRows())

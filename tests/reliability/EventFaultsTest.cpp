@@ -1,14 +1,10 @@
 // Output events: the writes of a digital and an analog output, and the copy of the output image
 // after every kind of event.
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
-#include "FaultRow.h"
 #include "FaultRowTest.h"
-#include "Scenario.h"
 #include "vplc/Runtime.h"
 
 using namespace faultmatrix;
@@ -191,12 +187,6 @@ std::vector<FaultRow> eventRows() {
     };
 }
 
-class Event : public FaultRowTest {};
-
 }  // namespace
 
-TEST_P(Event, Row) {
-    runRow();
-}
-
-INSTANTIATE_TEST_SUITE_P(FaultMatrix, Event, testing::ValuesIn(eventRows()), FaultRowTest::nameOf);
+FAULT_MATRIX_ROWS(Event, eventRows())

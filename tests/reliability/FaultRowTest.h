@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "FaultRow.h"
+#include "Scenario.h"
 
 namespace faultmatrix {
 
@@ -21,3 +22,13 @@ protected:
 };
 
 }  // namespace faultmatrix
+
+// The test cases of one row group: a suite named `group`, one case "FaultMatrix/<group>.Row/<row>"
+// per row that `rows` gives.
+#define FAULT_MATRIX_ROWS(group, rows)                                    \
+    class group : public faultmatrix::FaultRowTest {};                    \
+    TEST_P(group, Row) {                                                  \
+        runRow();                                                         \
+    }                                                                     \
+    INSTANTIATE_TEST_SUITE_P(FaultMatrix, group, testing::ValuesIn(rows), \
+                             faultmatrix::FaultRowTest::nameOf);

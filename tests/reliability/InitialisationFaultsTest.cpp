@@ -1,14 +1,10 @@
 // initialize(): the input image before registration, the initial values of the outputs, and the
 // initial output image.
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
-#include "FaultRow.h"
 #include "FaultRowTest.h"
-#include "Scenario.h"
 
 using namespace faultmatrix;
 
@@ -150,13 +146,6 @@ std::vector<FaultRow> initialisationRows() {
     };
 }
 
-class Initialisation : public FaultRowTest {};
-
 }  // namespace
 
-TEST_P(Initialisation, Row) {
-    runRow();
-}
-
-INSTANTIATE_TEST_SUITE_P(FaultMatrix, Initialisation, testing::ValuesIn(initialisationRows()),
-                         FaultRowTest::nameOf);
+FAULT_MATRIX_ROWS(Initialisation, initialisationRows())

@@ -1,13 +1,9 @@
 // The module destructors' release of the GDS frame buffers.
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
-#include "FaultRow.h"
 #include "FaultRowTest.h"
-#include "Scenario.h"
 
 using namespace faultmatrix;
 
@@ -82,13 +78,6 @@ std::vector<FaultRow> releaseRows() {
     };
 }
 
-class Release : public FaultRowTest {};
-
 }  // namespace
 
-TEST_P(Release, Row) {
-    runRow();
-}
-
-INSTANTIATE_TEST_SUITE_P(FaultMatrix, Release, testing::ValuesIn(releaseRows()),
-                         FaultRowTest::nameOf);
+FAULT_MATRIX_ROWS(Release, releaseRows())

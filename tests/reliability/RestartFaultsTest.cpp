@@ -1,13 +1,9 @@
 // Restart events: the device-control service lookup and the restart operation.
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
-#include "FaultRow.h"
 #include "FaultRowTest.h"
-#include "Scenario.h"
 #include "vplc/Runtime.h"
 
 using namespace faultmatrix;
@@ -117,13 +113,6 @@ std::vector<FaultRow> restartRows() {
     };
 }
 
-class Restart : public FaultRowTest {};
-
 }  // namespace
 
-TEST_P(Restart, Row) {
-    runRow();
-}
-
-INSTANTIATE_TEST_SUITE_P(FaultMatrix, Restart, testing::ValuesIn(restartRows()),
-                         FaultRowTest::nameOf);
+FAULT_MATRIX_ROWS(Restart, restartRows())

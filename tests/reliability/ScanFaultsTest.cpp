@@ -1,14 +1,10 @@
 // The scan: the input copy at its start, the reads of the digital and analog inputs in the
 // initial publication and in a steady scan, and the platform's error text of a failure line.
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
-#include "FaultRow.h"
 #include "FaultRowTest.h"
-#include "Scenario.h"
 
 using namespace faultmatrix;
 using vplc::Fault;
@@ -265,12 +261,6 @@ std::vector<FaultRow> scanRows() {
     };
 }
 
-class Scan : public FaultRowTest {};
-
 }  // namespace
 
-TEST_P(Scan, Row) {
-    runRow();
-}
-
-INSTANTIATE_TEST_SUITE_P(FaultMatrix, Scan, testing::ValuesIn(scanRows()), FaultRowTest::nameOf);
+FAULT_MATRIX_ROWS(Scan, scanRows())

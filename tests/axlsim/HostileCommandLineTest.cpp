@@ -11,6 +11,12 @@
 
 namespace {
 
+#if AXLSIM_SERVE
+constexpr const char* kCommands = "run, check, demo, serve";
+#else
+constexpr const char* kCommands = "run, check, demo";
+#endif
+
 using axlsimtest::Redirect;
 using axlsimtest::runProgram;
 using axlsimtest::writeConfig;
@@ -220,8 +226,8 @@ std::vector<HostileCase> cases() {
          {"bogus"},
          "",
          2,
-         "axlsim: bogus is not a command; the commands are run, check, demo (axlsim --help shows "
-         "them)",
+         std::string("axlsim: bogus is not a command; the commands are ") + kCommands +
+             " (axlsim --help shows them)",
          ""},
     };
 }

@@ -89,6 +89,19 @@ TEST_F(VirtualTime, PausesAreRecordedWithTheirDriverStartAndDuration) {
     EXPECT_EQ(clock_.now(), 5ms);
 }
 
+TEST_F(VirtualTime, PausesAreNotRecordedOnceTheRecordIsTurnedOff) {
+    FakeScanner scanner(2, 100ms);
+    scanner.initialize();
+    clock_.settle();
+    ASSERT_EQ(clock_.pauses().size(), 1u);
+
+    clock_.keepPauses(false);
+    clock_.runUntil(305ms);
+
+    EXPECT_TRUE(clock_.pauses().empty());
+    EXPECT_EQ(scanner.scans(), 4);
+}
+
 TEST_F(VirtualTime, AThreadDueExactlyAtTheEndOfARunStaysPaused) {
     FakeScanner scanner(0, 100ms);
     scanner.initialize();

@@ -24,6 +24,10 @@
 #include "axlsim/TextRenderer.h"
 #include "axlsim/VcdWriter.h"
 
+#if AXLSIM_SERVE
+#include "axlsim/serve/HtmlReport.h"
+#endif
+
 namespace axlsim {
 
 namespace {
@@ -82,6 +86,15 @@ bool standardOutputWritten() {
     return false;
 }
 
+// A file, once everything is written to it: an error when it could not take it all.
+bool fileWritten(std::ostream& file, const std::string& path) {
+    file.flush();
+    if (file)
+        return true;
+    std::cerr << "axlsim: cannot write " << path << ": " << std::strerror(errno) << '\n';
+    return false;
+}
+
 int play(const Config& config, const Commands::RunRequest& request) {
     const auto library = loadDriver(request.driver);
     if (library == nullptr)
@@ -132,13 +145,17 @@ int play(const Config& config, const Commands::RunRequest& request) {
     int status = result.interrupted ? kInterrupted : result.exitStatus();
     if (!request.vcd.empty()) {
         VcdWriter::write(vcd, config, result);
-        vcd.flush();
-        if (!vcd) {
-            std::cerr << "axlsim: cannot write " << request.vcd << ": " << std::strerror(errno)
-                      << '\n';
+        if (!fileWritten(vcd, request.vcd))
             status = kCannotRun;
-        }
     }
+#if AXLSIM_SERVE
+    if (!request.html.empty()) {
+        std::ofstream html(request.html);
+        HtmlReport::write(html, config, result);
+        if (!fileWritten(html, request.html))
+            status = kCannotRun;
+    }
+#endif
     if (!standardOutputWritten())
         status = kCannotRun;
     return status;
@@ -157,6 +174,18 @@ int Commands::run(const RunRequest& request) {
                   << " that axlsim check explains; running anyway\n";
     return play(*config, request);
 }
+
+#if AXLSIM_SERVE
+int Commands::serve(const ServeCommand::Request& request) {
+    const auto config = runnableConfig(request.config);
+    if (!config)
+        return kCannotRun;
+    const auto library = loadDriver(request.driver);
+    if (library == nullptr)
+        return kCannotRun;
+    return ServeCommand::serve(*config, *library, request);
+}
+#endif
 
 int Commands::check(const std::string& file) {
     const auto config = readConfig(file);

@@ -4,6 +4,10 @@
 #include <optional>
 #include <string>
 
+#if AXLSIM_SERVE
+#include "axlsim/serve/ServeCommand.h"
+#endif
+
 namespace axlsim {
 
 // The three commands of axlsim. Each returns the program's exit status.
@@ -12,7 +16,8 @@ public:
     struct RunRequest {
         std::string config;
         bool json = false;
-        std::string vcd;  // empty: no dump
+        std::string vcd;   // empty: no dump
+        std::string html;  // empty: no report
         bool realTime = false;
         std::string driver;  // empty: the driver beside the program
         std::optional<std::chrono::milliseconds> until;
@@ -27,6 +32,11 @@ public:
     static int check(const std::string& config);
 
     static int demo(const std::string& driver);
+
+#if AXLSIM_SERVE
+    // 0 once stopped cleanly; 2 when the configuration cannot be run or the server started.
+    static int serve(const ServeCommand::Request& request);
+#endif
 };
 
 }  // namespace axlsim

@@ -41,6 +41,7 @@ struct Config {
         int position = 1;
         int pin = 0;
         uint16_t value = 0;
+        std::string source{};  // who asked for it, when not the scenario: "api"
     };
 
     // One host event for a driver's onReceiveEvent; no payload stands for a null pData.
@@ -49,10 +50,12 @@ struct Config {
         uint32_t id = 0;
         std::optional<std::vector<uint8_t>> payload;
         uint32_t size = 0;
+        std::string source{};
     };
 
     struct Plc {
         PlcOperation operation = PlcOperation_None;
+        std::string source{};
     };
 
     struct Step {

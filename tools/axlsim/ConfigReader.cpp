@@ -45,6 +45,7 @@ constexpr std::array<std::string_view, 3> kDriversEntryKeys{"driver", "mappings"
 constexpr std::array<std::string_view, 6> kStepKeys{"at_ms", "input", "event",
                                                     "plc",   "end",   "note"};
 constexpr std::array<std::string_view, 4> kInputKeys{"module", "pin", "value", "raw"};
+constexpr std::array<std::string_view, 1> kPlcRequestKeys{"operation"};
 constexpr std::array<std::string_view, 6> kEventKeys{"id",   "value", "bytes",
                                                      "null", "size",  "driver"};
 constexpr std::size_t kChunk = 64 * 1024;
@@ -380,6 +381,24 @@ std::vector<std::string_view> ConfigReader::keys() {
     const auto loop = LoopReader::keys();
     all.insert(all.end(), loop.begin(), loop.end());
     return all;
+}
+
+Config::Input ConfigReader::inputStep(const Json& node, const Config& config,
+                                      const std::string& name) {
+    return readInput(Document(name), node, "", config.bus);
+}
+
+Config::Event ConfigReader::eventStep(const Json& node, const Config& config,
+                                      const std::string& name) {
+    return readEvent(Document(name), node, "", config.drivers);
+}
+
+Config::Plc ConfigReader::plcStep(const Json& node, const std::string& name) {
+    const Document doc(name);
+    doc.object(node, "", kPlcRequestKeys);
+    if (!node.contains("operation"))
+        doc.fail("", "a PLC request needs its \"operation\"");
+    return readPlc(doc, node.at("operation"), "/operation");
 }
 
 Config ConfigReader::readFile(const std::string& file) {

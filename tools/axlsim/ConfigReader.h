@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <istream>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +25,15 @@ public:
 
     // Every key a configuration can have, at any place.
     static std::vector<std::string_view> keys();
+
+    // One action read exactly as a scenario step's: a mistake is the same ConfigError, its place a
+    // JSON pointer into `node` and its file `name`. For what is asked while a run goes on.
+    static Config::Input inputStep(const nlohmann::json& node, const Config& config,
+                                   const std::string& name);
+    static Config::Event eventStep(const nlohmann::json& node, const Config& config,
+                                   const std::string& name);
+    // {"operation": a name or number}
+    static Config::Plc plcStep(const nlohmann::json& node, const std::string& name);
 
     // Axioline F allows at most this many modules on a local bus.
     static constexpr int kMaxBusModules = 63;

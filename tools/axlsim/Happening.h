@@ -49,11 +49,13 @@ struct Happening {
         std::string what;
     };
 
-    // Scenario: a terminal input changed (digital 0 or 1, analog the raw word).
+    // Scenario: a terminal input changed (digital 0 or 1, analog the raw word). The steps of
+    // the scenario have no source; those asked for otherwise name it ("api").
     struct Input {
         int position = 0;
         int pin = 0;
         uint16_t value = 0;
+        std::string source{};
     };
 
     // Scenario: the host delivered an event to the driver; no payload for a null pData.
@@ -61,11 +63,13 @@ struct Happening {
         uint32_t id = 0;
         uint32_t size = 0;
         std::optional<std::vector<uint8_t>> payload;
+        std::string source{};
     };
 
     // Scenario: the runtime reported a PLC operation.
     struct Plc {
         int operation = 0;
+        std::string source{};
     };
 
     // Scenario: an explanation, or something the host did not do.

@@ -31,6 +31,11 @@ JsonRenderer::JsonRenderer(std::ostream& out, const Config& config)
     : out_(out), config_(config), catalog_(config.drivers) {}
 
 void JsonRenderer::happening(const Happening& happening) {
+    if (const auto object = line(happening))
+        out_ << object->dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+std::optional<nlohmann::ordered_json> JsonRenderer::line(const Happening& happening) const {
     Json line;
     line["t_ms"] = milliseconds(happening.t);
     auto kind = [&](const char* name) {
@@ -85,6 +90,8 @@ void JsonRenderer::happening(const Happening& happening) {
                            line["value"] = input.value;
                        else
                            line["raw"] = input.value;
+                       if (!input.source.empty())
+                           line["source"] = input.source;
                    },
                    [&](const Happening::Event& event) {
                        kind("event");
@@ -94,11 +101,15 @@ void JsonRenderer::happening(const Happening& happening) {
                            line["bytes"] = toHex(*event.payload);
                        else
                            line["null"] = true;
+                       if (!event.source.empty())
+                           line["source"] = event.source;
                    },
                    [&](const Happening::Plc& plc) {
                        line["kind"] = "plc";
                        const std::string name = plcOperationName(plc.operation);
                        line["operation"] = name == "?" ? Json(plc.operation) : Json(name);
+                       if (!plc.source.empty())
+                           line["source"] = plc.source;
                    },
                    [&](const Happening::Note& note) {
                        line["kind"] = "note";
@@ -124,8 +135,9 @@ void JsonRenderer::happening(const Happening& happening) {
                    },
                },
                happening.what);
-    if (shown)
-        out_ << line.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+    if (!shown)
+        return std::nullopt;
+    return line;
 }
 
 void JsonRenderer::finish(const RunResult& result) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
 
 #include "axlsim/Config.h"
@@ -18,6 +20,9 @@ public:
     void happening(const Happening& happening) override;
     void finish(const RunResult& result) override;
     void interrupted(std::chrono::nanoseconds at, const std::string& signal) override;
+
+    // The object of one happening's line; none for a happening the timeline does not show.
+    std::optional<nlohmann::ordered_json> line(const Happening& happening) const;
 
 private:
     std::ostream& out_;

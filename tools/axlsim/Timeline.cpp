@@ -58,7 +58,8 @@ std::vector<Happening> Timeline::take(bool all) {
     happenings.reserve(taken.size());
     for (Entry& entry : taken)
         happenings.push_back(std::move(entry.happening));
-    settled_.insert(settled_.end(), happenings.begin(), happenings.end());
+    if (keepSettled_)
+        settled_.insert(settled_.end(), happenings.begin(), happenings.end());
     return happenings;
 }
 
@@ -83,6 +84,12 @@ std::vector<Happening> Timeline::ordered() const {
     for (Entry& entry : entries)
         happenings.push_back(std::move(entry.happening));
     return happenings;
+}
+
+void Timeline::forgetSettled() {
+    std::lock_guard lock(mutex_);
+    keepSettled_ = false;
+    settled_.clear();
 }
 
 std::vector<Happening> Timeline::newPublications() {

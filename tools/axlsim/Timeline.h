@@ -43,6 +43,10 @@ public:
     // Everything, in order.
     std::vector<Happening> ordered() const;
 
+    // From now on settle() hands what it settles to its caller only, and ordered() no longer
+    // shows it: a run without end keeps only what is still to be settled.
+    void forgetSettled();
+
     // Publications added since the last call, by time and then by driver; kept only after the
     // first call, for a host that answers them.
     std::vector<Happening> newPublications();
@@ -62,6 +66,7 @@ private:
     Listener listener_;
     std::vector<Entry> entries_;  // not yet settled, in the order they came
     std::vector<Happening> settled_;
+    bool keepSettled_ = true;
     bool keepPublications_ = false;
     std::vector<Happening> publications_;  // since newPublications() was last called
 };

@@ -9,6 +9,7 @@ namespace axlsim {
 // same result on every machine, and ten minutes of scans take a fraction of a second.
 class VirtualRunClock final : public RunClock {
 public:
+    VirtualRunClock();
     std::chrono::nanoseconds now() const override;
     void holdDrivers() override;
     void releaseDrivers() override;

@@ -52,6 +52,12 @@ int main(int argc, char** argv) {
     runCommand
         ->add_option("--driver", run.driver, "The driver library (default: the one beside axlsim)")
         ->option_text("PATH");
+#if AXLSIM_SERVE
+    runCommand
+        ->add_option("--html", run.html,
+                     "Also write a self-contained HTML report of the run (waveforms, timeline)")
+        ->option_text("FILE");
+#endif
     auto* until =
         runCommand
             ->add_option(
@@ -76,6 +82,43 @@ int main(int argc, char** argv) {
         ->add_option("--driver", demoDriver, "The driver library (default: the one beside axlsim)")
         ->option_text("PATH");
 
+#if AXLSIM_SERVE
+    axlsim::ServeCommand::Request serve;
+    auto* serveCommand = app.add_subcommand(
+        "serve", "Run the configuration live, paced to the wall clock, with a page and an API.");
+    serveCommand->add_option("CONFIG", serve.config, "The configuration (JSON, comments allowed)")
+        ->required();
+    serveCommand
+        ->add_option("--port", serve.port,
+                     "The port to listen on (default 8080); 0 picks a free one")
+        ->option_text("N")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+    serveCommand
+        ->add_option("--listen", serve.listen,
+                     "The address to listen on (default 127.0.0.1; anyone who can reach it and has "
+                     "the token can "
+                     "drive the plant)")
+        ->option_text("ADDR")
+        ->capture_default_str();
+    serveCommand
+        ->add_option(
+            "--speed", serve.speed,
+            "Virtual time runs X times as fast as real time, 0.1 to 100000, or max (default 1)")
+        ->option_text("X")
+        ->capture_default_str();
+    serveCommand->add_flag("--paused", serve.paused, "Start with the clock paused");
+    serveCommand
+        ->add_option("--modbus", serve.modbus,
+                     "Also serve the bus over Modbus TCP on PORT (0 picks a free one), on ADDR "
+                     "(default 127.0.0.1)")
+        ->option_text("[ADDR:]PORT");
+    serveCommand
+        ->add_option("--driver", serve.driver,
+                     "The driver library (default: the one beside axlsim)")
+        ->option_text("PATH");
+#endif
+
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -95,6 +138,10 @@ int main(int argc, char** argv) {
             run.until = axlsim::Milliseconds::read(untilText);
         return axlsim::Commands::run(run);
     }
+#if AXLSIM_SERVE
+    if (*serveCommand)
+        return axlsim::Commands::serve(serve);
+#endif
     if (*checkCommand)
         return axlsim::Commands::check(checkConfig);
     return axlsim::Commands::demo(demoDriver);

@@ -89,6 +89,13 @@ void VirtualClock::runFor(Duration d) {
     runUntil(now() + d);
 }
 
+void VirtualClock::keepPauses(bool keep) {
+    std::lock_guard lock(mutex_);
+    keepPauses_ = keep;
+    if (!keep)
+        pauses_.clear();
+}
+
 std::vector<VirtualClock::Pause> VirtualClock::pauses() const {
     std::lock_guard lock(mutex_);
     return std::vector<Pause>(pauses_.begin(), pauses_.end());
@@ -163,7 +170,8 @@ void VirtualClock::pause(const timespec& request) {
         return;
     std::unique_lock lock(mutex_);
     const Duration duration = durationOf(request);
-    pauses_.push_back(Pause{orbel::currentThreadDriver(), now_, duration});
+    if (keepPauses_)
+        pauses_.push_back(Pause{orbel::currentThreadDriver(), now_, duration});
     Sleeper sleeper;
     sleeper.wakeAt = now_ + duration;
     sleepers_.push_back(&sleeper);

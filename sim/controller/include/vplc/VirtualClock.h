@@ -82,8 +82,12 @@ public:
     // at each instant (before the next one) runs the clock this way.
     Duration runNext(Duration t);
 
-    // Every pause so far, in the order the threads began them.
+    // Every pause so far, in the order the threads began them (while they are kept).
     std::vector<Pause> pauses() const;
+
+    // Whether pauses() keeps a record of each pause (it does unless told otherwise). A run
+    // without end turns it off: the record grows by one entry a scan.
+    void keepPauses(bool keep);
 
     // Holding, every driver thread that starts a scan waits at the gate. Ending the hold lets the
     // held threads go on and settles.
@@ -145,6 +149,7 @@ private:
     bool holding_ = false;
     std::vector<Sleeper*> sleepers_;
     std::vector<Ticket*> held_;
+    bool keepPauses_ = true;
     std::deque<Pause> pauses_;               // grows without moving what it holds
     std::deque<orbel::DriverFiber*> ready_;  // fibers to resume when settling, in order
 };

@@ -1,0 +1,233 @@
+#include "axlsim/serve/ModbusServer.h"
+
+#include <fcntl.h>
+#include <modbus/modbus.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <exception>
+
+#include "axlsim/ProcessData.h"
+
+namespace axlsim {
+
+namespace {
+
+constexpr int kBacklog = 16;
+constexpr std::size_t kReadChunk = 4096;
+
+void setNonBlocking(int socket) {
+    fcntl(socket, F_SETFL, fcntl(socket, F_GETFL) | O_NONBLOCK);
+}
+
+int boundPort(int socket) {
+    sockaddr_in address{};
+    socklen_t length = sizeof address;
+    if (getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0)
+        return -1;
+    return ntohs(address.sin_port);
+}
+
+}  // namespace
+
+void ModbusServer::Closer::operator()(modbus_t* context) const {
+    // The context's socket is the last client's, closed on its own: only the listener is its.
+    modbus_set_socket(context, -1);
+    modbus_free(context);
+}
+
+void ModbusServer::Closer::operator()(modbus_mapping_t* mapping) const {
+    modbus_mapping_free(mapping);
+}
+
+ModbusServer::ModbusServer(const Config& config, LiveRun& run)
+    : run_(run),
+      map_(config.bus),
+      tables_(modbus_mapping_new(map_.size(), map_.size(), map_.size(), map_.size())) {
+    if (pipe2(wake_, O_CLOEXEC) != 0)
+        wake_[0] = wake_[1] = -1;
+}
+
+ModbusServer::~ModbusServer() {
+    for (Connection& connection : connections_)
+        close(connection.socket);
+    for (int end : wake_) {
+        if (end >= 0)
+            close(end);
+    }
+    if (listener_ >= 0)
+        close(listener_);
+}
+
+int ModbusServer::bind(const std::string& address, int port) {
+    context_.reset(modbus_new_tcp(address.c_str(), port));
+    if (!context_ || !tables_ || wake_[0] < 0)
+        return -1;
+    listener_ = modbus_tcp_listen(context_.get(), kBacklog);
+    if (listener_ < 0)
+        return -1;
+    setNonBlocking(listener_);
+    return boundPort(listener_);
+}
+
+void ModbusServer::stop() {
+    const char wake = 0;
+    // A stop before serve() began stays in the pipe and ends it at once.
+    [[maybe_unused]] const ssize_t written = ::write(wake_[1], &wake, 1);
+}
+
+int ModbusServer::pollTimeout(std::chrono::steady_clock::time_point now) const {
+    std::optional<std::chrono::steady_clock::time_point> first;
+    for (const Connection& connection : connections_) {
+        if (connection.partialSince && (!first || *connection.partialSince < *first))
+            first = connection.partialSince;
+    }
+    if (!first)
+        return -1;
+    const auto left = *first + kPartialFrameTimeout - now;
+    return static_cast<int>(
+        std::max<long long>(0, std::chrono::ceil<std::chrono::milliseconds>(left).count()));
+}
+
+void ModbusServer::serve() {
+    std::vector<pollfd> polled;
+    for (;;) {
+        polled.clear();
+        polled.push_back({wake_[0], POLLIN, 0});
+        polled.push_back({listener_, POLLIN, 0});
+        for (const Connection& connection : connections_)
+            polled.push_back({connection.socket, POLLIN, 0});
+        if (poll(polled.data(), polled.size(), pollTimeout(std::chrono::steady_clock::now())) < 0 &&
+            errno != EINTR)
+            return;
+        if (polled[0].revents != 0)
+            return;
+        const auto now = std::chrono::steady_clock::now();
+        // Connections accepted below are after the polled ones, so the indexes stay true.
+        for (std::size_t i = connections_.size(); i-- > 0;) {
+            Connection& connection = connections_[i];
+            const bool ready = polled[i + 2].revents != 0;
+            const bool open = ready ? receive(connection) : true;
+            const bool stalled =
+                connection.partialSince && now - *connection.partialSince >= kPartialFrameTimeout;
+            if (open && !stalled)
+                continue;
+            close(connection.socket);
+            connections_.erase(connections_.begin() + static_cast<std::ptrdiff_t>(i));
+            --clients_;
+        }
+        if (polled[1].revents != 0)
+            accept();
+    }
+}
+
+void ModbusServer::accept() {
+    const int socket = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    if (socket < 0)
+        return;
+    if (connections_.size() >= static_cast<std::size_t>(kMaxClients)) {
+        close(socket);
+        return;
+    }
+    // Answers are small and go at once, not held back for more.
+    const int on = 1;
+    setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    connections_.push_back(Connection{socket, {}, std::nullopt});
+    ++clients_;
+}
+
+bool ModbusServer::receive(Connection& connection) {
+    std::array<uint8_t, kReadChunk> chunk{};
+    const ssize_t got = recv(connection.socket, chunk.data(), chunk.size(), 0);
+    if (got == 0)
+        return false;
+    if (got < 0)
+        return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
+    std::vector<uint8_t>& bytes = connection.bytes;
+    bytes.insert(bytes.end(), chunk.begin(), chunk.begin() + got);
+    std::size_t used = 0;
+    for (;;) {
+        const auto rest = std::span<const uint8_t>(bytes).subspan(used);
+        const int length = ModbusRequest::frameLength(rest);
+        if (length < 0)
+            return false;
+        if (length == 0)
+            break;
+        if (!answer(connection.socket, rest.first(static_cast<std::size_t>(length))))
+            return false;
+        used += static_cast<std::size_t>(length);
+    }
+    bytes.erase(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(used));
+    if (bytes.empty())
+        connection.partialSince.reset();
+    else if (!connection.partialSince)
+        connection.partialSince = std::chrono::steady_clock::now();
+    return true;
+}
+
+bool ModbusServer::answer(int socket, std::span<const uint8_t> frame) {
+    const ModbusRequest request = ModbusRequest::read(frame, map_);
+    modbus_set_socket(context_.get(), socket);
+    if (request.exception != 0)
+        return modbus_reply_exception(context_.get(), frame.data(),
+                                      static_cast<unsigned>(request.exception)) >= 0;
+    try {
+        if (request.write)
+            write(request);
+        else
+            read(request);
+    } catch (const std::exception&) {
+        // The run has ended: the server is about to stop as well.
+        return false;
+    }
+    return modbus_reply(context_.get(), frame.data(), static_cast<int>(frame.size()),
+                        tables_.get()) >= 0;
+}
+
+void ModbusServer::write(const ModbusRequest& request) {
+    std::vector<Config::Step> steps;
+    for (std::size_t n = 0; n < request.values.size(); ++n) {
+        Config::Input input;
+        input.position = request.pins.position;
+        input.pin = request.pins.first + static_cast<int>(n);
+        input.value = request.values[n];
+        input.source = "modbus";
+        steps.push_back(Config::Step{{}, input, {}, {}});
+    }
+    run_.perform(std::move(steps));
+}
+
+void ModbusServer::read(const ModbusRequest& request) {
+    const ModbusMap::Pins& pins = request.pins;
+    const int base = (pins.position - 1) * ModbusMap::kBlock;
+    modbus_mapping_t& tables = *tables_;
+    run_.readBus([&](const vplc::Plant& plant) {
+        const std::vector<uint8_t> inputs = plant.inputsOnBus(pins.position);
+        for (int pin = pins.first; pin < pins.first + pins.count; ++pin) {
+            const auto at = static_cast<std::size_t>(base + pin);
+            switch (request.table) {
+                case ModbusMap::Table::Coils:
+                    tables.tab_bits[at] = digitalPin(inputs, pin) ? 1 : 0;
+                    break;
+                case ModbusMap::Table::DiscreteInputs:
+                    tables.tab_input_bits[at] =
+                        (plant.digitalOutputsOnBus(pins.position) >> pin) & 1;
+                    break;
+                case ModbusMap::Table::HoldingRegisters:
+                    tables.tab_registers[at] = analogWord(inputs, pin);
+                    break;
+                case ModbusMap::Table::InputRegisters:
+                    tables.tab_input_registers[at] = plant.analogOutputOnBus(pins.position, pin);
+                    break;
+            }
+        }
+    });
+}
+
+}  // namespace axlsim

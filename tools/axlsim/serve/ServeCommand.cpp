@@ -1,0 +1,172 @@
+#include "axlsim/serve/ServeCommand.h"
+
+#include <pthread.h>
+#include <signal.h>
+
+#include <atomic>
+#include <cerrno>
+#include <charconv>
+#include <ctime>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "axlsim/InterruptSignals.h"
+#include "axlsim/serve/ApiServer.h"
+#include "axlsim/serve/Assets.h"
+#include "axlsim/serve/LiveRun.h"
+#include "axlsim/serve/ModbusServer.h"
+#include "axlsim/serve/Token.h"
+
+namespace axlsim {
+
+namespace {
+
+constexpr int kCannotServe = 2;
+constexpr double kLowestSpeed = 0.1;
+constexpr double kHighestSpeed = 100000.0;
+constexpr const char* kLoopback = "127.0.0.1";
+
+std::optional<LiveRun::Options> paceOf(const ServeCommand::Request& request) {
+    LiveRun::Options options;
+    options.paused = request.paused;
+    if (request.speed == "max") {
+        options.maxSpeed = true;
+        return options;
+    }
+    double speed = 0;
+    const char* end = request.speed.data() + request.speed.size();
+    const auto [stop, error] = std::from_chars(request.speed.data(), end, speed);
+    if (error != std::errc() || stop != end || !(speed >= kLowestSpeed && speed <= kHighestSpeed))
+        return std::nullopt;
+    options.speed = speed;
+    return options;
+}
+
+struct Endpoint {
+    std::string address = kLoopback;
+    int port = 0;
+};
+
+// "[ADDR:]PORT", as --modbus takes it.
+std::optional<Endpoint> endpointOf(const std::string& text) {
+    Endpoint endpoint;
+    const auto colon = text.rfind(':');
+    if (colon != std::string::npos)
+        endpoint.address = text.substr(0, colon);
+    const std::string port = colon == std::string::npos ? text : text.substr(colon + 1);
+    const char* end = port.data() + port.size();
+    const auto [stop, error] = std::from_chars(port.data(), end, endpoint.port);
+    if (port.empty() || error != std::errc() || stop != end || endpoint.port < 0 ||
+        endpoint.port > 65535 || endpoint.address.empty())
+        return std::nullopt;
+    return endpoint;
+}
+
+void warnIfOpen(const std::string& address, const char* who) {
+    if (address != kLoopback)
+        std::cerr << "axlsim: warning: listening on " << address << ": anyone who can reach it"
+                  << who << " can drive the plant\n";
+}
+
+// Ctrl-C and SIGTERM are taken by the main thread alone, which waits for them: blocked here,
+// before any thread starts, so that every thread inherits the block.
+sigset_t endingSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return signals;
+}
+
+// What ended the server: a signal's name, or the API's stop.
+std::string waitForEnd(const sigset_t& signals, const std::atomic<bool>& stopAsked) {
+    // Looks for POST /api/stop every tenth of a second while waiting for a signal.
+    const timespec patience{0, 100'000'000};
+    while (!stopAsked) {
+        if (const int signal = sigtimedwait(&signals, nullptr, &patience); signal > 0)
+            return InterruptSignals::name(signal);
+    }
+    return "POST /api/stop";
+}
+
+}  // namespace
+
+int ServeCommand::serve(const Config& config, const DriverLibrary& library,
+                        const Request& request) {
+    const auto pace = paceOf(request);
+    if (!pace) {
+        std::cerr << "axlsim: --speed: expected a factor from 0.1 to 100000, or max, not \""
+                  << request.speed << "\"\n";
+        return kCannotServe;
+    }
+    std::optional<Endpoint> modbusAt;
+    if (!request.modbus.empty()) {
+        modbusAt = endpointOf(request.modbus);
+        if (!modbusAt) {
+            std::cerr
+                << "axlsim: --modbus: expected [ADDR:]PORT with a port from 0 to 65535, not \""
+                << request.modbus << "\"\n";
+            return kCannotServe;
+        }
+    }
+    const sigset_t signals = endingSignals();
+    std::atomic<bool> stopAsked{false};
+
+    LiveRun live(config, library, *pace);
+    ApiServer::Settings settings;
+    settings.address = request.listen;
+    settings.token = Token::fresh();
+    settings.page = Assets::livePage();
+    settings.onStop = [&stopAsked] { stopAsked = true; };
+    ApiServer server(config, live, settings);
+    const int port = server.bind(request.port);
+    if (port < 0) {
+        std::cerr << "axlsim: cannot listen on " << request.listen << " port " << request.port
+                  << ": the port is taken, or the address is not one of this machine's\n";
+        return kCannotServe;
+    }
+    std::optional<ModbusServer> modbus;
+    if (modbusAt) {
+        modbus.emplace(config, live);
+        const int modbusPort = modbus->bind(modbusAt->address, modbusAt->port);
+        if (modbusPort < 0) {
+            std::cerr << "axlsim: cannot listen on " << modbusAt->address << " port "
+                      << modbusAt->port << " for Modbus: the port is taken, or the address is not "
+                      << "one of this machine's\n";
+            return kCannotServe;
+        }
+        modbusAt->port = modbusPort;
+        const std::string shown = modbusAt->address + ':' + std::to_string(modbusPort);
+        live.showInState("modbus", [shown, &modbus] {
+            return nlohmann::ordered_json{{"address", shown}, {"clients", modbus->clients()}};
+        });
+    }
+    std::cout << "axlsim serve: http://" << request.listen << ':' << port
+              << "/?token=" << settings.token << std::endl;
+    if (modbusAt)
+        std::cout << "axlsim modbus: " << modbusAt->address << ':' << modbusAt->port << std::endl;
+    warnIfOpen(request.listen, " and has the token");
+    if (modbusAt)
+        warnIfOpen(modbusAt->address, " over Modbus");
+
+    live.start();
+    std::thread http([&server] { server.serve(); });
+    std::thread bus;
+    if (modbus)
+        bus = std::thread([&modbus] { modbus->serve(); });
+    const std::string ending = waitForEnd(signals, stopAsked);
+    server.stop();
+    http.join();
+    if (modbus) {
+        modbus->stop();
+        bus.join();
+    }
+    live.stop();
+    std::cout << "axlsim serve: stopped by " << ending << "; the drivers are deleted" << std::endl;
+    return 0;
+}
+
+}  // namespace axlsim

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+#include "axlsim/Config.h"
+#include "axlsim/DriverLibrary.h"
+
+namespace axlsim {
+
+// axlsim serve: the configuration's run, live, paced to the wall clock, with its page and API
+// over HTTP until Ctrl-C, SIGTERM or POST /api/stop.
+class ServeCommand {
+public:
+    struct Request {
+        std::string config;
+        int port = 8080;
+        std::string listen = "127.0.0.1";
+        std::string speed = "1";  // a factor, or "max"
+        bool paused = false;
+        std::string driver;
+        std::string modbus;  // [ADDR:]PORT of the Modbus TCP server; none when empty
+    };
+
+    // 0 once stopped cleanly; 2 when the server cannot be started.
+    static int serve(const Config& config, const DriverLibrary& library, const Request& request);
+};
+
+}  // namespace axlsim

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Ten minutes of a driver on the virtual clock: an AXL F DI8/1 DO8/1 with eight inputs and eight
 // outputs, an input changing and an output event every second, scanned every 100 ms.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How fast axlsim plays driver scenarios on the virtual clock: ten minutes of one driver, and of
 // four drivers on one bus, each fully configured, with an input change and an output event per
 // driver every second, scanned every 100 ms. The counter x_real_time is simulated seconds per

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The driver's hot paths on the virtual controller, each beside its floor: the same platform
 // calls made by a bare loop with no driver logic. The report ends with the driver / floor ratios.
 //

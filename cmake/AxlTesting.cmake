@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # GoogleTest from Debian's source package, built with the project's flags (sanitizers, target).
 set(AXL_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest sources")
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)

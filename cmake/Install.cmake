@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What `cmake --install` puts where, by component:
 #
 #   driver           libplcnext_driver.so, the README and an example host configuration: what an

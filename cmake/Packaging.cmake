@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Packages made by `cpack` in <build>/packages: a .tar.gz and a .deb per component (see
 # Install.cmake). A cross build packages the driver for its target (armhf); a native build
 # packages the driver and the workstation tools for the machine's own architecture.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libFuzzer entry of the axlsim configuration fuzzer (targets/AxlsimConfigFuzzer.h).
 
 #include <cstdint>

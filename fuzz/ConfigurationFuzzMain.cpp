@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libFuzzer entry of the configuration fuzzer (targets/ConfigurationFuzzer.h).
 
 #include <cstdint>

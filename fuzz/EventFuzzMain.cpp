@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libFuzzer entry of the event fuzzer (targets/EventFuzzer.h). The fuzzer's two drivers live
 // for the whole run.
 

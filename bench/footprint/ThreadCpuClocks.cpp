@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ThreadCpuClocks.h"
 
 #include <pthread.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "FullyConfigured.h"
 
 #include <string>

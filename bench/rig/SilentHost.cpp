@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "SilentHost.h"
 
 namespace axlbench {

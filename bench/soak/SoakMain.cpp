@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Concurrency soak: output events for many pins of three drivers, delivered from one host thread
 // per driver as fast as they go, while the drivers scan on the wall clock and their inputs
 // change under them. The events go on until both the event count and the minimum time are

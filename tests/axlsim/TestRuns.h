@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <chrono>
@@ -43,8 +44,9 @@ template <class Kind>
 std::vector<Found<Kind>> happeningsOf(const axlsim::RunResult& run) {
     std::vector<Found<Kind>> found;
     for (const axlsim::Happening& happening : run.timeline) {
-        if (const auto* what = std::get_if<Kind>(&happening.what))
+        if (const auto* what = std::get_if<Kind>(&happening.what)) {
             found.push_back({happening.t, happening.driver, *what});
+        }
     }
     return found;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "TestHost.h"
 
 #include <cstring>

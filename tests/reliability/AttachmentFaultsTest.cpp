@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The runtime attachment's rows of the fault matrix. The attachment happens once per process, so
 // each row runs in a forked child of a process that has not attached: a program of its own.
 

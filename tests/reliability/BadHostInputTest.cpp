@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Events a host should not send, sent in bursts: null payloads, ids nobody subscribed, the ids of
 // restart services, and every payload size from 0 to 4096. Nothing crashes, and no output that is
 // not bound to the event's id is ever written.

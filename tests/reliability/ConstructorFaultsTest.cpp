@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The module constructors' acquisition of the GDS frame buffers and of their ports' offsets.
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Output events: the writes of a digital and an analog output, and the copy of the output image
 // after every kind of event.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "FaultRow.h"
 
 #include <cstring>

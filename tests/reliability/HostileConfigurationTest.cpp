@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Malformed numbers and misspelt names in the host's records: each gives exactly the value or
 // the exception the standard base-10 conversion gives, logs exactly the driver's lines, and leaves
 // the host's records as they were.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // initialize(): the input image before registration, the initial values of the outputs, and the
 // initial output image.
 

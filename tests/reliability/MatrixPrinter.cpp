@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "MatrixPrinter.h"
 
 #include <iostream>

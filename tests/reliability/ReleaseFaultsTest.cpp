@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The module destructors' release of the GDS frame buffers.
 
 #include <string>

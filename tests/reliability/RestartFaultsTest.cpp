@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Restart events: the device-control service lookup and the restart operation.
 
 #include <string>

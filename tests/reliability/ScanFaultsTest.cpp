@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The scan: the input copy at its start, the reads of the digital and analog inputs in the
 // initial publication and in a steady scan, and the platform's error text of a failure line.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drivers made, initialised, run briefly and deleted a thousand times, with their scan thread
 // alive at deletion: no thread, GDS buffer, frame lock or allocation outlives its driver, except
 // the input payload buffers that the driver keeps on purpose (the one leak suppression).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/BusWatch.h"
 
 namespace axlsim {
@@ -16,23 +17,26 @@ int BusWatch::writes() const {
 
 void BusWatch::recordSince(int before, int driver) const {
     const int after = writes();
-    for (int write = before; write < after; ++write)
+    for (int write = before; write < after; ++write) {
         timeline_.add(driver, Happening::BusWrite{busOutputs()});
+    }
 }
 
 std::vector<std::vector<uint8_t>> BusWatch::busOutputs() const {
     std::vector<std::vector<uint8_t>> outputs;
     const int modules = static_cast<int>(plant_.modules().size());
-    for (int position = 1; position <= modules; ++position)
+    for (int position = 1; position <= modules; ++position) {
         outputs.push_back(plant_.outputsOnBus(position));
+    }
     return outputs;
 }
 
 std::vector<std::vector<uint8_t>> BusWatch::gdsOutputs() const {
     std::vector<std::vector<uint8_t>> outputs;
     const int modules = static_cast<int>(plant_.modules().size());
-    for (int position = 1; position <= modules; ++position)
+    for (int position = 1; position <= modules; ++position) {
         outputs.push_back(plant_.outputsInGds(position));
+    }
     return outputs;
 }
 

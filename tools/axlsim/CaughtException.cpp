@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/CaughtException.h"
 
 #include <cxxabi.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/CheckReport.h"
 
 #include <string>
@@ -17,24 +18,28 @@ std::string subject(const Config::Driver& driver, const Finding& finding) {
                (service.name.empty() ? "" : " " + inQuotes(service.name)) + ", event " +
                std::to_string(service.eventId) + ")";
     }
-    if (finding.at)
+    if (finding.at) {
         return "scenario, at " + std::to_string(finding.at->count()) + " ms";
+    }
     return "driver settings";
 }
 
 std::string hostCall(const std::string& where) {
-    if (where == "create")
+    if (where == "create") {
         return "CreateSiObject";
-    if (where == "event")
+    }
+    if (where == "event") {
         return "onReceiveEvent";
+    }
     return "initialize";
 }
 
 std::string driverTitle(const Config& config, int index) {
     const Config::Driver& driver = config.drivers[static_cast<std::size_t>(index)];
     std::string title = "driver " + std::to_string(index);
-    if (!driver.name.empty())
+    if (!driver.name.empty()) {
         title += " " + inQuotes(driver.name);
+    }
     return title + " (" + inQuotes(driver.deviceType) + ")";
 }
 
@@ -68,8 +73,9 @@ void CheckReport::write(std::ostream& out, const Config& config,
         const int index = static_cast<int>(d);
         bool titled = false;
         for (const Finding& finding : findings) {
-            if (finding.driver != index)
+            if (finding.driver != index) {
                 continue;
+            }
             if (!titled) {
                 out << '\n' << driverTitle(config, index) << '\n';
                 titled = true;
@@ -80,8 +86,9 @@ void CheckReport::write(std::ostream& out, const Config& config,
                 << "    fix:     " << finding.fix << '\n';
         }
     }
-    if (!loop.empty())
+    if (!loop.empty()) {
         out << "\nplant and host\n";
+    }
     for (const LoopCheck::Finding& finding : loop) {
         out << "  " << finding.path << " (" << finding.subject << ")\n"
             << "    problem: " << finding.problem << '\n'
@@ -91,8 +98,9 @@ void CheckReport::write(std::ostream& out, const Config& config,
     out << '\n';
     for (std::size_t d = 0; d < config.drivers.size(); ++d) {
         const auto first = ConfigCheck::firstFailure(findings, static_cast<int>(d));
-        if (!first)
+        if (!first) {
             continue;
+        }
         out << driverTitle(config, static_cast<int>(d)) << " fails first in "
             << hostCall(first->where)
             << (first->serviceKey ? ", at service " + std::to_string(*first->serviceKey) : "")

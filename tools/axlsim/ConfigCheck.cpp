@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/ConfigCheck.h"
 
 #include <algorithm>
@@ -50,8 +51,9 @@ constexpr std::array<ModuleModel, 2> kModules{{
 
 const ModuleModel* modelOf(const std::string& deviceType) {
     for (const ModuleModel& model : kModules) {
-        if (deviceType == model.deviceType)
+        if (deviceType == model.deviceType) {
             return &model;
+        }
     }
     return nullptr;
 }
@@ -102,8 +104,9 @@ constexpr std::string_view kInitVal = "InitVal";
 
 ServiceType serviceTypeOf(const std::string& text) {
     for (std::size_t i = 0; i < kServiceTexts.size(); ++i) {
-        if (text == kServiceTexts[i])
+        if (text == kServiceTexts[i]) {
             return static_cast<ServiceType>(i);
+        }
     }
     return Unsupported;
 }
@@ -120,8 +123,9 @@ std::string logLine(const char* format, ...) {
 std::string folded(std::string_view text) {
     std::string result;
     for (char c : text) {
-        if (std::isspace(static_cast<unsigned char>(c)) == 0)
+        if (std::isspace(static_cast<unsigned char>(c)) == 0) {
             result += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        }
     }
     return result;
 }
@@ -130,8 +134,9 @@ std::string folded(std::string_view text) {
 template <std::size_t N>
 std::string meant(const std::string& text, const std::array<std::string_view, N>& known) {
     for (std::string_view candidate : known) {
-        if (folded(text) == folded(candidate))
+        if (folded(text) == folded(candidate)) {
             return std::string(candidate);
+        }
     }
     return "";
 }
@@ -139,8 +144,9 @@ std::string meant(const std::string& text, const std::array<std::string_view, N>
 // The edits (insertions, deletions, replacements) that turn one text into the other.
 std::size_t editDistance(std::string_view a, std::string_view b) {
     std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j)
+    for (std::size_t j = 0; j <= b.size(); ++j) {
         row[j] = j;
+    }
     for (std::size_t i = 1; i <= a.size(); ++i) {
         std::size_t diagonal = row[0];
         row[0] = i;
@@ -173,8 +179,9 @@ std::string nearestKey(const std::string& key, const std::vector<std::string_vie
 template <std::size_t N>
 std::string listed(const std::array<std::string_view, N>& known) {
     std::string text;
-    for (std::size_t i = 0; i < N; ++i)
+    for (std::size_t i = 0; i < N; ++i) {
         text += (i == 0 ? "" : i + 1 == N ? " or " : ", ") + inQuotes(known[i]);
+    }
     return text;
 }
 
@@ -208,8 +215,9 @@ public:
     void run() {
         checkCreation();
         checkDeviceType();
-        for (const auto& [key, service] : driver_.services)
+        for (const auto& [key, service] : driver_.services) {
             checkService(key, service);
+        }
         checkRestartIds();
         checkEvents();
     }
@@ -277,12 +285,14 @@ private:
                    const std::map<std::string, std::string>& params,
                    const std::vector<std::string_view>& known, const std::string& kind) {
         for (const auto& [name, value] : params) {
-            if (std::find(known.begin(), known.end(), name) != known.end())
+            if (std::find(known.begin(), known.end(), name) != known.end()) {
                 continue;
+            }
             const std::string nearest = nearestKey(name, known);
             std::string reads = "it reads none";
-            for (std::size_t i = 0; i < known.size(); ++i)
+            for (std::size_t i = 0; i < known.size(); ++i) {
                 reads = (i == 0 ? "it reads " : reads + " and ") + std::string(known[i]);
+            }
             Finding& finding = add(
                 Effect::Differs, key, where,
                 visible(name) + ": not a key the driver reads" +
@@ -299,9 +309,10 @@ private:
             const std::string problem = "\"deviceType\" is " + inQuotes(driver_.deviceType) +
                                         ", which names no module the driver knows";
             std::string fix = "use " + listed(kDeviceTypes);
-            if (const std::string known = meant(driver_.deviceType, kDeviceTypes); !known.empty())
+            if (const std::string known = meant(driver_.deviceType, kDeviceTypes); !known.empty()) {
                 fix =
                     "write " + inQuotes(known) + " exactly (the driver compares the text exactly)";
+            }
             if (driver_.services.empty()) {
                 Finding& finding = add(Effect::Differs, std::nullopt, "initialize", problem);
                 finding.consequence = "starts without a module and serves nothing";
@@ -313,8 +324,9 @@ private:
             }
             return;
         }
-        if (!position_)
+        if (!position_) {
             return;
+        }
         checkPosition(position_->value());
     }
 
@@ -398,16 +410,20 @@ private:
         }
         const auto pin = checkNumber(key, "initialize", service.params, std::string(kPinNum), "0");
         std::optional<DriverNumber> initial;
-        if (isOutput(kind))
+        if (isOutput(kind)) {
             initial = checkNumber(key, "initialize", service.params, std::string(kInitVal), "0");
-        if (!pin || model_ == nullptr)
+        }
+        if (!pin || model_ == nullptr) {
             return;
-        if (!claimPin(key, service, kind, pin->value()))
+        }
+        if (!claimPin(key, service, kind, pin->value())) {
             return;
+        }
         if (isOutput(kind)) {
             outputs_[service.eventId].push_back({kind, pin->value()});
-            if (initial)
+            if (initial) {
                 checkInitialValue(key, kind, pin->value(), initial->value());
+            }
         }
     }
 
@@ -500,8 +516,9 @@ private:
 
     void checkRestartIds() {
         for (const auto& [key, id] : restartIds_) {
-            if (outputs_.count(id) == 0)
+            if (outputs_.count(id) == 0) {
                 continue;
+            }
             Finding& finding =
                 add(Effect::Differs, key, "initialize",
                     "event " + std::to_string(id) + " belongs to an output service as well");
@@ -514,8 +531,9 @@ private:
     void checkEvents() {
         for (const Config::Step& step : config_.scenario) {
             const auto* event = std::get_if<Config::Event>(&step.action);
-            if (event == nullptr || event->driver != index_)
+            if (event == nullptr || event->driver != index_) {
                 continue;
+            }
             const std::string id = std::to_string(event->id);
             if (!event->payload) {
                 Finding& finding = addStop(std::nullopt, "event",
@@ -554,12 +572,14 @@ private:
                     "services";
                 continue;
             }
-            if (output == outputs_.end() || event->payload->empty())
+            if (output == outputs_.end() || event->payload->empty()) {
                 continue;
+            }
             const uint8_t byte = (*event->payload)[0];
             for (const auto& [kind, pin] : output->second) {
-                if (kind != DigitalOut || byte <= 1)
+                if (kind != DigitalOut || byte <= 1) {
                     continue;
+                }
                 Finding& finding = add(Effect::Differs, std::nullopt, "event",
                                        "event " + id + " carries the byte " + std::to_string(byte) +
                                            " for a digital output");
@@ -587,16 +607,18 @@ private:
 
 std::vector<ConfigCheck::Finding> ConfigCheck::check(const Config& config) {
     std::vector<Finding> findings;
-    for (std::size_t i = 0; i < config.drivers.size(); ++i)
+    for (std::size_t i = 0; i < config.drivers.size(); ++i) {
         DriverCheck(config, static_cast<int>(i), findings).run();
+    }
     return findings;
 }
 
 std::optional<ConfigCheck::Finding> ConfigCheck::firstFailure(const std::vector<Finding>& findings,
                                                               int driver) {
     for (const Finding& finding : findings) {
-        if (finding.driver == driver && finding.effect != Effect::Differs)
+        if (finding.driver == driver && finding.effect != Effect::Differs) {
             return finding;
+        }
     }
     return std::nullopt;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/ConfigError.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/ConfigReader.h"
 
 #include <algorithm>
@@ -65,50 +66,61 @@ Config::Driver readDriver(const Document& doc, const Json* driver, const Json* m
     if (driver != nullptr) {
         const std::string at = member(path, "driver");
         doc.object(*driver, at, kDriverKeys);
-        if (driver->contains("name"))
+        if (driver->contains("name")) {
             result.name = doc.text(driver->at("name"), member(at, "name"));
-        if (driver->contains("serviceName"))
+        }
+        if (driver->contains("serviceName")) {
             result.serviceName = doc.text(driver->at("serviceName"), member(at, "serviceName"));
-        if (driver->contains("deviceType"))
+        }
+        if (driver->contains("deviceType")) {
             result.deviceType = doc.text(driver->at("deviceType"), member(at, "deviceType"));
-        if (driver->contains("params"))
+        }
+        if (driver->contains("params")) {
             result.params = doc.texts(driver->at("params"), member(at, "params"));
+        }
     }
     if (mappings != nullptr) {
         const std::string at = member(path, "mappings");
-        if (!mappings->is_object())
+        if (!mappings->is_object()) {
             doc.fail(at, "expected an object of event ids");
+        }
         for (const auto& [key, value] : mappings->items()) {
             const std::string entry = member(at, key);
             const unsigned id = doc.tableKey(key, entry);
             doc.object(value, entry, kMappingKeys);
-            if (!value.contains("size"))
+            if (!value.contains("size")) {
                 doc.fail(entry, "a mapping needs its \"size\" (nDataSize, in bytes)");
+            }
             result.mappings[id] = static_cast<uint16_t>(doc.integer(
                 value.at("size"), member(entry, "size"), 0, std::numeric_limits<uint16_t>::max()));
         }
     }
     if (services != nullptr) {
         const std::string at = member(path, "services");
-        if (!services->is_object())
+        if (!services->is_object()) {
             doc.fail(at, "expected an object of services");
+        }
         for (const auto& [key, value] : services->items()) {
             const std::string entry = member(at, key);
             const unsigned serviceKey = doc.tableKey(key, entry);
             doc.object(value, entry, kServiceKeys);
             Config::Service service;
-            if (!value.contains("eventId"))
+            if (!value.contains("eventId")) {
                 doc.fail(entry, "a service needs its \"eventId\"");
+            }
             service.eventId =
                 static_cast<uint32_t>(doc.integer(value.at("eventId"), member(entry, "eventId"), 0,
                                                   std::numeric_limits<uint32_t>::max()));
-            if (!value.contains("type"))
+            if (!value.contains("type")) {
                 doc.fail(entry, "a service needs its \"type\" (the service text)");
+            }
             service.type = doc.text(value.at("type"), member(entry, "type"));
-            if (value.contains("name"))
+            if (value.contains("name")) {
                 service.name = doc.text(value.at("name"), member(entry, "name"));
-            if (value.contains("params"))
+            }
+            if (value.contains("params")) {
                 service.params = doc.texts(value.at("params"), member(entry, "params"));
+            }
             result.services[serviceKey] = std::move(service);
         }
     }
@@ -125,15 +137,17 @@ std::vector<Config::Driver> readDrivers(const Document& doc, const Json& root) {
         return {
             readDriver(doc, optional("driver"), optional("mappings"), optional("services"), "")};
     }
-    if (single)
+    if (single) {
         doc.fail("/drivers",
                  "use either \"drivers\" or \"driver\", \"mappings\" and "
                  "\"services\", not both");
+    }
     const Json& list = root.at("drivers");
-    if (!list.is_array() || list.empty())
+    if (!list.is_array() || list.empty()) {
         doc.fail("/drivers",
                  "expected a list of drivers, each with its \"driver\", \"mappings\" "
                  "and \"services\"");
+    }
     std::vector<Config::Driver> drivers;
     for (std::size_t i = 0; i < list.size(); ++i) {
         const std::string at = element("/drivers", i);
@@ -179,20 +193,23 @@ std::vector<vplc::Module> defaultBus(const std::vector<Config::Driver>& drivers)
 }
 
 std::vector<vplc::Module> readBus(const Document& doc, const Json& node) {
-    if (!node.is_array() || node.empty())
+    if (!node.is_array() || node.empty()) {
         doc.fail("/bus", "expected a list of module types, one per position from 1");
-    if (node.size() > static_cast<std::size_t>(ConfigReader::kMaxBusModules))
+    }
+    if (node.size() > static_cast<std::size_t>(ConfigReader::kMaxBusModules)) {
         doc.fail("/bus", "an Axioline F bus holds at most " +
                              std::to_string(ConfigReader::kMaxBusModules) + " modules");
+    }
     std::vector<vplc::Module> bus;
     for (std::size_t i = 0; i < node.size(); ++i) {
         const std::string at = element("/bus", i);
         const std::string name = doc.text(node[i], at);
         const auto module = vplc::moduleFromOrderName(name);
-        if (!module)
+        if (!module) {
             doc.fail(at, "unknown module type " + inQuotes(name) +
                              " (known: " + std::string(vplc::orderName(vplc::Module::DI8_DO8)) +
                              ", " + std::string(vplc::orderName(vplc::Module::AI2_AO2)) + ")");
+        }
         bus.push_back(*module);
     }
     return bus;
@@ -202,8 +219,9 @@ Config::Input readInput(const Document& doc, const Json& node, const std::string
                         const std::vector<vplc::Module>& bus) {
     doc.object(node, at, kInputKeys);
     Config::Input input;
-    if (!node.contains("module") || !node.contains("pin"))
+    if (!node.contains("module") || !node.contains("pin")) {
         doc.fail(at, "an input needs its \"module\" (bus position) and \"pin\"");
+    }
     input.position = static_cast<int>(
         doc.integer(node.at("module"), member(at, "module"), 1, static_cast<int64_t>(bus.size())));
     const vplc::Module module = bus[static_cast<std::size_t>(input.position - 1)];
@@ -212,15 +230,17 @@ Config::Input readInput(const Document& doc, const Json& node, const std::string
         static_cast<int>(doc.integer(node.at("pin"), member(at, "pin"), 0, digital ? 7 : 1));
     const bool hasValue = node.contains("value");
     const bool hasRaw = node.contains("raw");
-    if (hasValue == hasRaw)
+    if (hasValue == hasRaw) {
         doc.fail(at, digital ? "a digital input needs its \"value\" (0 or 1)"
                              : "an analog input needs either \"raw\" (the IB IL word) or "
                                "\"value\" (in the engineering unit)");
+    }
     if (digital) {
-        if (hasRaw)
+        if (hasRaw) {
             doc.fail(member(at, "raw"),
                      "\"raw\" is for analog channels; a digital input takes "
                      "\"value\" 0 or 1");
+        }
         const Json& value = node.at("value");
         input.value = value.is_boolean()
                           ? (value.get<bool>() ? 1 : 0)
@@ -235,9 +255,10 @@ Config::Input readInput(const Document& doc, const Json& node, const std::string
     const Json& value = node.at("value");
     const float highest = from_ib_il(std::numeric_limits<uint16_t>::max());
     if (!value.is_number() || value.get<double>() < 0.0 ||
-        static_cast<float>(value.get<double>()) > highest)
+        static_cast<float>(value.get<double>()) > highest) {
         doc.fail(member(at, "value"), "expected a number from 0 to " + std::to_string(highest) +
                                           ", the range of an IB IL word");
+    }
     input.value = to_ib_il(static_cast<float>(value.get<double>()));
     return input;
 }
@@ -246,25 +267,29 @@ Config::Event readEvent(const Document& doc, const Json& node, const std::string
                         const std::vector<Config::Driver>& drivers) {
     doc.object(node, at, kEventKeys);
     Config::Event event;
-    if (node.contains("driver"))
+    if (node.contains("driver")) {
         event.driver = static_cast<int>(doc.integer(node.at("driver"), member(at, "driver"), 0,
                                                     static_cast<int64_t>(drivers.size()) - 1));
-    if (!node.contains("id"))
+    }
+    if (!node.contains("id")) {
         doc.fail(at, "an event needs its \"id\"");
+    }
     event.id = static_cast<uint32_t>(
         doc.integer(node.at("id"), member(at, "id"), 0, std::numeric_limits<uint32_t>::max()));
     const int given = (node.contains("value") ? 1 : 0) + (node.contains("bytes") ? 1 : 0) +
                       (node.contains("null") ? 1 : 0);
-    if (given != 1)
+    if (given != 1) {
         doc.fail(at, "an event carries exactly one of \"value\", \"bytes\" and \"null\"");
+    }
 
     if (node.contains("value")) {
         const Json& value = node.at("value");
         if (EventCatalog(drivers).feedsAnalogOutput(event.driver, event.id)) {
-            if (!value.is_number())
+            if (!value.is_number()) {
                 doc.fail(member(at, "value"), "expected a number: event " +
                                                   std::to_string(event.id) +
                                                   " feeds an analog output and carries a float");
+            }
             const float number = static_cast<float>(value.get<double>());
             std::vector<uint8_t> bytes(sizeof number);
             std::memcpy(bytes.data(), &number, sizeof number);
@@ -279,8 +304,9 @@ Config::Event readEvent(const Document& doc, const Json& node, const std::string
     } else if (node.contains("bytes")) {
         const std::string text = doc.text(node.at("bytes"), member(at, "bytes"));
         event.payload = fromHex(text);
-        if (!event.payload)
+        if (!event.payload) {
             doc.fail(member(at, "bytes"), "expected hexadecimal bytes, two digits each (\"01ff\")");
+        }
     } else if (!doc.flag(node.at("null"), member(at, "null"))) {
         doc.fail(member(at, "null"),
                  "\"null\": true sends the event with a null pData; leave it "
@@ -289,13 +315,14 @@ Config::Event readEvent(const Document& doc, const Json& node, const std::string
 
     const auto& mappings = drivers[static_cast<std::size_t>(event.driver)].mappings;
     const auto mapping = mappings.find(event.id);
-    if (node.contains("size"))
+    if (node.contains("size")) {
         event.size = static_cast<uint32_t>(doc.integer(node.at("size"), member(at, "size"), 0,
                                                        std::numeric_limits<uint32_t>::max()));
-    else if (mapping != mappings.end())
+    } else if (mapping != mappings.end()) {
         event.size = mapping->second;
-    else
+    } else {
         event.size = event.payload ? static_cast<uint32_t>(event.payload->size()) : 0;
+    }
     return event;
 }
 
@@ -303,9 +330,10 @@ Config::Plc readPlc(const Document& doc, const Json& node, const std::string& at
     if (node.is_string()) {
         const std::string name = node.get<std::string>();
         const auto operation = plcOperationFromName(name);
-        if (!operation)
+        if (!operation) {
             doc.fail(at, "unknown PLC operation " + inQuotes(name) +
                              " (known: " + plcOperationNames() + ")");
+        }
         return Config::Plc{*operation};
     }
     return Config::Plc{static_cast<PlcOperation>(doc.integer(node, at, 0, PlcOperation_Unload))};
@@ -318,36 +346,46 @@ struct Scenario {
 
 Scenario readScenario(const Document& doc, const Json& node, const std::vector<vplc::Module>& bus,
                       const std::vector<Config::Driver>& drivers) {
-    if (!node.is_array())
+    if (!node.is_array()) {
         doc.fail("/scenario", "expected a list of steps");
+    }
     Scenario scenario;
     for (std::size_t i = 0; i < node.size(); ++i) {
         const std::string at = element("/scenario", i);
         const Json& step = doc.object(node[i], at, kStepKeys);
-        if (!step.contains("at_ms"))
+        if (!step.contains("at_ms")) {
             doc.fail(at, "a step needs its time, \"at_ms\"");
+        }
         Config::Step result;
         result.path = at;
         result.at = doc.milliseconds(step.at("at_ms"), member(at, "at_ms"));
         const int actions = (step.contains("input") ? 1 : 0) + (step.contains("event") ? 1 : 0) +
                             (step.contains("plc") ? 1 : 0) + (step.contains("end") ? 1 : 0);
-        if (actions > 1)
+        if (actions > 1) {
             doc.fail(at, "a step does one thing: \"input\", \"event\", \"plc\" or \"end\"");
-        if (actions == 0 && !step.contains("note"))
+        }
+        if (actions == 0 && !step.contains("note")) {
             doc.fail(at, "a step needs one of \"input\", \"event\", \"plc\", \"end\" or \"note\"");
-        if (step.contains("note"))
+        }
+        if (step.contains("note")) {
             result.note = doc.text(step.at("note"), member(at, "note"));
-        if (step.contains("input"))
+        }
+        if (step.contains("input")) {
             result.action = readInput(doc, step.at("input"), member(at, "input"), bus);
-        if (step.contains("event"))
+        }
+        if (step.contains("event")) {
             result.action = readEvent(doc, step.at("event"), member(at, "event"), drivers);
-        if (step.contains("plc"))
+        }
+        if (step.contains("plc")) {
             result.action = readPlc(doc, step.at("plc"), member(at, "plc"));
+        }
         if (step.contains("end")) {
-            if (!doc.flag(step.at("end"), member(at, "end")))
+            if (!doc.flag(step.at("end"), member(at, "end"))) {
                 doc.fail(member(at, "end"), "\"end\": true ends the run; leave it out otherwise");
-            if (scenario.end)
+            }
+            if (scenario.end) {
                 doc.fail(at, "the scenario has a second \"end\"");
+            }
             scenario.end = result.at;
         }
         scenario.steps.push_back(std::move(result));
@@ -356,9 +394,10 @@ Scenario readScenario(const Document& doc, const Json& node, const std::vector<v
                      [](const Config::Step& a, const Config::Step& b) { return a.at < b.at; });
     if (scenario.end) {
         for (const Config::Step& step : scenario.steps) {
-            if (step.at > *scenario.end)
+            if (step.at > *scenario.end) {
                 doc.fail(step.path, "this step comes after the end of the run (\"end\" at " +
                                         std::to_string(scenario.end->count()) + " ms)");
+            }
         }
     }
     return scenario;
@@ -376,8 +415,9 @@ std::vector<std::string_view> ConfigReader::keys() {
           std::span<const std::string_view>(kDriversEntryKeys),
           std::span<const std::string_view>(kStepKeys),
           std::span<const std::string_view>(kInputKeys),
-          std::span<const std::string_view>(kEventKeys)})
+          std::span<const std::string_view>(kEventKeys)}) {
         all.insert(all.end(), place.begin(), place.end());
+    }
     const auto loop = LoopReader::keys();
     all.insert(all.end(), loop.begin(), loop.end());
     return all;
@@ -396,32 +436,39 @@ Config::Event ConfigReader::eventStep(const Json& node, const Config& config,
 Config::Plc ConfigReader::plcStep(const Json& node, const std::string& name) {
     const Document doc(name);
     doc.object(node, "", kPlcRequestKeys);
-    if (!node.contains("operation"))
+    if (!node.contains("operation")) {
         doc.fail("", "a PLC request needs its \"operation\"");
+    }
     return readPlc(doc, node.at("operation"), "/operation");
 }
 
 Config ConfigReader::readFile(const std::string& file) {
-    if (file == "-")
+    if (file == "-") {
         return readStream(std::cin, kStandardInput);
+    }
     std::error_code error;
     const auto status = std::filesystem::status(file, error);
-    if (!std::filesystem::exists(status))
+    if (!std::filesystem::exists(status)) {
         throw ConfigError(file, "",
                           "cannot open the file: " +
                               (error ? error.message() : std::string(std::strerror(ENOENT))));
-    if (std::filesystem::is_directory(status))
+    }
+    if (std::filesystem::is_directory(status)) {
         throw ConfigError(file, "",
                           "is a directory; give a configuration file, or - for standard input");
-    if (!std::filesystem::is_regular_file(status))
+    }
+    if (!std::filesystem::is_regular_file(status)) {
         throw ConfigError(file, "",
                           "is not a regular file; give a configuration file, or - for standard "
                           "input");
-    if (std::filesystem::file_size(file, error) > kMaxBytes)
+    }
+    if (std::filesystem::file_size(file, error) > kMaxBytes) {
         throw ConfigError(file, "", tooLarge(kMaxBytes));
+    }
     std::ifstream in(file, std::ios::binary);
-    if (!in)
+    if (!in) {
         throw ConfigError(file, "", std::string("cannot open the file: ") + std::strerror(errno));
+    }
     return readStream(in, file);
 }
 
@@ -430,11 +477,13 @@ Config ConfigReader::readStream(std::istream& in, const std::string& name, std::
     std::vector<char> chunk(kChunk);
     while (in.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || in.gcount() > 0) {
         text.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
-        if (text.size() > limit)
+        if (text.size() > limit) {
             throw ConfigError(name, "", tooLarge(limit));
+        }
     }
-    if (in.bad())
+    if (in.bad()) {
         throw ConfigError(name, "", std::string("cannot read: ") + std::strerror(errno));
+    }
     return readText(text, name);
 }
 
@@ -445,29 +494,35 @@ Config ConfigReader::readText(const std::string& text, const std::string& name) 
 
     Config config;
     config.file = name;
-    if (root.contains("description"))
+    if (root.contains("description")) {
         config.description = doc.text(root.at("description"), "/description");
+    }
     config.drivers = readDrivers(doc, root);
     config.severalDrivers = root.contains("drivers");
     config.bus = root.contains("bus") ? readBus(doc, root.at("bus")) : defaultBus(config.drivers);
-    if (root.contains("plant"))
+    if (root.contains("plant")) {
         config.plant = LoopReader::readPlant(doc, root.at("plant"), config.bus);
-    if (root.contains("host"))
+    }
+    if (root.contains("host")) {
         config.host =
             LoopReader::readHost(doc, root.at("host"), static_cast<int>(config.drivers.size()));
-    if (root.contains("expect_stop"))
+    }
+    if (root.contains("expect_stop")) {
         config.expectStop = doc.flag(root.at("expect_stop"), "/expect_stop");
+    }
 
     Scenario scenario;
-    if (root.contains("scenario"))
+    if (root.contains("scenario")) {
         scenario = readScenario(doc, root.at("scenario"), config.bus, config.drivers);
+    }
     config.scenario = std::move(scenario.steps);
-    if (scenario.end)
+    if (scenario.end) {
         config.end = *scenario.end;
-    else
+    } else {
         config.end =
             (config.scenario.empty() ? std::chrono::milliseconds(0) : config.scenario.back().at) +
             kDefaultTail;
+    }
     return config;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/DriverNumber.h"
 
 #include <cctype>
@@ -17,8 +18,9 @@ DriverNumber DriverNumber::read(const std::string& text) {
     }
     number.readsAsWritten_ = true;
     for (std::size_t i = used; i < text.size(); ++i) {
-        if (std::isspace(static_cast<unsigned char>(text[i])) == 0)
+        if (std::isspace(static_cast<unsigned char>(text[i])) == 0) {
             number.readsAsWritten_ = false;
+        }
     }
     return number;
 }

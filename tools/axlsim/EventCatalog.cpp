@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/EventCatalog.h"
 
 #include <algorithm>
@@ -21,24 +22,29 @@ bool EventCatalog::feedsAnalogOutput(int driver, uint32_t id) const {
 }
 
 EventCatalog::Receiver EventCatalog::receiverOf(int driver, uint32_t id) const {
-    if (feedsAnalogOutput(driver, id))
+    if (feedsAnalogOutput(driver, id)) {
         return Receiver::Analog;
+    }
     Receiver receiver = Receiver::None;
     for (const auto& [key, service] : drivers_->at(static_cast<std::size_t>(driver)).services) {
-        if (service.eventId != id)
+        if (service.eventId != id) {
             continue;
-        if (service.type == "DigitalOut")
+        }
+        if (service.type == "DigitalOut") {
             return Receiver::Digital;
-        if (service.type == "RestartDevice")
+        }
+        if (service.type == "RestartDevice") {
             receiver = Receiver::Restart;
+        }
     }
     return receiver;
 }
 
 const Config::Service* EventCatalog::inputService(int driver, uint32_t id) const {
     for (const auto& [key, service] : drivers_->at(static_cast<std::size_t>(driver)).services) {
-        if (service.eventId == id && (service.type == "DigitalIn" || service.type == "AnalogIn"))
+        if (service.eventId == id && (service.type == "DigitalIn" || service.type == "AnalogIn")) {
             return &service;
+        }
     }
     return nullptr;
 }
@@ -46,10 +52,12 @@ const Config::Service* EventCatalog::inputService(int driver, uint32_t id) const
 std::optional<EventCatalog::Value> EventCatalog::publishedValue(
     int driver, uint32_t id, std::span<const uint8_t> payload) const {
     const Config::Service* service = inputService(driver, id);
-    if (service == nullptr)
+    if (service == nullptr) {
         return std::nullopt;
-    if (service->type == "DigitalIn" && !payload.empty())
+    }
+    if (service->type == "DigitalIn" && !payload.empty()) {
         return Value(payload[0]);
+    }
     if (service->type == "AnalogIn" && payload.size() >= kFloatSize) {
         float value = 0.0f;
         std::memcpy(&value, payload.data(), kFloatSize);
@@ -62,22 +70,25 @@ std::vector<EventCatalog::Published> EventCatalog::published(int driver) const {
     const Config::Driver& config = drivers_->at(static_cast<std::size_t>(driver));
     std::vector<Published> ids;
     for (const auto& [key, service] : config.services) {
-        if (service.type != "DigitalIn" && service.type != "AnalogIn")
+        if (service.type != "DigitalIn" && service.type != "AnalogIn") {
             continue;
+        }
         const uint32_t eventId = service.eventId;
         const bool seen = std::any_of(ids.begin(), ids.end(),
                                       [eventId](const Published& p) { return p.id == eventId; });
-        if (seen)
+        if (seen) {
             continue;
+        }
         Published published;
         published.id = service.eventId;
         const auto mapping = config.mappings.find(service.eventId);
         published.size = mapping != config.mappings.end() ? mapping->second : 0;
         published.serviceName = service.name;
-        if (service.type == "DigitalIn" && published.size >= 1)
+        if (service.type == "DigitalIn" && published.size >= 1) {
             published.payload = Payload::Digital;
-        else if (service.type == "AnalogIn" && published.size >= kFloatSize)
+        } else if (service.type == "AnalogIn" && published.size >= kFloatSize) {
             published.payload = Payload::Analog;
+        }
         ids.push_back(published);
     }
     return ids;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/HostRoutes.h"
 
 #include <cstring>
@@ -9,8 +10,9 @@ namespace {
 using Receiver = EventCatalog::Receiver;
 
 double numberOf(const EventCatalog::Value& value) {
-    if (const auto* byte = std::get_if<uint8_t>(&value))
+    if (const auto* byte = std::get_if<uint8_t>(&value)) {
         return *byte != 0 ? 1.0 : 0.0;
+    }
     return static_cast<double>(std::get<float>(value));
 }
 
@@ -29,8 +31,9 @@ HostRoutes::HostRoutes(const Config& config)
       switchedOn_(config.host.size(), false) {}
 
 bool HostRoutes::fits(Route::Map map, bool digitalSource, Receiver receiver) {
-    if (receiver == Receiver::None || receiver == Receiver::Restart)
+    if (receiver == Receiver::None || receiver == Receiver::Restart) {
         return true;
+    }
     switch (map) {
         case Route::Map::Copy:
             return digitalSource || receiver == Receiver::Analog;
@@ -48,14 +51,17 @@ bool HostRoutes::fits(Route::Map map, bool digitalSource, Receiver receiver) {
 void HostRoutes::published(int driver, uint32_t id, std::span<const uint8_t> payload, Time t) {
     for (std::size_t i = 0; i < config_.host.size(); ++i) {
         const Route& route = config_.host[i];
-        if (route.fromDriver != driver || route.from != id)
+        if (route.fromDriver != driver || route.from != id) {
             continue;
+        }
         const auto value = catalog_.publishedValue(driver, id, payload);
-        if (!value)
+        if (!value) {
             continue;
+        }
         auto bytes = payloadOf(i, *value);
-        if (!bytes || (route.onChange && lastSent_[i] == bytes))
+        if (!bytes || (route.onChange && lastSent_[i] == bytes)) {
             continue;
+        }
         lastSent_[i] = bytes;
         Config::Event event;
         event.driver = route.toDriver;
@@ -75,8 +81,9 @@ std::optional<std::vector<uint8_t>> HostRoutes::payloadOf(std::size_t index,
     const Route& route = config_.host[index];
     const Receiver receiver = catalog_.receiverOf(route.toDriver, route.to);
     const bool digital = std::holds_alternative<uint8_t>(value);
-    if (!fits(route.map, digital, receiver))
+    if (!fits(route.map, digital, receiver)) {
         return std::nullopt;
+    }
     const double x = numberOf(value);
     double result = x;
     switch (route.map) {
@@ -91,12 +98,13 @@ std::optional<std::vector<uint8_t>> HostRoutes::payloadOf(std::size_t index,
             const bool beyond = above ? x > route.threshold : x < route.threshold;
             const bool back = above ? x < route.threshold - route.hysteresis
                                     : x > route.threshold + route.hysteresis;
-            if (route.hysteresis == 0.0)
+            if (route.hysteresis == 0.0) {
                 switchedOn_[index] = beyond;
-            else if (beyond)
+            } else if (beyond) {
                 switchedOn_[index] = true;
-            else if (back)
+            } else if (back) {
                 switchedOn_[index] = false;
+            }
             result = switchedOn_[index] ? 1.0 : 0.0;
             break;
         }
@@ -106,28 +114,33 @@ std::optional<std::vector<uint8_t>> HostRoutes::payloadOf(std::size_t index,
     }
     switch (receiver) {
         case Receiver::Analog:
-            if (route.map == Route::Map::Copy)
-                if (const auto* f = std::get_if<float>(&value))
+            if (route.map == Route::Map::Copy) {
+                if (const auto* f = std::get_if<float>(&value)) {
                     return floatBytes(*f);
+                }
+            }
             return floatBytes(static_cast<float>(result));
         case Receiver::Restart:
             return std::vector<uint8_t>{0};
         case Receiver::Digital:
-            if (route.map == Route::Map::Copy)
+            if (route.map == Route::Map::Copy) {
                 return std::vector<uint8_t>{std::get<uint8_t>(value)};
+            }
             break;
         case Receiver::None:
             // The driver will refuse it whatever it carries; the source's own bytes go.
-            if (const auto* byte = std::get_if<uint8_t>(&value))
+            if (const auto* byte = std::get_if<uint8_t>(&value)) {
                 return std::vector<uint8_t>{*byte};
+            }
             return floatBytes(std::get<float>(value));
     }
     return std::vector<uint8_t>{static_cast<uint8_t>(result != 0.0 ? 1 : 0)};
 }
 
 std::optional<HostRoutes::Time> HostRoutes::nextDelivery() const {
-    if (queue_.empty())
+    if (queue_.empty()) {
         return std::nullopt;
+    }
     return queue_.begin()->first;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/HostedDriver.h"
 
 #include <algorithm>
@@ -27,8 +28,9 @@ stSP_Params_t paramsOf(const Config::Driver& config) {
 
 std::map<unsigned, stMappingElem_t> mappingsOf(const Config::Driver& config) {
     std::map<unsigned, stMappingElem_t> mappings;
-    for (const auto& [id, size] : config.mappings)
+    for (const auto& [id, size] : config.mappings) {
         mappings[id].nDataSize = size;
+    }
     return mappings;
 }
 
@@ -81,14 +83,16 @@ bool HostedDriver::create() {
         orbel::CallScope creating(nullptr);
         driver_ = library_.createSiObject(params, &mappings, &services);
     });
-    if (driver_ != nullptr)
+    if (driver_ != nullptr) {
         observer_.attach(driver_, index_);
+    }
     return driver_ != nullptr;
 }
 
 void HostedDriver::initialize() {
-    if (driver_ == nullptr)
+    if (driver_ == nullptr) {
         return;
+    }
     hostCall("initialize", [this] {
         orbel::CallScope calling(driver_);
         driver_->initialize();
@@ -113,8 +117,9 @@ void HostedDriver::deliver(const Config::Event& event) {
 }
 
 void HostedDriver::destroy() {
-    if (driver_ == nullptr)
+    if (driver_ == nullptr) {
         return;
+    }
     CSI_base* driver = driver_;
     driver_ = nullptr;
     observer_.setHostDriver(index_);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/JsonParser.h"
 
 #include <algorithm>
@@ -34,8 +35,9 @@ public:
     reference operator*() const { return *at_; }
     TrackedIterator& operator++() {
         ++at_;
-        if (furthest_ != nullptr)
+        if (furthest_ != nullptr) {
             *furthest_ = std::max(*furthest_, at_);
+        }
         return *this;
     }
     TrackedIterator operator++(int) {
@@ -89,16 +91,18 @@ private:
     };
 
     std::string childPointer() const {
-        if (levels_.empty())
+        if (levels_.empty()) {
             return "";
+        }
         const Level& level = levels_.back();
         return level.array ? JsonParser::element(level.pointer, level.index)
                            : JsonParser::member(level.pointer, level.key);
     }
 
     void valueDone() {
-        if (!levels_.empty() && levels_.back().array)
+        if (!levels_.empty() && levels_.back().array) {
             ++levels_.back().index;
+        }
     }
 
     void key(const std::string& key) {
@@ -137,12 +141,14 @@ std::string syntaxReason(const std::string& what) {
     std::string reason = start == std::string::npos ? what : what.substr(start + 2);
     const std::string lastRead = "; last read: '";
     const auto shown = reason.find(lastRead);
-    if (shown == std::string::npos)
+    if (shown == std::string::npos) {
         return reason;
+    }
     const std::size_t from = shown + lastRead.size();
     const std::size_t length = reason.size() - from - (reason.back() == '\'' ? 1 : 0);
-    if (length > kLastReadShown)
+    if (length > kLastReadShown) {
         reason = reason.substr(0, from + kLastReadShown) + "...'";
+    }
     return reason;
 }
 

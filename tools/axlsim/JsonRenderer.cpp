@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/JsonRenderer.h"
 
 #include <nlohmann/json.hpp>
@@ -20,8 +21,9 @@ Json milliseconds(std::chrono::nanoseconds t) {
 
 Json outputsByPosition(const std::vector<std::vector<uint8_t>>& outputs) {
     Json object = Json::object();
-    for (std::size_t i = 0; i < outputs.size(); ++i)
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
         object[std::to_string(i + 1)] = toHex(outputs[i]);
+    }
     return object;
 }
 
@@ -31,8 +33,9 @@ JsonRenderer::JsonRenderer(std::ostream& out, const Config& config)
     : out_(out), config_(config), catalog_(config.drivers) {}
 
 void JsonRenderer::happening(const Happening& happening) {
-    if (const auto object = line(happening))
+    if (const auto object = line(happening)) {
         out_ << object->dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+    }
 }
 
 std::optional<nlohmann::ordered_json> JsonRenderer::line(const Happening& happening) const {
@@ -40,8 +43,9 @@ std::optional<nlohmann::ordered_json> JsonRenderer::line(const Happening& happen
     line["t_ms"] = milliseconds(happening.t);
     auto kind = [&](const char* name) {
         line["kind"] = name;
-        if (config_.severalDrivers)
+        if (config_.severalDrivers) {
             line["driver"] = happening.driver < 0 ? Json(nullptr) : Json(happening.driver);
+        }
     };
     bool shown = true;
     std::visit(Overloaded{
@@ -59,10 +63,11 @@ std::optional<nlohmann::ordered_json> JsonRenderer::line(const Happening& happen
                        const auto value = catalog_.publishedValue(
                            happening.driver < 0 ? 0 : happening.driver, publish.id, publish.bytes);
                        if (value) {
-                           if (const auto* byte = std::get_if<uint8_t>(&*value))
+                           if (const auto* byte = std::get_if<uint8_t>(&*value)) {
                                line["value"] = *byte;
-                           else
+                           } else {
                                line["value"] = floatForJson(std::get<float>(*value));
+                           }
                        }
                    },
                    [&](const Happening::Stop& stop) {
@@ -86,35 +91,41 @@ std::optional<nlohmann::ordered_json> JsonRenderer::line(const Happening& happen
                        line["module"] = input.position;
                        line["pin"] = input.pin;
                        if (config_.bus[static_cast<std::size_t>(input.position - 1)] ==
-                           vplc::Module::DI8_DO8)
+                           vplc::Module::DI8_DO8) {
                            line["value"] = input.value;
-                       else
+                       } else {
                            line["raw"] = input.value;
-                       if (!input.source.empty())
+                       }
+                       if (!input.source.empty()) {
                            line["source"] = input.source;
+                       }
                    },
                    [&](const Happening::Event& event) {
                        kind("event");
                        line["id"] = event.id;
                        line["size"] = event.size;
-                       if (event.payload)
+                       if (event.payload) {
                            line["bytes"] = toHex(*event.payload);
-                       else
+                       } else {
                            line["null"] = true;
-                       if (!event.source.empty())
+                       }
+                       if (!event.source.empty()) {
                            line["source"] = event.source;
+                       }
                    },
                    [&](const Happening::Plc& plc) {
                        line["kind"] = "plc";
                        const std::string name = plcOperationName(plc.operation);
                        line["operation"] = name == "?" ? Json(plc.operation) : Json(name);
-                       if (!plc.source.empty())
+                       if (!plc.source.empty()) {
                            line["source"] = plc.source;
+                       }
                    },
                    [&](const Happening::Note& note) {
                        line["kind"] = "note";
-                       if (config_.severalDrivers && happening.driver >= 0)
+                       if (config_.severalDrivers && happening.driver >= 0) {
                            line["driver"] = happening.driver;
+                       }
                        line["text"] = note.text;
                    },
                    [&](const Happening::PlantMove& move) {
@@ -123,8 +134,9 @@ std::optional<nlohmann::ordered_json> JsonRenderer::line(const Happening& happen
                        line["model"] = move.model;
                        line["to"] = move.to.name();
                        line[move.to.digital() ? "value" : "raw"] = move.value;
-                       if (move.from)
+                       if (move.from) {
                            line["from"] = move.from->name();
+                       }
                    },
                    [&](const Happening::Routed& routed) {
                        kind("route");
@@ -135,8 +147,9 @@ std::optional<nlohmann::ordered_json> JsonRenderer::line(const Happening& happen
                    },
                },
                happening.what);
-    if (!shown)
+    if (!shown) {
         return std::nullopt;
+    }
     return line;
 }
 
@@ -145,8 +158,9 @@ void JsonRenderer::finish(const RunResult& result) {
         Json line;
         line["t_ms"] = milliseconds(result.end);
         line["kind"] = "final";
-        if (config_.severalDrivers)
+        if (config_.severalDrivers) {
             line["driver"] = i;
+        }
         line["stopped"] = result.drivers[i].stopped;
         line["bus_outputs"] = outputsByPosition(result.busOutputs);
         line["gds_outputs"] = outputsByPosition(result.gdsOutputs);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/LoopCheck.h"
 
 #include "axlsim/ConfigError.h"
@@ -56,8 +57,9 @@ std::string fixFor(Route::Map map) {
 void checkInputs(const Config& config, std::vector<LoopCheck::Finding>& findings) {
     for (std::size_t j = 0; j < config.plant.size(); ++j) {
         for (std::size_t i = 0; i < j; ++i) {
-            if (config.plant[i].to() != config.plant[j].to())
+            if (config.plant[i].to() != config.plant[j].to()) {
                 continue;
+            }
             const std::string pin = config.plant[j].to().name();
             findings.push_back(
                 {config.plant[j].path, "plant model on " + inQuotes(pin), true,
@@ -76,7 +78,7 @@ void checkRoute(const EventCatalog& catalog, const Route& route,
     const std::string toDriver = "driver " + std::to_string(route.toDriver);
     const Config::Service* source = catalog.inputService(route.fromDriver, route.from);
     const Receiver receiver = catalog.receiverOf(route.toDriver, route.to);
-    if (source == nullptr)
+    if (source == nullptr) {
         findings.push_back(
             {route.path, subject, false,
              "no input service of " + fromDriver + " publishes event " + std::to_string(route.from),
@@ -84,7 +86,8 @@ void checkRoute(const EventCatalog& catalog, const Route& route,
              "route from the event id of a \"DigitalIn\" or \"AnalogIn\" service "
              "of " +
                  fromDriver});
-    if (receiver == Receiver::None)
+    }
+    if (receiver == Receiver::None) {
         findings.push_back(
             {route.path, subject, false,
              "no output or restart service of " + toDriver + " has event id " +
@@ -92,11 +95,14 @@ void checkRoute(const EventCatalog& catalog, const Route& route,
              toDriver + " stops with \"Unsubscribed event received\" (driver-wide) at the "
                         "route's first delivery",
              "route to the event id of an output or restart service of " + toDriver});
-    if (source == nullptr || receiver == Receiver::None)
+    }
+    if (source == nullptr || receiver == Receiver::None) {
         return;
+    }
     const bool digital = source->type == "DigitalIn";
-    if (HostRoutes::fits(route.map, digital, receiver))
+    if (HostRoutes::fits(route.map, digital, receiver)) {
         return;
+    }
     findings.push_back({route.path, subject, true,
                         inQuotes(mapName(route.map)) + " cannot turn the " +
                             (digital ? "byte of a \"DigitalIn\"" : "float of an \"AnalogIn\"") +
@@ -111,15 +117,17 @@ std::vector<LoopCheck::Finding> LoopCheck::check(const Config& config) {
     std::vector<Finding> findings;
     checkInputs(config, findings);
     const EventCatalog catalog(config.drivers);
-    for (const Route& route : config.host)
+    for (const Route& route : config.host) {
         checkRoute(catalog, route, findings);
+    }
     return findings;
 }
 
 void LoopCheck::requireRunnable(const Config& config) {
     for (const Finding& finding : check(config)) {
-        if (finding.refusesRun)
+        if (finding.refusesRun) {
             throw ConfigError(config.file, finding.path, finding.problem + "; " + finding.fix);
+        }
     }
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/Milliseconds.h"
 
 #include <algorithm>
@@ -19,13 +20,15 @@ std::string Milliseconds::range() {
 }
 
 std::string Milliseconds::problem(std::string_view text) {
-    if (!decimalDigits(text))
+    if (!decimalDigits(text)) {
         return std::string(text) +
                " is not a time: expected whole milliseconds in decimal digits, " + range();
+    }
     int64_t value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || value > kLongest)
+    if (error != std::errc() || end != text.data() + text.size() || value > kLongest) {
         return std::string(text) + " ms is beyond the longest run, 10^12 ms (about 31 years)";
+    }
     return "";
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/PlantModels.h"
 
 #include <algorithm>
@@ -49,8 +50,9 @@ double signalValue(const Signal& signal, Time t) {
         case Signal::Shape::Ramp:
             break;
     }
-    if (!signal.repeat && since >= period)
+    if (!signal.repeat && since >= period) {
         return signal.high;
+    }
     const double part = milliseconds(since % period) / milliseconds(period);
     return signal.low + (signal.high - signal.low) * part;
 }
@@ -75,8 +77,9 @@ uint16_t wordOf(double value) {
 
 PlantModels::PlantModels(const Config& config, vplc::Plant& plant, Timeline& timeline)
     : config_(config), plant_(plant), timeline_(timeline) {
-    for (std::size_t position = 1; position <= config.bus.size(); ++position)
+    for (std::size_t position = 1; position <= config.bus.size(); ++position) {
         outputs_.push_back(plant.outputsOnBus(static_cast<int>(position)));
+    }
 }
 
 PlantModels::~PlantModels() {
@@ -94,21 +97,24 @@ void PlantModels::start() {
                            lag.y0 = lag.target;
                        },
                        [&](const Signal& signal) {
-                           if (signal.to.digital())
+                           if (signal.to.digital()) {
                                scheduleEdge(i, Time(-1));
+                           }
                        },
                    },
                    config_.plant[i].model);
     }
     if (!lags_.empty() || std::any_of(config_.plant.begin(), config_.plant.end(),
-                                      [](const PlantModel& m) { return !m.to().digital(); }))
+                                      [](const PlantModel& m) { return !m.to().digital(); })) {
         plant_.onInputCopy([this] { inputCopy(); });
+    }
 }
 
 std::optional<Time> PlantModels::nextChange() const {
     std::lock_guard lock(mutex_);
-    if (due_.empty())
+    if (due_.empty()) {
         return std::nullopt;
+    }
     return due_.begin()->first;
 }
 
@@ -119,34 +125,40 @@ void PlantModels::actUntil(Time now) {
         const Time at = due_.begin()->first;
         due_.erase(due_.begin());
         setDigital(change.model, change.on);
-        if (std::holds_alternative<Signal>(config_.plant[change.model].model))
+        if (std::holds_alternative<Signal>(config_.plant[change.model].model)) {
             scheduleEdge(change.model, at);
+        }
     }
 }
 
 void PlantModels::outputsCopied(Time now) {
     std::lock_guard lock(mutex_);
     std::vector<std::vector<uint8_t>> outputs;
-    for (std::size_t position = 1; position <= config_.bus.size(); ++position)
+    for (std::size_t position = 1; position <= config_.bus.size(); ++position) {
         outputs.push_back(plant_.outputsOnBus(static_cast<int>(position)));
-    if (outputs == outputs_)
+    }
+    if (outputs == outputs_) {
         return;
+    }
     for (std::size_t i = 0; i < config_.plant.size(); ++i) {
         if (const auto* wire = std::get_if<Wire>(&config_.plant[i].model)) {
             const bool was = outputValue(wire->from, outputs_) != 0.0;
             const bool is = outputValue(wire->from, outputs) != 0.0;
-            if (was == is)
+            if (was == is) {
                 continue;
-            if (wire->delay.count() == 0)
+            }
+            if (wire->delay.count() == 0) {
                 setDigital(i, is != wire->invert);
-            else
+            } else {
                 due_.emplace(now + wire->delay, DigitalChange{i, is != wire->invert});
+            }
         } else if (const auto* link = std::get_if<Link>(&config_.plant[i].model)) {
             const double was = outputValue(link->from, outputs_);
             const double is = outputValue(link->from, outputs);
-            if (was != is)
+            if (was != is) {
                 lags_[i].pending.push_back(
                     Target{now + link->delay, link->gain * is + link->offset});
+            }
         }
     }
     outputs_ = std::move(outputs);
@@ -162,9 +174,10 @@ std::size_t PlantModels::markShownMoves(const Config& config, std::vector<Happen
             DriverNumber::read(number != driver.params.end() ? number->second : "").value();
         for (const auto& [key, service] : driver.services) {
             const auto pin = service.params.find("PinNum");
-            if (service.type == "AnalogIn" && pin != service.params.end())
+            if (service.type == "AnalogIn" && pin != service.params.end()) {
                 channels[{static_cast<int>(d), service.eventId}] =
                     Pin{position, Pin::Kind::AnalogIn, DriverNumber::read(pin->second).value()};
+            }
         }
     }
     std::set<Pin> published;  // channels published after the point reached, going backwards
@@ -180,8 +193,9 @@ std::size_t PlantModels::markShownMoves(const Config& config, std::vector<Happen
             }
         } else if (auto* move = std::get_if<Happening::PlantMove>(&happening.what);
                    move != nullptr && !move->to.digital()) {
-            if (!complete && followed.count(move->to) == 0)
+            if (!complete && followed.count(move->to) == 0) {
                 decided = i;
+            }
             move->shown = published.erase(move->to) > 0;
             followed.insert(move->to);
         }
@@ -194,14 +208,17 @@ void PlantModels::inputCopy() {
     const Time now = timeline_.now();
     for (std::size_t i = 0; i < config_.plant.size(); ++i) {
         const Pin& to = config_.plant[i].to();
-        if (to.digital())
+        if (to.digital()) {
             continue;
+        }
         const auto value = analogValue(i, now);
-        if (!value)
+        if (!value) {
             continue;
+        }
         const uint16_t word = wordOf(*value);
-        if (analogWord(plant_.inputsOnBus(to.position), to.index) == word)
+        if (analogWord(plant_.inputsOnBus(to.position), to.index) == word) {
             continue;
+        }
         plant_.setAnalogInput(to.position, to.index, word);
         Happening::PlantMove move;
         move.to = to;
@@ -220,8 +237,9 @@ void PlantModels::inputCopy() {
 
 std::optional<double> PlantModels::analogValue(std::size_t model, Time now) {
     if (const auto* signal = std::get_if<Signal>(&config_.plant[model].model)) {
-        if (!acting(*signal, now))
+        if (!acting(*signal, now)) {
             return std::nullopt;
+        }
         return signalValue(*signal, now);
     }
     return lagValue(model, lags_[model], now);
@@ -230,8 +248,9 @@ std::optional<double> PlantModels::analogValue(std::size_t model, Time now) {
 double PlantModels::lagValue(std::size_t model, Lag& lag, Time now) const {
     const Link& link = std::get<Link>(config_.plant[model].model);
     auto valueAt = [&link, &lag](Time t) {
-        if (link.lag.count() == 0)
+        if (link.lag.count() == 0) {
             return lag.target;
+        }
         const double ms = milliseconds(t - lag.t0);
         return lag.target +
                (lag.y0 - lag.target) * std::exp(-ms / static_cast<double>(link.lag.count()));
@@ -249,16 +268,18 @@ double PlantModels::lagValue(std::size_t model, Lag& lag, Time now) const {
 double PlantModels::outputValue(const Pin& pin,
                                 const std::vector<std::vector<uint8_t>>& outputs) const {
     const auto& data = outputs[static_cast<std::size_t>(pin.position - 1)];
-    if (pin.digital())
+    if (pin.digital()) {
         return digitalPin(data, pin.index) ? 1.0 : 0.0;
+    }
     return static_cast<double>(from_ib_il(analogWord(data, pin.index)));
 }
 
 void PlantModels::setDigital(std::size_t model, bool on) {
     const PlantModel& source = config_.plant[model];
     const Pin& to = source.to();
-    if (digitalPin(plant_.inputsOnBus(to.position), to.index) == on)
+    if (digitalPin(plant_.inputsOnBus(to.position), to.index) == on) {
         return;
+    }
     plant_.setDigitalInput(to.position, to.index, on);
     Happening::PlantMove move;
     move.to = to;
@@ -291,11 +312,13 @@ void PlantModels::scheduleEdge(std::size_t model, Time after) {
             state = on.count() > 0;
         }
         // A duty of 0 or 1 gives one state for ever: nothing follows the first edge.
-        if (on.count() == 0 || on >= period)
+        if (on.count() == 0 || on >= period) {
             return;
+        }
     }
-    if (signal.until && next >= *signal.until)
+    if (signal.until && next >= *signal.until) {
         return;
+    }
     due_.emplace(next, DigitalChange{model, state});
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/PlcOperationName.h"
 
 #include <array>
@@ -14,22 +15,25 @@ constexpr std::array<std::string_view, 9> kNames{
 
 std::optional<PlcOperation> plcOperationFromName(std::string_view name) {
     for (std::size_t i = 0; i < kNames.size(); ++i) {
-        if (kNames[i] == name)
+        if (kNames[i] == name) {
             return static_cast<PlcOperation>(i);
+        }
     }
     return std::nullopt;
 }
 
 std::string plcOperationName(int operation) {
-    if (operation < 0 || static_cast<std::size_t>(operation) >= kNames.size())
+    if (operation < 0 || static_cast<std::size_t>(operation) >= kNames.size()) {
         return "?";
+    }
     return std::string(kNames[static_cast<std::size_t>(operation)]);
 }
 
 std::string plcOperationNames() {
     std::string names;
-    for (std::string_view name : kNames)
+    for (std::string_view name : kNames) {
         names += (names.empty() ? "" : ", ") + std::string(name);
+    }
     return names;
 }
 

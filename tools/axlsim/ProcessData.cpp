@@ -1,11 +1,13 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/ProcessData.h"
 
 namespace axlsim {
 
 uint16_t analogWord(const std::vector<uint8_t>& data, int channel) {
     const auto index = static_cast<std::size_t>(channel) * 2;
-    if (index + 1 >= data.size())
+    if (index + 1 >= data.size()) {
         return 0;
+    }
     return static_cast<uint16_t>((data[index] << 8) | data[index + 1]);
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/ScenarioPlayer.h"
 
 #include "axlsim/ScenarioRun.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/ScenarioRun.h"
 
 #include <algorithm>
@@ -20,14 +21,16 @@ constexpr std::chrono::nanoseconds kWallStep = 20ms;
 
 vplc::Plant plantOf(const Config& config) {
     auto builder = vplc::Plant::builder();
-    for (vplc::Module module : config.bus)
+    for (vplc::Module module : config.bus) {
         builder.module(module);
+    }
     return builder.build();
 }
 
 std::unique_ptr<RunClock> clockFor(const ScenarioPlayer::Options& options) {
-    if (options.realTime)
+    if (options.realTime) {
         return std::make_unique<WallRunClock>();
+    }
     return std::make_unique<VirtualRunClock>();
 }
 
@@ -58,10 +61,12 @@ ScenarioRun::ScenarioRun(const Config& config, const DriverLibrary& library,
       restarts_(std::make_unique<RestartHook>(timeline_, observer_)),
       plantModels_(config, plant_, timeline_),
       routes_(config) {
-    if (!routes_.empty())
+    if (!routes_.empty()) {
         timeline_.newPublications();
-    if (options.realTime && options.live)
+    }
+    if (options.realTime && options.live) {
         timeline_.setListener(options.live);
+    }
     for (std::size_t i = 0; i < config.drivers.size(); ++i) {
         drivers_.push_back(std::make_unique<HostedDriver>(static_cast<int>(i), config.drivers[i],
                                                           library, observer_, timeline_, bus_));
@@ -86,15 +91,17 @@ void ScenarioRun::start() {
 void ScenarioRun::playUntil(std::chrono::nanoseconds t) {
     for (;;) {
         performDue();
-        if (interrupted_ || clock_->now() >= t)
+        if (interrupted_ || clock_->now() >= t) {
             break;
+        }
         advanceTo(std::min(nextAction().value_or(t), t));
     }
 }
 
 RunResult ScenarioRun::finish() {
-    if (!released_)
+    if (!released_) {
         clock_->releaseDrivers();
+    }
     RunResult result;
     result.end = interrupted_ ? clock_->now() : end_;
     result.interrupted = interrupted_;
@@ -120,8 +127,9 @@ void ScenarioRun::showSettled() {
 // the drivers that wake then. With routes, time passes one instant of the drivers at a time, so
 // that the host answers each publication before any driver scans again.
 void ScenarioRun::advanceTo(std::chrono::nanoseconds t) {
-    if (t <= clock_->now())
+    if (t <= clock_->now()) {
         return;
+    }
     timeline_.nextSegment();
     if (!released_) {
         clock_->releaseDrivers();
@@ -132,10 +140,11 @@ void ScenarioRun::advanceTo(std::chrono::nanoseconds t) {
             return;
         }
     }
-    if (routes_.empty())
+    if (routes_.empty()) {
         advanceClockTo(t);
-    else
+    } else {
         runNextInstant(t);
+    }
     timeline_.nextSegment();
 }
 
@@ -150,8 +159,9 @@ void ScenarioRun::runNextInstant(std::chrono::nanoseconds t) {
     routePublications();
     if (reached / step != shownStep_ || reached == end_) {
         shownStep_ = reached / step;
-        if (!options_.realTime && options_.progress)
+        if (!options_.realTime && options_.progress) {
             options_.progress(reached, end_);
+        }
         show(timeline_.settle());
     }
 }
@@ -164,8 +174,9 @@ void ScenarioRun::advanceClockTo(std::chrono::nanoseconds t) {
             return;
         }
         clock_->advanceTo(std::min(t, clock_->now() + step));
-        if (!options_.realTime && options_.progress)
+        if (!options_.realTime && options_.progress) {
             options_.progress(clock_->now(), end_);
+        }
         show(timeline_.settle());
     }
 }
@@ -173,23 +184,27 @@ void ScenarioRun::advanceClockTo(std::chrono::nanoseconds t) {
 // On the wall clock the listener has seen each happening as it came. An analog move of the
 // plant waits until what follows it on its channel says whether it is shown.
 void ScenarioRun::show(const std::vector<Happening>& happenings, bool all) {
-    if (options_.realTime || !options_.live)
+    if (options_.realTime || !options_.live) {
         return;
+    }
     unshown_.insert(unshown_.end(), happenings.begin(), happenings.end());
     const std::size_t ready = PlantModels::markShownMoves(config_, unshown_, all);
-    for (std::size_t i = 0; i < ready; ++i)
+    for (std::size_t i = 0; i < ready; ++i) {
         options_.live(unshown_[i]);
+    }
     unshown_.erase(unshown_.begin(), unshown_.begin() + static_cast<std::ptrdiff_t>(ready));
 }
 
 std::optional<std::chrono::nanoseconds> ScenarioRun::nextAction() const {
     std::optional<std::chrono::nanoseconds> next;
     auto consider = [&next](std::optional<std::chrono::nanoseconds> t) {
-        if (t && (!next || *t < *next))
+        if (t && (!next || *t < *next)) {
             next = t;
+        }
     };
-    if (nextStep_ < config_.scenario.size())
+    if (nextStep_ < config_.scenario.size()) {
         consider(config_.scenario[nextStep_].at);
+    }
     consider(plantModels_.nextChange());
     consider(routes_.nextDelivery());
     return next;
@@ -223,8 +238,9 @@ void ScenarioRun::performDue() {
 void ScenarioRun::routePublications() {
     for (const Happening& happening : timeline_.newPublications()) {
         const auto& publish = std::get<Happening::Publish>(happening.what);
-        if (happening.driver >= 0)
+        if (happening.driver >= 0) {
             routes_.published(happening.driver, publish.id, publish.bytes, happening.t);
+        }
     }
 }
 
@@ -242,15 +258,17 @@ void ScenarioRun::sendEvent(const Config::Event& event) {
 }
 
 void ScenarioRun::perform(const Config::Step& step) {
-    if (!step.note.empty())
+    if (!step.note.empty()) {
         timeline_.add(-1, Happening::Note{step.note});
+    }
     if (const auto* input = std::get_if<Config::Input>(&step.action)) {
         timeline_.add(-1,
                       Happening::Input{input->position, input->pin, input->value, input->source});
-        if (config_.bus[static_cast<std::size_t>(input->position - 1)] == vplc::Module::DI8_DO8)
+        if (config_.bus[static_cast<std::size_t>(input->position - 1)] == vplc::Module::DI8_DO8) {
             plant_.setDigitalInput(input->position, input->pin, input->value != 0);
-        else
+        } else {
             plant_.setAnalogInput(input->position, input->pin, input->value);
+        }
     } else if (const auto* event = std::get_if<Config::Event>(&step.action)) {
         sendEvent(*event);
     } else if (const auto* plc = std::get_if<Config::Plc>(&step.action)) {
@@ -264,17 +282,22 @@ void ScenarioRun::perform(const Config::Step& step) {
 void ScenarioRun::summarise(RunResult& result) const {
     bool failed = false;
     for (const Happening& happening : result.timeline) {
-        if (std::holds_alternative<Happening::Restart>(happening.what))
+        if (std::holds_alternative<Happening::Restart>(happening.what)) {
             ++result.restarts;
-        if (happening.driver < 0)
+        }
+        if (happening.driver < 0) {
             continue;
+        }
         RunResult::DriverState& driver = result.drivers[static_cast<std::size_t>(happening.driver)];
-        if (std::holds_alternative<Happening::Publish>(happening.what))
+        if (std::holds_alternative<Happening::Publish>(happening.what)) {
             ++driver.publishes;
-        if (std::holds_alternative<Happening::Stop>(happening.what))
+        }
+        if (std::holds_alternative<Happening::Stop>(happening.what)) {
             driver.stopped = failed = true;
-        if (std::holds_alternative<Happening::Exception>(happening.what))
+        }
+        if (std::holds_alternative<Happening::Exception>(happening.what)) {
             driver.threw = failed = true;
+        }
     }
     result.wentAsExpected = failed == config_.expectStop;
 }

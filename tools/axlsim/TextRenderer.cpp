@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/TextRenderer.h"
 
 #include <cstdio>
@@ -20,8 +21,9 @@ constexpr int kWhatWidth = 9;
 
 std::string padded(const std::string& text, int width, bool right) {
     const auto size = static_cast<int>(text.size());
-    if (size >= width)
+    if (size >= width) {
         return text;
+    }
     const std::string fill(static_cast<std::size_t>(width - size), ' ');
     return right ? fill + text : text + fill;
 }
@@ -44,8 +46,9 @@ std::string analogValue(uint16_t raw) {
 std::string pinsOn(uint8_t byte) {
     std::string pins;
     for (int pin = 0; pin < 8; ++pin) {
-        if (((byte >> pin) & 1) != 0)
+        if (((byte >> pin) & 1) != 0) {
             pins += (pins.empty() ? "" : " ") + std::to_string(pin);
+        }
     }
     return pins.empty() ? "all off" : "on: " + pins;
 }
@@ -56,8 +59,9 @@ TextRenderer::TextRenderer(std::ostream& out, const Config& config, bool colour)
     : out_(out), config_(config), catalog_(config.drivers), colour_(colour) {}
 
 std::string TextRenderer::paint(Tone tone, const std::string& text) const {
-    if (!colour_ || tone == Tone::Plain)
+    if (!colour_ || tone == Tone::Plain) {
         return text;
+    }
     const char* code = "";
     switch (tone) {
         case Tone::Quiet:
@@ -86,22 +90,25 @@ std::string TextRenderer::paint(Tone tone, const std::string& text) const {
 
 void TextRenderer::header(bool realTime) {
     std::string bus;
-    for (std::size_t i = 0; i < config_.bus.size(); ++i)
+    for (std::size_t i = 0; i < config_.bus.size(); ++i) {
         bus += (i == 0 ? "" : ", ") + std::to_string(i + 1) + ": " +
                std::string(vplc::orderName(config_.bus[i]));
+    }
     out_ << paint(Tone::Plain, visible(config_.file)) << ": " << config_.drivers.size()
          << (config_.drivers.size() == 1 ? " driver" : " drivers") << ", bus [" << bus << "], "
          << (realTime ? "wall clock" : "virtual clock") << "\n";
-    if (!config_.description.empty())
+    if (!config_.description.empty()) {
         out_ << paint(Tone::Quiet, visible(config_.description)) << "\n";
+    }
     out_ << "\n";
 }
 
 void TextRenderer::line(const Happening& happening, const std::string& what, Tone tone,
                         const std::string& details) {
     std::string prefix = padded(timeText(happening.t), kTimeWidth, true) + " ms  ";
-    if (config_.severalDrivers)
+    if (config_.severalDrivers) {
         prefix += happening.driver < 0 ? "    " : "[" + std::to_string(happening.driver) + "] ";
+    }
     const std::string shown = visible(details);
     out_ << paint(Tone::Quiet, prefix) << paint(tone, padded(what, kWhatWidth, false)) << ' '
          << (tone == Tone::Bad || tone == Tone::Quiet ? paint(tone, shown) : shown) << '\n';
@@ -115,26 +122,30 @@ void TextRenderer::continuation(const std::string& details) {
 std::string TextRenderer::describe(const Happening::Publish& publish, int driver) const {
     std::string text = "event " + std::to_string(publish.id);
     const Config::Service* service = catalog_.inputService(driver < 0 ? 0 : driver, publish.id);
-    if (service != nullptr && !service->name.empty())
+    if (service != nullptr && !service->name.empty()) {
         text += " " + inQuotes(service->name);
+    }
     const auto value = catalog_.publishedValue(driver < 0 ? 0 : driver, publish.id, publish.bytes);
     if (value) {
-        if (const auto* byte = std::get_if<uint8_t>(&*value))
+        if (const auto* byte = std::get_if<uint8_t>(&*value)) {
             return text + " = " + std::to_string(*byte) +
                    (*byte == 0   ? " (off)"
                     : *byte == 1 ? " (on)"
                                  : "");
+        }
         return text + " = " + floatText(std::get<float>(*value));
     }
-    if (publish.bytes.empty())
+    if (publish.bytes.empty()) {
         return text + " with no payload (size " + std::to_string(publish.size) + ")";
+    }
     return text + ": " + toHex(publish.bytes) + " (" + byteCount(publish.bytes.size()) + ")";
 }
 
 std::string TextRenderer::describe(const Happening::Event& event, int driver) const {
     std::string text = "host sends event " + std::to_string(event.id);
-    if (!event.payload)
+    if (!event.payload) {
         return text + " with no data (null pData, size " + std::to_string(event.size) + ")";
+    }
     text += ": " + toHex(*event.payload);
     if (catalog_.feedsAnalogOutput(driver, event.id) && event.payload->size() >= sizeof(float)) {
         float value = 0.0f;
@@ -146,9 +157,10 @@ std::string TextRenderer::describe(const Happening::Event& event, int driver) co
 
 std::string TextRenderer::describe(const Happening::Input& input) const {
     const std::string module = "module " + std::to_string(input.position);
-    if (config_.bus[static_cast<std::size_t>(input.position - 1)] == vplc::Module::DI8_DO8)
+    if (config_.bus[static_cast<std::size_t>(input.position - 1)] == vplc::Module::DI8_DO8) {
         return module + " input pin " + std::to_string(input.pin) + " -> " +
                std::to_string(input.value);
+    }
     return module + " input channel " + std::to_string(input.pin) + " -> " +
            analogValue(input.value);
 }
@@ -175,8 +187,9 @@ std::string TextRenderer::describeOutputs(const std::vector<std::vector<uint8_t>
                                           bool onlyChanged) const {
     std::string text;
     for (std::size_t i = 0; i < outputs.size(); ++i) {
-        if (onlyChanged && i < lastOutputs_.size() && lastOutputs_[i] == outputs[i])
+        if (onlyChanged && i < lastOutputs_.size() && lastOutputs_[i] == outputs[i]) {
             continue;
+        }
         text += (text.empty() ? "" : " | ") + moduleOutputs(static_cast<int>(i + 1), outputs[i]);
     }
     return text.empty() ? "outputs unchanged" : text;
@@ -225,8 +238,9 @@ void TextRenderer::happening(const Happening& happening) {
             },
             [&](const Happening::Note& note) { line(happening, "#", Tone::Quiet, note.text); },
             [&](const Happening::PlantMove& move) {
-                if (move.shown)
+                if (move.shown) {
                     line(happening, "plant", Tone::Step, describe(move));
+                }
             },
             [&](const Happening::Routed& routed) {
                 line(happening, "host", Tone::Step,
@@ -245,22 +259,25 @@ void TextRenderer::finish(const RunResult& result) {
         std::string state = !driver.created  ? "was never created"
                             : driver.stopped ? "stopped with an error"
                                              : "ran without a stop";
-        if (driver.threw)
+        if (driver.threw) {
             state += ", an exception left it";
+        }
         line(end, "end", driver.stopped || driver.threw || !driver.created ? Tone::Bad : Tone::Good,
              "the driver " + state + "; " + std::to_string(driver.publishes) +
                  (driver.publishes == 1 ? " publication" : " publications"));
     }
     continuation("bus: " + describeOutputs(result.busOutputs, false));
-    if (result.gdsOutputs != result.busOutputs)
+    if (result.gdsOutputs != result.busOutputs) {
         continuation("GDS, not yet on the bus: " + describeOutputs(result.gdsOutputs, false));
+    }
     continuation(std::to_string(result.restarts) +
                  (result.restarts == 1 ? " restart" : " restarts") + " of the controller");
-    if (config_.expectStop && !result.wentAsExpected && !result.interrupted)
+    if (config_.expectStop && !result.wentAsExpected && !result.interrupted) {
         out_ << paint(Tone::Bad,
                       "expected a stop (\"expect_stop\": true), but no driver stopped and no "
                       "exception left one")
              << '\n';
+    }
     out_.flush();
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/Timeline.h"
 
 #include <algorithm>
@@ -11,10 +12,12 @@ void Timeline::add(int driver, Happening::What what) {
     std::lock_guard lock(mutex_);
     // Stamped under the lock, so that the order of arrival and the order of time agree.
     Happening happening{clock_(), driver, std::move(what)};
-    if (listener_)
+    if (listener_) {
         listener_(happening);
-    if (keepPublications_ && std::holds_alternative<Happening::Publish>(happening.what))
+    }
+    if (keepPublications_ && std::holds_alternative<Happening::Publish>(happening.what)) {
         publications_.push_back(happening);
+    }
     entries_.push_back(Entry{segment_, std::move(happening)});
 }
 
@@ -33,10 +36,12 @@ namespace {
 template <class Entry>
 void sortEntries(std::vector<Entry>& entries) {
     std::stable_sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
-        if (a.segment != b.segment)
+        if (a.segment != b.segment) {
             return a.segment < b.segment;
-        if (a.happening.t != b.happening.t)
+        }
+        if (a.happening.t != b.happening.t) {
             return a.happening.t < b.happening.t;
+        }
         return a.happening.driver < b.happening.driver;
     });
 }
@@ -56,10 +61,12 @@ std::vector<Happening> Timeline::take(bool all) {
     sortEntries(taken);
     std::vector<Happening> happenings;
     happenings.reserve(taken.size());
-    for (Entry& entry : taken)
+    for (Entry& entry : taken) {
         happenings.push_back(std::move(entry.happening));
-    if (keepSettled_)
+    }
+    if (keepSettled_) {
         settled_.insert(settled_.end(), happenings.begin(), happenings.end());
+    }
     return happenings;
 }
 
@@ -81,8 +88,9 @@ std::vector<Happening> Timeline::ordered() const {
     }
     sortEntries(entries);
     happenings.reserve(happenings.size() + entries.size());
-    for (Entry& entry : entries)
+    for (Entry& entry : entries) {
         happenings.push_back(std::move(entry.happening));
+    }
     return happenings;
 }
 
@@ -101,8 +109,9 @@ std::vector<Happening> Timeline::newPublications() {
     }
     std::stable_sort(happenings.begin(), happenings.end(),
                      [](const Happening& a, const Happening& b) {
-                         if (a.t != b.t)
+                         if (a.t != b.t) {
                              return a.t < b.t;
+                         }
                          return a.driver < b.driver;
                      });
     return happenings;

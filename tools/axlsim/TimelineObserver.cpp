@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/TimelineObserver.h"
 
 #include <string>
@@ -31,8 +32,9 @@ void TimelineObserver::setHostDriver(int index) {
 int TimelineObserver::indexOf(const CSI_base* driver) const {
     std::lock_guard lock(mutex_);
     const auto it = indices_.find(driver);
-    if (it != indices_.end())
+    if (it != indices_.end()) {
         return it->second;
+    }
     return hostDriver_;
 }
 
@@ -51,8 +53,9 @@ void TimelineObserver::published(const CSI_base* driver, uint32_t id, uint32_t s
 void TimelineObserver::stopped(const CSI_base* driver, const stServiceParams_t* service,
                                std::string_view message) {
     std::optional<uint32_t> eventId;
-    if (service != nullptr)
+    if (service != nullptr) {
         eventId = service->nEventId;
+    }
     timeline_.add(indexOf(driver), Happening::Stop{std::string(message), eventId});
 }
 
@@ -60,8 +63,9 @@ void TimelineObserver::threadStarted(const CSI_base*) {}
 
 // A thread that the host ends at the close of the run is no news; one that ends by itself is.
 void TimelineObserver::threadEnded(const CSI_base* driver, std::string_view how) {
-    if (how == kEndedByHost)
+    if (how == kEndedByHost) {
         return;
+    }
     timeline_.add(indexOf(driver),
                   Happening::Note{"the driver's thread ended: " + std::string(how)});
 }

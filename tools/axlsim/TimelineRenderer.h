@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <chrono>
@@ -20,8 +21,9 @@ public:
     virtual void interrupted(std::chrono::nanoseconds at, const std::string& signal) = 0;
 
     void render(const RunResult& result) {
-        for (const Happening& h : result.timeline)
+        for (const Happening& h : result.timeline) {
             happening(h);
+        }
         finish(result);
     }
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/ValueText.h"
 
 #include <charconv>
@@ -50,16 +51,18 @@ double floatForJson(float value) {
 
 std::string bitsText(uint8_t byte) {
     std::string bits;
-    for (int bit = 7; bit >= 0; --bit)
+    for (int bit = 7; bit >= 0; --bit) {
         bits += ((byte >> bit) & 1) != 0 ? '1' : '0';
+    }
     return bits;
 }
 
 std::string millisecondsText(std::chrono::nanoseconds t) {
     constexpr int64_t kNanosecondsPerMillisecond = 1000000;
     const int64_t ns = t.count();
-    if (ns % kNanosecondsPerMillisecond == 0)
+    if (ns % kNanosecondsPerMillisecond == 0) {
         return std::to_string(ns / kNanosecondsPerMillisecond);
+    }
     char text[64];
     const auto result = std::to_chars(text, text + sizeof text,
                                       static_cast<double>(ns) / kNanosecondsPerMillisecond);

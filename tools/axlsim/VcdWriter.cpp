@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/VcdWriter.h"
 
 #include <cctype>
@@ -36,10 +37,11 @@ std::string codeOf(std::size_t n) {
 std::string headerText(std::string_view text) {
     std::string shown;
     for (const char c : visible(text)) {
-        if (c == '$')
+        if (c == '$') {
             shown += "\\x24";
-        else
+        } else {
             shown += c;
+        }
     }
     return shown;
 }
@@ -47,15 +49,17 @@ std::string headerText(std::string_view text) {
 // A scope or variable name: one word of letters, digits and underscores.
 std::string identifier(std::string_view name) {
     std::string word;
-    for (const char c : name)
+    for (const char c : name) {
         word += std::isalnum(static_cast<unsigned char>(c)) != 0 ? c : '_';
+    }
     return word;
 }
 
 std::string binary(uint64_t value, int width) {
     std::string bits;
-    for (int bit = width - 1; bit >= 0; --bit)
+    for (int bit = width - 1; bit >= 0; --bit) {
         bits += ((value >> bit) & 1U) != 0 ? '1' : '0';
+    }
     return bits;
 }
 
@@ -88,9 +92,10 @@ public:
         out_ << "$scope module axlsim $end\n";
         for (const Scope& scope : scopes_) {
             out_ << "$scope module " << identifier(scope.name) << " $end\n";
-            for (const Variable& variable : scope.variables)
+            for (const Variable& variable : scope.variables) {
                 out_ << "$var " << variable.type << ' ' << variable.width << ' ' << variable.code
                      << ' ' << identifier(variable.name) << " $end\n";
+            }
             out_ << "$upscope $end\n";
         }
         out_ << "$upscope $end\n$enddefinitions $end\n#0\n$dumpvars\n";
@@ -101,16 +106,18 @@ public:
         }
         for (const Scope& scope : scopes_) {
             for (const Variable& variable : scope.variables) {
-                if (scope.bus || variable.type == "event")
+                if (scope.bus || variable.type == "event") {
                     continue;
+                }
                 set(variable.key, variable.type == "real" ? "r0"
                                   : variable.width == 1   ? "x"
                                                           : "bx");
             }
         }
         out_ << "$end\n";
-        for (const Happening& happening : result.timeline)
+        for (const Happening& happening : result.timeline) {
             change(happening);
+        }
         stamp(result.end);
     }
 
@@ -134,19 +141,23 @@ private:
                 true,
                 {}};
             if (config_.bus[i] == vplc::Module::DI8_DO8) {
-                for (int pin = 0; pin < kDigitalPins; ++pin)
+                for (int pin = 0; pin < kDigitalPins; ++pin) {
                     add(scope, "wire", 1, "in" + std::to_string(pin),
                         key(position, "in" + std::to_string(pin)));
-                for (int pin = 0; pin < kDigitalPins; ++pin)
+                }
+                for (int pin = 0; pin < kDigitalPins; ++pin) {
                     add(scope, "wire", 1, "out" + std::to_string(pin),
                         key(position, "out" + std::to_string(pin)));
+                }
             } else {
-                for (int channel = 0; channel < kAnalogChannels; ++channel)
+                for (int channel = 0; channel < kAnalogChannels; ++channel) {
                     add(scope, "wire", kWordBits, "ai" + std::to_string(channel),
                         key(position, "ai" + std::to_string(channel)));
-                for (int channel = 0; channel < kAnalogChannels; ++channel)
+                }
+                for (int channel = 0; channel < kAnalogChannels; ++channel) {
                     add(scope, "wire", kWordBits, "ao" + std::to_string(channel),
                         key(position, "ao" + std::to_string(channel)));
+                }
             }
             scopes_.push_back(std::move(scope));
         }
@@ -160,18 +171,20 @@ private:
                  catalog_.published(static_cast<int>(d))) {
                 const std::string name = "ev" + std::to_string(published.id);
                 const std::string eventKey = "d" + std::to_string(d) + "." + name;
-                if (published.payload == EventCatalog::Payload::Digital)
+                if (published.payload == EventCatalog::Payload::Digital) {
                     add(scope, "wire", 1, name, eventKey);
-                else if (published.payload == EventCatalog::Payload::Analog)
+                } else if (published.payload == EventCatalog::Payload::Analog) {
                     add(scope, "real", 64, name, eventKey);
-                else if (published.size == 0)
+                } else if (published.size == 0) {
                     add(scope, "event", 1, name, eventKey);
-                else
+                } else {
                     add(scope, "wire", static_cast<int>(published.size) * 8, name, eventKey);
+                }
                 kinds_[eventKey] = published;
             }
-            if (!scope.variables.empty())
+            if (!scope.variables.empty()) {
                 scopes_.push_back(std::move(scope));
+            }
         }
     }
 
@@ -186,8 +199,9 @@ private:
     // Writes a value if it differs from the variable's last one.
     void set(const std::string& key, const std::string& value) {
         const auto code = codes_.find(key);
-        if (code == codes_.end() || values_[key] == value)
+        if (code == codes_.end() || values_[key] == value) {
             return;
+        }
         values_[key] = value;
         out_ << value << (value.front() == 'b' || value.front() == 'r' ? " " : "") << code->second
              << '\n';
@@ -196,13 +210,15 @@ private:
     void setPins(int position, const char* digital, const char* analog,
                  const std::vector<uint8_t>& data) {
         if (config_.bus[static_cast<std::size_t>(position - 1)] == vplc::Module::DI8_DO8) {
-            for (int pin = 0; pin < kDigitalPins; ++pin)
+            for (int pin = 0; pin < kDigitalPins; ++pin) {
                 set(key(position, digital + std::to_string(pin)),
                     digitalPin(data, pin) ? "1" : "0");
+            }
         } else {
-            for (int channel = 0; channel < kAnalogChannels; ++channel)
+            for (int channel = 0; channel < kAnalogChannels; ++channel) {
                 set(key(position, analog + std::to_string(channel)),
                     "b" + binary(analogWord(data, channel), kWordBits));
+            }
         }
     }
 
@@ -218,8 +234,9 @@ private:
         const std::string eventKey =
             "d" + std::to_string(driver < 0 ? 0 : driver) + ".ev" + std::to_string(publish.id);
         const auto kind = kinds_.find(eventKey);
-        if (kind == kinds_.end())
+        if (kind == kinds_.end()) {
             return;
+        }
         const EventCatalog::Published& published = kind->second;
         if (published.payload == EventCatalog::Payload::Digital && !publish.bytes.empty()) {
             set(eventKey, publish.bytes[0] != 0 ? "1" : "0");
@@ -232,8 +249,9 @@ private:
             out_ << '1' << codes_[eventKey] << '\n';
         } else {
             std::string bits;
-            for (uint8_t byte : publish.bytes)
+            for (uint8_t byte : publish.bytes) {
                 bits += binary(byte, 8);
+            }
             set(eventKey, "b" + bits);
         }
     }
@@ -245,26 +263,29 @@ private:
                            const bool digital =
                                config_.bus[static_cast<std::size_t>(input.position - 1)] ==
                                vplc::Module::DI8_DO8;
-                           if (digital)
+                           if (digital) {
                                set(key(input.position, "in" + std::to_string(input.pin)),
                                    input.value != 0 ? "1" : "0");
-                           else
+                           } else {
                                set(key(input.position, "ai" + std::to_string(input.pin)),
                                    "b" + binary(input.value, kWordBits));
+                           }
                        },
                        [&](const Happening::PlantMove& move) {
                            stamp(happening.t);
                            const std::string pin = std::to_string(move.to.index);
-                           if (move.to.digital())
+                           if (move.to.digital()) {
                                set(key(move.to.position, "in" + pin), move.value != 0 ? "1" : "0");
-                           else
+                           } else {
                                set(key(move.to.position, "ai" + pin),
                                    "b" + binary(move.value, kWordBits));
+                           }
                        },
                        [&](const Happening::BusWrite& write) {
                            stamp(happening.t);
-                           for (std::size_t i = 0; i < write.outputs.size(); ++i)
+                           for (std::size_t i = 0; i < write.outputs.size(); ++i) {
                                setOutputs(static_cast<int>(i + 1), write.outputs[i]);
+                           }
                        },
                        [&](const Happening::Publish& publication) {
                            stamp(happening.t);

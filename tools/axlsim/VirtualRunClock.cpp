@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/VirtualRunClock.h"
 
 namespace axlsim {

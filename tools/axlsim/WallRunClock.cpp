@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/WallRunClock.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "orbel/FailureCounter.h"
 
 namespace orbel {

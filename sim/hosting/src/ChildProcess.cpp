@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hosting/ChildProcess.h"
 
 #include <sys/wait.h>

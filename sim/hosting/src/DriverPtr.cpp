@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hosting/DriverPtr.h"
 
 #include "orbel/DriverThreads.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hosting/DriverRig.h"
 
 #include <algorithm>

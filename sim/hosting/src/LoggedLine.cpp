@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hosting/LoggedLine.h"
 
 namespace hosting {

@@ -6,8 +6,8 @@
 
 #include "SI_base.h"
 #include "axlsim/CaughtException.h"
+#include "axlsim/HostRecords.h"
 #include "orbel/CallScope.h"
-#include "orbel/DriverThreads.h"
 
 namespace axlsim {
 
@@ -16,35 +16,6 @@ namespace {
 // The driver reads the first four bytes of an event for an analog output whatever its size, so
 // the host's payload always has at least four; what the scenario leaves out reads as 0.
 constexpr std::size_t kLeastPayload = 4;
-
-stSP_Params_t paramsOf(const Config::Driver& config) {
-    stSP_Params_t params;
-    params.sName = config.name;
-    params.sServiceName = config.serviceName;
-    params.sDeviceType = config.deviceType;
-    params.mapParams = config.params;
-    return params;
-}
-
-std::map<unsigned, stMappingElem_t> mappingsOf(const Config::Driver& config) {
-    std::map<unsigned, stMappingElem_t> mappings;
-    for (const auto& [id, size] : config.mappings) {
-        mappings[id].nDataSize = size;
-    }
-    return mappings;
-}
-
-std::map<unsigned, stServiceParams_t> servicesOf(const Config::Driver& config) {
-    std::map<unsigned, stServiceParams_t> services;
-    for (const auto& [key, service] : config.services) {
-        stServiceParams_t& record = services[key];
-        record.nEventId = service.eventId;
-        record.sName = service.name;
-        record.sServiceType = service.type;
-        record.mapParams = service.params;
-    }
-    return services;
-}
 
 }  // namespace
 
@@ -76,15 +47,14 @@ void HostedDriver::hostCall(const char* where, Call call) {
 }
 
 bool HostedDriver::create() {
-    stSP_Params_t params = paramsOf(config_);
-    auto mappings = mappingsOf(config_);
-    auto services = servicesOf(config_);
+    hosting::DriverConfig records = hostRecordsOf(config_);
     hostCall("create", [&] {
         orbel::CallScope creating(nullptr);
-        driver_ = library_.createSiObject(params, &mappings, &services);
+        driver_.reset(
+            library_.createSiObject(records.params, &records.mappings, &records.services));
     });
     if (driver_ != nullptr) {
-        observer_.attach(driver_, index_);
+        observer_.attach(driver_.get(), index_);
     }
     return driver_ != nullptr;
 }
@@ -94,7 +64,7 @@ void HostedDriver::initialize() {
         return;
     }
     hostCall("initialize", [this] {
-        orbel::CallScope calling(driver_);
+        orbel::CallScope calling(driver_.get());
         driver_->initialize();
     });
 }
@@ -111,7 +81,7 @@ void HostedDriver::deliver(const Config::Event& event) {
     }
     const stEventParams_t params{event.payload ? payload.data() : nullptr, event.id, event.size};
     hostCall("event", [&] {
-        orbel::CallScope calling(driver_);
+        orbel::CallScope calling(driver_.get());
         driver_->onReceiveEvent(params);
     });
 }
@@ -120,13 +90,10 @@ void HostedDriver::destroy() {
     if (driver_ == nullptr) {
         return;
     }
-    CSI_base* driver = driver_;
-    driver_ = nullptr;
     observer_.setHostDriver(index_);
-    orbel::endDriverThread(*driver);
     {
-        orbel::CallScope calling(driver);
-        delete driver;
+        orbel::CallScope calling(driver_.get());
+        driver_.reset();
     }
     observer_.setHostDriver(-1);
 }

@@ -8,8 +8,7 @@
 #include "axlsim/DriverLibrary.h"
 #include "axlsim/Timeline.h"
 #include "axlsim/TimelineObserver.h"
-
-class CSI_base;
+#include "hosting/DriverPtr.h"
 
 namespace axlsim {
 
@@ -45,7 +44,7 @@ private:
     TimelineObserver& observer_;
     Timeline& timeline_;
     const BusWatch& bus_;
-    CSI_base* driver_ = nullptr;
+    hosting::DriverPtr<> driver_;
 };
 
 }  // namespace axlsim

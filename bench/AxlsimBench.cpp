@@ -6,10 +6,10 @@
 
 #include <string>
 
-#include "axlsim/Config.h"
-#include "axlsim/ConfigReader.h"
-#include "axlsim/DriverLibrary.h"
-#include "axlsim/ScenarioPlayer.h"
+#include "axlsim/configuration/Config.h"
+#include "axlsim/configuration/ConfigReader.h"
+#include "axlsim/run/DriverLibrary.h"
+#include "axlsim/run/ScenarioPlayer.h"
 
 namespace {
 

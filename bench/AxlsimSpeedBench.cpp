@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "axlsim/Config.h"
-#include "axlsim/DriverLibrary.h"
-#include "axlsim/ScenarioPlayer.h"
+#include "axlsim/configuration/Config.h"
+#include "axlsim/run/DriverLibrary.h"
+#include "axlsim/run/ScenarioPlayer.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <algorithm>
 
 #include "TestRuns.h"
-#include "axlsim/ConfigCheck.h"
-#include "axlsim/ConfigReader.h"
+#include "axlsim/check/ConfigCheck.h"
+#include "axlsim/configuration/ConfigReader.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <sstream>
 
 #include "TestRuns.h"
-#include "axlsim/CheckReport.h"
-#include "axlsim/ConfigCheck.h"
-#include "axlsim/ConfigReader.h"
+#include "axlsim/check/CheckReport.h"
+#include "axlsim/check/ConfigCheck.h"
+#include "axlsim/configuration/ConfigReader.h"
 
 namespace {
 

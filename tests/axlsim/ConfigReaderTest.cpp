@@ -5,8 +5,8 @@
 #include <cstring>
 #include <sstream>
 
-#include "axlsim/ConfigError.h"
-#include "axlsim/ConfigReader.h"
+#include "axlsim/configuration/ConfigError.h"
+#include "axlsim/configuration/ConfigReader.h"
 
 namespace {
 

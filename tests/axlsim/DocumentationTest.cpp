@@ -9,8 +9,8 @@
 #include <sstream>
 
 #include "Program.h"
-#include "axlsim/ConfigCheck.h"
-#include "axlsim/ConfigReader.h"
+#include "axlsim/check/ConfigCheck.h"
+#include "axlsim/configuration/ConfigReader.h"
 
 namespace {
 

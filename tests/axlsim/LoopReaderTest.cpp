@@ -2,8 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "axlsim/ConfigError.h"
-#include "axlsim/ConfigReader.h"
+#include "axlsim/configuration/ConfigError.h"
+#include "axlsim/configuration/ConfigReader.h"
 
 namespace {
 

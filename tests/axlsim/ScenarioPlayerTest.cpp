@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "TestRuns.h"
-#include "axlsim/ConfigReader.h"
-#include "axlsim/ScenarioPlayer.h"
+#include "axlsim/configuration/ConfigReader.h"
+#include "axlsim/run/ScenarioPlayer.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 
 #include <sstream>
 
-#include "axlsim/ConfigReader.h"
-#include "axlsim/JsonRenderer.h"
-#include "axlsim/ScenarioPlayer.h"
+#include "axlsim/configuration/ConfigReader.h"
+#include "axlsim/render/JsonRenderer.h"
+#include "axlsim/run/ScenarioPlayer.h"
 
 namespace axlsimtest {
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "axlsim/Config.h"
-#include "axlsim/DriverLibrary.h"
-#include "axlsim/RunResult.h"
+#include "axlsim/configuration/Config.h"
+#include "axlsim/run/DriverLibrary.h"
+#include "axlsim/run/RunResult.h"
 
 namespace axlsimtest {
 

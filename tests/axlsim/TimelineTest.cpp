@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "axlsim/Timeline.h"
+#include "axlsim/run/Timeline.h"
 
 #include <gtest/gtest.h>
 

@@ -7,9 +7,9 @@
 
 #include "TestRuns.h"
 #include "VcdReader.h"
-#include "axlsim/ConfigReader.h"
-#include "axlsim/ValueText.h"
-#include "axlsim/VcdWriter.h"
+#include "axlsim/configuration/ConfigReader.h"
+#include "axlsim/render/ValueText.h"
+#include "axlsim/render/VcdWriter.h"
 
 namespace {
 

@@ -11,19 +11,19 @@
 #include <iostream>
 #include <memory>
 
-#include "axlsim/CheckReport.h"
-#include "axlsim/ConfigCheck.h"
-#include "axlsim/ConfigError.h"
-#include "axlsim/ConfigReader.h"
-#include "axlsim/DemoConfig.h"
-#include "axlsim/DriverLibrary.h"
-#include "axlsim/InterruptSignals.h"
-#include "axlsim/JsonRenderer.h"
-#include "axlsim/LoopCheck.h"
-#include "axlsim/ProgressBar.h"
-#include "axlsim/ScenarioPlayer.h"
-#include "axlsim/TextRenderer.h"
-#include "axlsim/VcdWriter.h"
+#include "axlsim/check/CheckReport.h"
+#include "axlsim/check/ConfigCheck.h"
+#include "axlsim/check/LoopCheck.h"
+#include "axlsim/configuration/ConfigError.h"
+#include "axlsim/configuration/ConfigReader.h"
+#include "axlsim/configuration/DemoConfig.h"
+#include "axlsim/render/JsonRenderer.h"
+#include "axlsim/render/ProgressBar.h"
+#include "axlsim/render/TextRenderer.h"
+#include "axlsim/render/VcdWriter.h"
+#include "axlsim/run/DriverLibrary.h"
+#include "axlsim/run/InterruptSignals.h"
+#include "axlsim/run/ScenarioPlayer.h"
 
 #if AXLSIM_SERVE
 #include "axlsim/serve/HtmlReport.h"

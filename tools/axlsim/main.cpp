@@ -8,7 +8,7 @@
 #include <iostream>
 
 #include "axlsim/Commands.h"
-#include "axlsim/Milliseconds.h"
+#include "axlsim/configuration/Milliseconds.h"
 
 namespace {
 

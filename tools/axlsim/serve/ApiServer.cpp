@@ -8,11 +8,11 @@
 #include <exception>
 #include <string_view>
 
-#include "axlsim/ConfigDocument.h"
-#include "axlsim/ConfigError.h"
-#include "axlsim/ConfigReader.h"
-#include "axlsim/JsonParser.h"
-#include "axlsim/ValueText.h"
+#include "axlsim/configuration/ConfigDocument.h"
+#include "axlsim/configuration/ConfigError.h"
+#include "axlsim/configuration/ConfigReader.h"
+#include "axlsim/configuration/JsonParser.h"
+#include "axlsim/render/ValueText.h"
 
 namespace axlsim {
 

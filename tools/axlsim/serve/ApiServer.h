@@ -8,7 +8,7 @@
 #include <mutex>
 #include <string>
 
-#include "axlsim/Config.h"
+#include "axlsim/configuration/Config.h"
 #include "axlsim/serve/LiveRun.h"
 
 namespace httplib {

@@ -5,8 +5,8 @@
 #include <sstream>
 #include <string>
 
-#include "axlsim/JsonRenderer.h"
-#include "axlsim/ValueText.h"
+#include "axlsim/render/JsonRenderer.h"
+#include "axlsim/render/ValueText.h"
 #include "axlsim/serve/Assets.h"
 
 namespace axlsim {

@@ -3,8 +3,8 @@
 
 #include <ostream>
 
-#include "axlsim/Config.h"
-#include "axlsim/RunResult.h"
+#include "axlsim/configuration/Config.h"
+#include "axlsim/run/RunResult.h"
 
 namespace axlsim {
 

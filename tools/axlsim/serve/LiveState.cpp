@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "axlsim/Overloaded.h"
-#include "axlsim/ProcessData.h"
-#include "axlsim/ValueText.h"
+#include "axlsim/render/ValueText.h"
+#include "axlsim/run/ProcessData.h"
 
 namespace axlsim {
 

@@ -14,7 +14,7 @@
 #include <cerrno>
 #include <exception>
 
-#include "axlsim/ProcessData.h"
+#include "axlsim/run/ProcessData.h"
 
 namespace axlsim {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "axlsim/Config.h"
+#include "axlsim/configuration/Config.h"
 #include "axlsim/serve/LiveRun.h"
 #include "axlsim/serve/ModbusMap.h"
 #include "axlsim/serve/ModbusRequest.h"

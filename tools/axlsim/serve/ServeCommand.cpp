@@ -13,7 +13,7 @@
 #include <string>
 #include <thread>
 
-#include "axlsim/InterruptSignals.h"
+#include "axlsim/run/InterruptSignals.h"
 #include "axlsim/serve/ApiServer.h"
 #include "axlsim/serve/Assets.h"
 #include "axlsim/serve/LiveRun.h"

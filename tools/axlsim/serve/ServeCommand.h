@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "axlsim/Config.h"
-#include "axlsim/DriverLibrary.h"
+#include "axlsim/configuration/Config.h"
+#include "axlsim/run/DriverLibrary.h"
 
 namespace axlsim {
 

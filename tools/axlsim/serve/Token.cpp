@@ -5,7 +5,7 @@
 #include <random>
 #include <vector>
 
-#include "axlsim/Hex.h"
+#include "axlsim/configuration/Hex.h"
 
 namespace axlsim {
 

@@ -11,6 +11,7 @@
 
 #include "Arp/Plc/AnsiC/Gds/DataLayout.h"
 #include "Arp/Plc/AnsiC/Io/Axio.h"
+#include "BusFrames.h"
 #include "GdsAccess.h"
 #include "vplc/Plant.h"
 
@@ -40,17 +41,7 @@ private:
     std::vector<std::string> steps_;
 };
 
-class FrameLocks : public ::testing::Test {
-protected:
-    ~FrameLocks() override {
-        ArpPlcIo_ReleaseGdsBuffer(out_);
-        ArpPlcIo_ReleaseGdsBuffer(in_);
-    }
-
-    Plant plant_ = Plant::of({Module::DI8_DO8});
-    TGdsBuffer* in_ = acquire("1:IN");
-    TGdsBuffer* out_ = acquire("1:OUT");
-};
+class FrameLocks : public controllertest::BusFrames {};
 
 }  // namespace
 

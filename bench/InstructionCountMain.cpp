@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs a number of driver scans or output events, or the same number of their floors, for an
 // instruction counter (scripts/callgrind) that runs this program twice, with COUNT 0 and with
 // COUNT N, and takes the difference: the instructions of N operations, without setting up and

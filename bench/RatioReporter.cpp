@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "RatioReporter.h"
 
 #include <unistd.h>

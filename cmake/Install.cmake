@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What `cmake --install` puts where, by component:
 #
 #   driver           libplcnext_driver.so, the README and an example host configuration: what an
@@ -14,6 +15,7 @@
 set(AXL_DRIVER_DOC_DIR share/doc/plcnext-axioline-driver)
 set(AXL_WORKSTATION_INCLUDE_DIR include/plcnext-axioline)
 set(AXL_WORKSTATION_DATA_DIR share/plcnext-axioline)
+set(AXL_WORKSTATION_DOC_DIR share/doc/plcnext-axioline-workstation)
 
 if(TARGET plcnext_driver)
     install(TARGETS plcnext_driver LIBRARY DESTINATION lib COMPONENT driver)
@@ -24,6 +26,9 @@ if(TARGET plcnext_driver)
     endif()
     install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${AXL_DRIVER_DOC_DIR}
             COMPONENT driver)
+    # The licence, where Debian looks for a package's licence.
+    install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${AXL_DRIVER_DOC_DIR}
+            RENAME copyright COMPONENT driver)
     # The configuration that axlsim's demo runs: driver parameters, event-id mappings and
     # services, as a host fills its records.
     set(AXL_EXAMPLE_HOST_CONFIGURATION ${PROJECT_SOURCE_DIR}/examples/feedback_loop.json)
@@ -47,6 +52,8 @@ if(TARGET vplc)
             set_target_properties(${library} PROPERTIES INSTALL_RPATH "$ORIGIN")
         endif()
     endforeach()
+    install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${AXL_WORKSTATION_DOC_DIR}
+            RENAME copyright COMPONENT workstation)
     foreach(program hello_driver axlsim)
         if(TARGET ${program})
             install(TARGETS ${program} RUNTIME DESTINATION bin COMPONENT workstation)

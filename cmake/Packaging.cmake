@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Packages made by `cpack` in <build>/packages: a .tar.gz and a .deb per component (see
 # Install.cmake). A cross build packages the driver for its target (armhf); a native build
 # packages the driver and the workstation tools for the machine's own architecture.
@@ -32,6 +33,7 @@ set(CPACK_PACKAGE_CONTACT ${AXL_PACKAGE_CONTACT})
 set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/packages)
 set(CPACK_GENERATOR TGZ DEB)
 set(CPACK_STRIP_FILES ON)
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 
 set(CPACK_COMPONENT_DRIVER_DISPLAY_NAME "Axioline F driver for PLCnext")
 set(CPACK_COMPONENT_DRIVER_DESCRIPTION "Axioline F terminal module driver for a PLCnext host runtime

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Builds only the driver, against a PLCnext controller SDK instead of platform/ and the virtual
 # controller: the SDK's headers and its Arp libraries. The host contract stays this project's:
 # host/ and liborbel_intrf (built from sim/host), which the driver links as on the controller.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Loads libplcnext_driver.so the way a host runtime does, creates a driver for an AXL F DI8/1
 // DO8/1 module on the virtual controller, and prints what the driver does while the plant
 // changes, on a virtual clock.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 // Symbols of the host's interface library stay visible to drivers that are built with hidden

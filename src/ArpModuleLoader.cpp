@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ArpModuleLoader.h"
 
 #include <unistd.h>

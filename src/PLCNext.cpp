@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "PLCNext.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What running drivers add to a host process, and what an idle driver costs, on the wall clock.
 // Loads the driver library with dlopen as a host does, on a virtual controller with an
 // AXL F DI8/1 DO8/1 at positions 1 and 3 and an AXL F AI2 AO2 at position 2, and reports
@@ -136,7 +137,7 @@ bool parse(int argc, char** argv, Options& options) {
 }
 
 CSI_base* startDriver(Factory factory, ModuleKind module, int position) {
-    testsupport::DriverConfig config = axlbench::fullyConfigured(module, position);
+    hosting::DriverConfig config = axlbench::fullyConfigured(module, position);
     CSI_base* driver = nullptr;
     {
         orbel::CallScope creation(nullptr);

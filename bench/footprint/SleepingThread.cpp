@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "SleepingThread.h"
 
 #include <pthread.h>

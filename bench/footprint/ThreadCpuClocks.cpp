@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ThreadCpuClocks.h"
 
 #include <pthread.h>
@@ -5,12 +6,6 @@
 #include <stdexcept>
 
 namespace axlbench {
-
-namespace {
-
-constexpr int kFailureLevel = 2;
-
-}  // namespace
 
 ThreadCpuClocks::ThreadCpuClocks() {
     orbel::addObserver(*this);
@@ -37,18 +32,6 @@ std::chrono::nanoseconds ThreadCpuClocks::cpuTime(const CSI_base* driver) const 
     return std::chrono::seconds(used.tv_sec) + std::chrono::nanoseconds(used.tv_nsec);
 }
 
-void ThreadCpuClocks::logged(const CSI_base*, int level, std::string_view, std::string_view) {
-    if (level == kFailureLevel) {
-        failures_.fetch_add(1);
-    }
-}
-
-void ThreadCpuClocks::published(const CSI_base*, uint32_t, uint32_t, std::span<const uint8_t>) {}
-
-void ThreadCpuClocks::stopped(const CSI_base*, const stServiceParams_t*, std::string_view) {
-    failures_.fetch_add(1);
-}
-
 // Called on the new driver thread itself.
 void ThreadCpuClocks::threadStarted(const CSI_base* driver) {
     clockid_t clock{};
@@ -58,7 +41,5 @@ void ThreadCpuClocks::threadStarted(const CSI_base* driver) {
     std::lock_guard lock(mutex_);
     clocks_[driver] = clock;
 }
-
-void ThreadCpuClocks::threadEnded(const CSI_base*, std::string_view) {}
 
 }  // namespace axlbench

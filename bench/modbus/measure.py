@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: MIT
 """Measures axlsim serve's Modbus TCP server at speed 1: the round trip from a coil write to the
 driver's publication of it (median and 99th percentile), and the requests per second that the
 server sustains for one client and for eight at once.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "FloorFrames.h"
 
 #include <stdexcept>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "FloorWriter.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "FullyConfigured.h"
 
 #include <string>
@@ -11,8 +12,8 @@ constexpr unsigned kSharedPinKeys[] = {1006, 1007};
 
 }  // namespace
 
-testsupport::DriverConfig fullyConfigured(ModuleKind module, int position) {
-    using testsupport::DriverConfig;
+hosting::DriverConfig fullyConfigured(ModuleKind module, int position) {
+    using hosting::DriverConfig;
     if (module == ModuleKind::Analog) {
         DriverConfig config = DriverConfig::analog(position);
         for (uint32_t pin = 0; pin < 2; ++pin) {

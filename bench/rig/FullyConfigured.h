@@ -1,13 +1,14 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
-#include "DriverConfig.h"
 #include "Workload.h"
+#include "hosting/DriverConfig.h"
 
 namespace axlbench {
 
 // The records of a driver that configures every pin of its module: every input and every
 // output pin, outputs starting at 0 (see Workload.h for the event ids). `position` is the
 // module's place on the bus, its "Consecutive Number".
-testsupport::DriverConfig fullyConfigured(ModuleKind module, int position = 1);
+hosting::DriverConfig fullyConfigured(ModuleKind module, int position = 1);
 
 }  // namespace axlbench

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ScanBatchClock.h"
 
 #include "orbel/DriverThreads.h"

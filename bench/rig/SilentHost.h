@@ -1,7 +1,9 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <atomic>
 
+#include "orbel/FailureCounter.h"
 #include "orbel/HostObserver.h"
 
 namespace axlbench {
@@ -16,22 +18,15 @@ public:
     SilentHost(const SilentHost&) = delete;
     SilentHost& operator=(const SilentHost&) = delete;
 
-    int stops() const { return stops_.load(); }
-    int failures() const { return failures_.load(); }
+    int stops() const { return failures_.stops(); }
+    int failures() const { return failures_.failureLines(); }
     int publications() const { return publications_.load(); }
 
-    void logged(const CSI_base* driver, int level, std::string_view format,
-                std::string_view text) override;
     void published(const CSI_base* driver, uint32_t id, uint32_t size,
                    std::span<const uint8_t> payload) override;
-    void stopped(const CSI_base* driver, const stServiceParams_t* service,
-                 std::string_view message) override;
-    void threadStarted(const CSI_base* driver) override;
-    void threadEnded(const CSI_base* driver, std::string_view how) override;
 
 private:
-    std::atomic<int> stops_{0};
-    std::atomic<int> failures_{0};
+    orbel::FailureCounter failures_;
     std::atomic<int> publications_{0};
 };
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The latency of `axlsim serve` from POST /api/input to the driver's publication of that input,
 as a client sees it on /api/stream, at speed 1: starts the server on a free port, toggles digital
 input 0 of feedback_loop.json a number of times and prints the median and the 99th percentile of

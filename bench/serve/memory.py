@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The memory of a long-running `axlsim serve`: starts it at speed 1 on a free port, pokes it now
 and then (an input, the state, the timeline) and prints its resident set size at the given
 minutes.

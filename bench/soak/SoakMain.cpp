@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Concurrency soak: output events for many pins of three drivers, delivered from one host thread
 // per driver as fast as they go, while the drivers scan on the wall clock and their inputs
 // change under them. The events go on until both the event count and the minimum time are
@@ -26,6 +27,7 @@
 #include "PLCNext.h"
 #include "SoakObserver.h"
 #include "WallClock.h"
+#include "hosting/DriverPtr.h"
 #include "modules/IbIlConversion.h"
 #include "orbel/CallScope.h"
 #include "orbel/DriverThreads.h"
@@ -58,10 +60,6 @@ bool parse(int argc, char** argv, Options& options) {
     return argc % 2 == 1 && options.events > 0;
 }
 
-struct DriverDeleter {
-    void operator()(CSI_base* driver) const { orbel::destroyDriver(driver); }
-};
-
 // One driver of the soak: its module's position, its output pins (event id = base + pin) and
 // its inputs (event id = base + 10 + pin).
 struct SoakDriver {
@@ -70,7 +68,7 @@ struct SoakDriver {
     uint32_t eventBase;
     int outputs;
     int inputs;
-    std::unique_ptr<CSI_base, DriverDeleter> driver;
+    hosting::DriverPtr<> driver;
     std::vector<uint16_t> lastCommanded;  // per output: 0 or 1, or the analog word
 
     bool analog() const { return std::strcmp(deviceType, "AXL_F_AI2_AO2") == 0; }

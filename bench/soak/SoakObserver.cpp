@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "SoakObserver.h"
 
 namespace soak {
@@ -16,18 +17,12 @@ std::vector<SoakObserver::Publication> SoakObserver::publications() const {
 }
 
 int SoakObserver::failureLines() const {
-    std::lock_guard lock(mutex_);
-    return failureLines_;
+    return failures_.failureLines();
 }
 
 std::vector<std::string> SoakObserver::stops() const {
     std::lock_guard lock(mutex_);
     return stops_;
-}
-
-void SoakObserver::logged(const CSI_base*, int level, std::string_view, std::string_view) {
-    std::lock_guard lock(mutex_);
-    failureLines_ += level == 2 ? 1 : 0;
 }
 
 void SoakObserver::published(const CSI_base* driver, uint32_t id, uint32_t,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <chrono>
@@ -6,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "orbel/FailureCounter.h"
 #include "orbel/HostObserver.h"
 
 namespace soak {
@@ -30,19 +32,15 @@ public:
     int failureLines() const;
     std::vector<std::string> stops() const;
 
-    void logged(const CSI_base* driver, int level, std::string_view format,
-                std::string_view text) override;
     void published(const CSI_base* driver, uint32_t id, uint32_t size,
                    std::span<const uint8_t> payload) override;
     void stopped(const CSI_base* driver, const stServiceParams_t* service,
                  std::string_view message) override;
-    void threadStarted(const CSI_base*) override {}
-    void threadEnded(const CSI_base*, std::string_view) override {}
 
 private:
     mutable std::mutex mutex_;
     std::vector<Publication> publications_;
-    int failureLines_ = 0;
+    orbel::FailureCounter failures_;
     std::vector<std::string> stops_;
 };
 

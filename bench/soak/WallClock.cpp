@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "WallClock.h"
 
 #include "orbel/DriverThreads.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Cross build for an ARMv7 hard-float controller with Debian's arm-linux-gnueabihf toolchain
 # (package g++-arm-linux-gnueabihf; qemu-user runs the results on this machine).
 set(CMAKE_SYSTEM_NAME Linux)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "AxlsimConfigFuzzer.h"
 
 #include <algorithm>
@@ -5,10 +6,10 @@
 #include <variant>
 
 #include "Findings.h"
-#include "axlsim/ConfigCheck.h"
-#include "axlsim/ConfigError.h"
-#include "axlsim/ConfigReader.h"
-#include "axlsim/LoopCheck.h"
+#include "axlsim/check/ConfigCheck.h"
+#include "axlsim/check/LoopCheck.h"
+#include "axlsim/configuration/ConfigError.h"
+#include "axlsim/configuration/ConfigReader.h"
 
 namespace fuzz {
 

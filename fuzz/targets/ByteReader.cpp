@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ByteReader.h"
 
 namespace fuzz {

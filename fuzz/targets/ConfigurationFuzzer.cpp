@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ConfigurationFuzzer.h"
 
 #include <chrono>
@@ -10,8 +11,8 @@
 #include "Findings.h"
 #include "PLCNext.h"
 #include "RecordComparison.h"
+#include "hosting/DriverPtr.h"
 #include "orbel/CallScope.h"
-#include "orbel/DriverThreads.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
@@ -54,10 +55,6 @@ const std::set<std::string_view> kStopMessages = {
     "Could not register service for analog input pin",
     "Could not register service for digital output pin.",
     "Can't register service for analog output pin",
-};
-
-struct DriverDeleter {
-    void operator()(CSI_base* driver) const { orbel::destroyDriver(driver); }
 };
 
 // Runs `action`; an exception may only be one of the two "stoi" exceptions. Returns whether the
@@ -181,7 +178,7 @@ std::string ConfigurationFuzzer::run(std::span<const uint8_t> input) {
 
     auto mappings = config.mappings;
     auto services = config.services;
-    std::unique_ptr<CSI_base, DriverDeleter> driver;
+    hosting::DriverPtr<> driver;
     completesOrThrowsStoi(findings, "CreateSiObject", [&] {
         orbel::CallScope creation(nullptr);
         driver.reset(CreateSiObject(config.params, &mappings, &services));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ConfigurationText.h"
 
 #include <string_view>

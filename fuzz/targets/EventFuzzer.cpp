@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "EventFuzzer.h"
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include "PLCNext.h"
 #include "modules/IbIlConversion.h"
 #include "orbel/CallScope.h"
-#include "orbel/DriverThreads.h"
 #include "vplc/PlatformCalls.h"
 
 namespace fuzz {
@@ -73,10 +73,6 @@ std::string hex(uint32_t value) {
 }
 
 }  // namespace
-
-void EventFuzzer::DriverDeleter::operator()(CSI_base* driver) const {
-    orbel::destroyDriver(driver);
-}
 
 EventFuzzer::EventFuzzer()
     : plant_(vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2})) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <cstdint>
@@ -12,6 +13,7 @@
 #include "PublicationWatch.h"
 #include "RushedClock.h"
 #include "SI_base.h"
+#include "hosting/DriverPtr.h"
 #include "vplc/Plant.h"
 #include "vplc/Runtime.h"
 
@@ -45,13 +47,9 @@ public:
     std::string run(std::span<const uint8_t> input);
 
 private:
-    struct DriverDeleter {
-        void operator()(CSI_base* driver) const;
-    };
-
     // One driver and what its configuration binds.
     struct Target {
-        std::unique_ptr<CSI_base, DriverDeleter> driver;
+        hosting::DriverPtr<> driver;
         std::map<uint32_t, std::vector<int>> outputs;  // event id -> pins, ascending
         std::vector<uint32_t> inputs;
         std::vector<uint32_t> restarts;

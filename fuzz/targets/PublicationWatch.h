@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <cstdint>
@@ -52,8 +53,6 @@ public:
                    std::span<const uint8_t> payload) override;
     void stopped(const CSI_base* driver, const stServiceParams_t* service,
                  std::string_view message) override;
-    void threadStarted(const CSI_base*) override {}
-    void threadEnded(const CSI_base*, std::string_view) override {}
 
 private:
     mutable std::mutex mutex_;

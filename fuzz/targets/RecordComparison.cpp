@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "RecordComparison.h"
 
 #include <algorithm>

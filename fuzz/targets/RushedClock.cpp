@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "RushedClock.h"
 
 #include <thread>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "gds/IOFrameBuffer.h"
 
 #include <cstdio>

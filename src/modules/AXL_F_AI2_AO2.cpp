@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "modules/AXL_F_AI2_AO2.h"
 
 #include "LogMessage.h"

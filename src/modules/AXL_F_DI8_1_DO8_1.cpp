@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "modules/AXL_F_DI8_1_DO8_1.h"
 
 AXL_F_DI8_1_DO8_1::AXL_F_DI8_1_DO8_1(int moduleNumber)

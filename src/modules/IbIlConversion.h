@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 // Conversion between the 16-bit IB IL process data words of the analog module and analog values

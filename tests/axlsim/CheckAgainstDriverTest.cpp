@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Each mistake that `axlsim check` names, checked and then run with the real driver: what check
 // predicts is what the driver does.
 
@@ -7,8 +8,8 @@
 #include <algorithm>
 
 #include "TestRuns.h"
-#include "axlsim/ConfigCheck.h"
-#include "axlsim/ConfigReader.h"
+#include "axlsim/check/ConfigCheck.h"
+#include "axlsim/configuration/ConfigReader.h"
 
 namespace {
 
@@ -85,8 +86,9 @@ template <class Kind>
 std::vector<Kind> happeningsOf(const RunResult& run) {
     std::vector<Kind> found;
     for (const Happening& happening : run.timeline) {
-        if (const auto* kind = std::get_if<Kind>(&happening.what))
+        if (const auto* kind = std::get_if<Kind>(&happening.what)) {
             found.push_back(*kind);
+        }
     }
     return found;
 }
@@ -355,8 +357,9 @@ TEST(CheckAgainstDriver, AConsecutiveNumberBeyondTheBusLeavesBothPortsWithoutOff
     EXPECT_THAT(finding.consequence, HasSubstr("Arp.Io.AxlC/2.~DO8"));
     std::vector<std::string> offsets;
     for (const auto& log : happeningsOf<Happening::Log>(checked.run)) {
-        if (log.format == "Can't get offset to port: %s")
+        if (log.format == "Can't get offset to port: %s") {
             offsets.push_back(log.text);
+        }
     }
     ASSERT_EQ(offsets.size(), 2U);
     EXPECT_THAT(offsets[0], HasSubstr("Arp.Io.AxlC/2.~DI8"));

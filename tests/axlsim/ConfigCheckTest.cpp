@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: MIT
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
 
 #include "TestRuns.h"
-#include "axlsim/CheckReport.h"
-#include "axlsim/ConfigCheck.h"
-#include "axlsim/ConfigReader.h"
+#include "axlsim/check/CheckReport.h"
+#include "axlsim/check/ConfigCheck.h"
+#include "axlsim/configuration/ConfigReader.h"
 
 namespace {
 
@@ -29,8 +30,9 @@ TEST(ConfigCheck, ListsEveryProblemAtOnceEachWithItsServiceAndEffect) {
     const auto config = axlsim::ConfigReader::readFile(AXLSIM_EXAMPLES "/mistakes.json");
     std::vector<std::pair<std::optional<unsigned>, Effect>> seen;
     for (const auto& finding : ConfigCheck::check(config)) {
-        if (finding.driver == 0)
+        if (finding.driver == 0) {
             seen.emplace_back(finding.serviceKey, finding.effect);
+        }
     }
     const std::vector<std::pair<std::optional<unsigned>, Effect>> expected{
         {1U, Effect::Stops},          {2U, Effect::Differs}, {3U, Effect::Stops},
@@ -111,8 +113,9 @@ TEST(CheckReport, SaysSoWhenThereIsNoProblem) {
 const ConfigCheck::Finding* findingAbout(const std::vector<ConfigCheck::Finding>& findings,
                                          const std::string& text) {
     for (const auto& finding : findings) {
-        if (finding.problem.find(text) != std::string::npos)
+        if (finding.problem.find(text) != std::string::npos) {
             return &finding;
+        }
     }
     return nullptr;
 }

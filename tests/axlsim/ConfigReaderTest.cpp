@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: MIT
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <sstream>
 
-#include "axlsim/ConfigError.h"
-#include "axlsim/ConfigReader.h"
+#include "axlsim/configuration/ConfigError.h"
+#include "axlsim/configuration/ConfigReader.h"
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The README's example configuration and the configuration reference stay true: the example
 // reads, the driver refuses only what it is meant to, and the reference names every key.
 
@@ -8,8 +9,8 @@
 #include <sstream>
 
 #include "Program.h"
-#include "axlsim/ConfigCheck.h"
-#include "axlsim/ConfigReader.h"
+#include "axlsim/check/ConfigCheck.h"
+#include "axlsim/configuration/ConfigReader.h"
 
 namespace {
 
@@ -27,8 +28,9 @@ std::string readmeExample() {
     const std::string fence = "```jsonc\n";
     const auto start = readme.find(fence);
     const auto end = readme.find("```", start + fence.size());
-    if (start == std::string::npos || end == std::string::npos)
+    if (start == std::string::npos || end == std::string::npos) {
         return "";
+    }
     return readme.substr(start + fence.size(), end - start - fence.size());
 }
 
@@ -36,8 +38,9 @@ TEST(Documentation, TheReadmeExampleGivesEveryAnalogEventIdTheSize4AndFailsOnlyW
     const auto config = axlsim::ConfigReader::readText(readmeExample(), "README.md");
     const auto findings = axlsim::ConfigCheck::check(config);
     std::string problems;
-    for (const auto& finding : findings)
+    for (const auto& finding : findings) {
         problems += finding.problem + "\n";
+    }
     ASSERT_EQ(findings.size(), 1U) << problems;
     EXPECT_EQ(findings[0].stopMessage, "Null data pointer");
     bool analog = false;
@@ -62,10 +65,12 @@ TEST(Documentation, TheReadmeExampleRunsAsItExpects) {
 TEST(Documentation, TheConfigurationReferenceNamesEveryKey) {
     const std::string reference = slurp(AXLSIM_CONFIGURATION_REFERENCE);
     ASSERT_FALSE(reference.empty());
-    for (std::string_view key : axlsim::ConfigReader::keys())
+    for (std::string_view key : axlsim::ConfigReader::keys()) {
         EXPECT_THAT(reference, HasSubstr("`" + std::string(key) + "`")) << key;
-    for (const char* setting : {"\"Consecutive Number\"", "\"PinNum\"", "\"InitVal\""})
+    }
+    for (const char* setting : {"\"Consecutive Number\"", "\"PinNum\"", "\"InitVal\""}) {
         EXPECT_THAT(reference, HasSubstr(setting));
+    }
 }
 
 }  // namespace

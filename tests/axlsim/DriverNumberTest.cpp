@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include "axlsim/DriverNumber.h"
+#include "axlsim/configuration/DriverNumber.h"
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The JSON timeline of every example, compared with its golden file in golden/. After a change
 // that is meant to change a timeline, regenerate the files and review the difference:
 //   AXLSIM_UPDATE_GOLDEN=1 ctest -R GoldenTimeline
@@ -21,8 +22,9 @@ namespace fs = std::filesystem;
 std::vector<std::string> examples() {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(AXLSIM_EXAMPLES)) {
-        if (entry.path().extension() == ".json")
+        if (entry.path().extension() == ".json") {
             names.push_back(entry.path().stem().string());
+        }
     }
     std::sort(names.begin(), names.end());
     return names;
@@ -56,8 +58,9 @@ TEST_P(GoldenTimeline, IsTheSameInEveryRunOfTheExample) {
     const fs::path example = fs::path(AXLSIM_EXAMPLES) / (GetParam() + ".json");
     for (const bool json : {true, false}) {
         std::vector<std::string> arguments{"run", example.string()};
-        if (json)
+        if (json) {
             arguments.emplace_back("--json");
+        }
         const auto first = axlsimtest::runProgram(arguments);
         const auto second = axlsimtest::runProgram(arguments);
         ASSERT_EQ(first.status, 0) << first.err;

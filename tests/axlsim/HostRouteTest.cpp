@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's routes, run with the real drivers. Driver 0 serves the digital module at position
 // 1: inputs 0 and 1 publish events 100 and 101 (at 0 and 1 ms, then every 100 ms from 2 ms),
 // events 200 and 201 drive outputs 0 and 1, event 400 restarts. Driver 1 serves the analog
@@ -51,9 +52,10 @@ struct Sent {
 
 std::vector<Sent> events(const RunResult& result) {
     std::vector<Sent> found;
-    for (const auto& event : happeningsOf<Happening::Event>(result))
+    for (const auto& event : happeningsOf<Happening::Event>(result)) {
         found.push_back({event.t, event.driver, event.what.id,
                          event.what.payload.value_or(std::vector<uint8_t>{}), event.what.size});
+    }
     return found;
 }
 
@@ -65,8 +67,9 @@ std::vector<uint8_t> floatBytes(float value) {
 
 std::size_t indexOf(const RunResult& result, std::chrono::nanoseconds t, auto matches) {
     for (std::size_t i = 0; i < result.timeline.size(); ++i) {
-        if (result.timeline[i].t == t && matches(result.timeline[i].what))
+        if (result.timeline[i].t == t && matches(result.timeline[i].what)) {
             return i;
+        }
     }
     ADD_FAILURE() << "nothing found at " << t.count() << " ns";
     return 0;
@@ -126,8 +129,9 @@ TEST(HostRoutes, DeliveriesDueAtOneTimeGoInTheOrderOfTheirPublications) {
              { "at_ms": 250, "input": { "module": 1, "pin": 1, "value": 1 } }, { "at_ms": 400, "end": true } ])");
     std::vector<uint32_t> at302;
     for (const Sent& sent : events(result)) {
-        if (sent.t == 302ms)
+        if (sent.t == 302ms) {
             at302.push_back(sent.id);
+        }
     }
     EXPECT_EQ(at302, (std::vector<uint32_t>{200, 201}));
 }
@@ -148,8 +152,9 @@ std::string steps(std::initializer_list<double> values) {
 std::vector<std::vector<uint8_t>> payloadsTo(const RunResult& result, uint32_t id) {
     std::vector<std::vector<uint8_t>> found;
     for (const Sent& sent : events(result)) {
-        if (sent.id == id)
+        if (sent.id == id) {
             found.push_back(sent.bytes);
+        }
     }
     return found;
 }

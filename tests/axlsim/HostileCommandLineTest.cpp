@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The hostile inputs of the command line, each run against the built axlsim as a user would run
 // it: what it must refuse, with which message and exit status, and what it must not do (hang,
 // fill the memory, drop part of a configuration, exit 0 on output it could not write).
@@ -238,8 +239,9 @@ TEST_P(HostileCommandLine, IsRefusedOrHandledAsDocumented) {
     const HostileCase& hostile = GetParam();
     std::vector<std::string> arguments = hostile.arguments;
     for (std::string& argument : arguments) {
-        if (argument == "$CONFIG")
+        if (argument == "$CONFIG") {
             argument = writeConfig("config.json", hostile.config);
+        }
     }
     const auto run = runProgram(arguments, hostile.redirect);
     EXPECT_EQ(run.status, hostile.status) << run.err;

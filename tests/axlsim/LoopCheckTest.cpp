@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: MIT
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
 
 #include "TestRuns.h"
-#include "axlsim/CheckReport.h"
-#include "axlsim/ConfigError.h"
-#include "axlsim/LoopCheck.h"
+#include "axlsim/check/CheckReport.h"
+#include "axlsim/check/LoopCheck.h"
+#include "axlsim/configuration/ConfigError.h"
 
 namespace {
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "axlsim/ConfigError.h"
-#include "axlsim/ConfigReader.h"
+#include "axlsim/configuration/ConfigError.h"
+#include "axlsim/configuration/ConfigReader.h"
 
 namespace {
 
@@ -42,8 +43,9 @@ TEST(LoopReader, NamesPinsByPositionKindAndNumber) {
     EXPECT_EQ(Pin::parse("2.AO0"), (Pin{2, Pin::Kind::AnalogOut, 0}));
     EXPECT_EQ((Pin{2, Pin::Kind::AnalogOut, 1}.name()), "2.AO1");
     for (const char* name : {"", "1", "1.", "1.DI", "DI0", "1.di0", "1.DX0", "1.DI-1", "1.DI0x",
-                             "+1.DI0", "1:DI0", "1.DI 0"})
+                             "+1.DI0", "1:DI0", "1.DI 0"}) {
         EXPECT_FALSE(Pin::parse(name)) << name;
+    }
 }
 
 TEST(LoopReader, ReadsAWireWithItsDefaults) {

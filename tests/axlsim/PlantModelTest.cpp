@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plant models on the virtual bus, run with the real driver. The digital driver scans its
 // one input at 1, 101, 201, ... ms; the analog driver its one channel likewise.
 
@@ -48,8 +49,9 @@ struct Move {
 
 std::vector<Move> moves(const RunResult& run) {
     std::vector<Move> found;
-    for (const auto& move : happeningsOf<Happening::PlantMove>(run))
+    for (const auto& move : happeningsOf<Happening::PlantMove>(run)) {
         found.push_back({move.t, move.what.to.name(), move.what.value});
+    }
     return found;
 }
 
@@ -71,8 +73,9 @@ std::vector<Value> analogPublications(const RunResult& run) {
 
 std::optional<float> publishedAt(const RunResult& run, std::chrono::nanoseconds t) {
     for (const Value& value : analogPublications(run)) {
-        if (value.t == t)
+        if (value.t == t) {
             return value.value;
+        }
     }
     return std::nullopt;
 }

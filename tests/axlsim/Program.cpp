@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Program.h"
 
 #include <fcntl.h>
@@ -58,8 +59,9 @@ std::string temporaryPath(const std::string& name) {
 std::vector<std::string> commandLine(const std::vector<std::string>& arguments) {
     std::vector<std::string> words;
     std::istringstream launcher(AXLSIM_LAUNCHER);
-    for (std::string word; launcher >> word;)
+    for (std::string word; launcher >> word;) {
         words.push_back(word);
+    }
     words.push_back(AXLSIM_PROGRAM);
     words.insert(words.end(), arguments.begin(), arguments.end());
     return words;
@@ -70,8 +72,9 @@ ProgramRun runProgram(const std::vector<std::string>& arguments, const Redirect&
     const std::string errPath = temporaryPath("stderr");
     std::vector<std::string> words = commandLine(arguments);
     std::vector<char*> argv;
-    for (std::string& word : words)
+    for (std::string& word : words) {
         argv.push_back(word.data());
+    }
     argv.push_back(nullptr);
 
     posix_spawn_file_actions_t actions;
@@ -86,8 +89,9 @@ ProgramRun runProgram(const std::vector<std::string>& arguments, const Redirect&
     pid_t pid = 0;
     const int spawned = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0)
+    if (spawned != 0) {
         throw std::runtime_error("cannot start " + words[0]);
+    }
 
     int status = 0;
     waitpid(pid, &status, 0);

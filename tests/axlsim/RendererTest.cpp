@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -6,9 +7,9 @@
 #include <sstream>
 
 #include "TestRuns.h"
-#include "axlsim/ConfigReader.h"
-#include "axlsim/JsonRenderer.h"
-#include "axlsim/TextRenderer.h"
+#include "axlsim/configuration/ConfigReader.h"
+#include "axlsim/render/JsonRenderer.h"
+#include "axlsim/render/TextRenderer.h"
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "RunningProgram.h"
 
 #include <fcntl.h>
@@ -27,13 +28,15 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments)
     : errPath_(temporaryPath("stderr")) {
     std::vector<std::string> words = commandLine(arguments);
     std::vector<char*> argv;
-    for (std::string& word : words)
+    for (std::string& word : words) {
         argv.push_back(word.data());
+    }
     argv.push_back(nullptr);
 
     int ends[2];
-    if (pipe(ends) != 0)
+    if (pipe(ends) != 0) {
         throw std::runtime_error("no pipe");
+    }
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
@@ -57,15 +60,17 @@ RunningProgram::~RunningProgram() {
         kill(pid_, SIGKILL);
         waitpid(pid_, nullptr, 0);
     }
-    if (pipe_ >= 0)
+    if (pipe_ >= 0) {
         close(pipe_);
+    }
     unlink(errPath_.c_str());
 }
 
 bool RunningProgram::readSome(std::chrono::milliseconds limit) {
     pollfd ready{pipe_, POLLIN, 0};
-    if (poll(&ready, 1, static_cast<int>(limit.count())) <= 0)
+    if (poll(&ready, 1, static_cast<int>(limit.count())) <= 0) {
         return true;
+    }
     char buffer[4096];
     const ssize_t count = read(pipe_, buffer, sizeof buffer);
     if (count <= 0) {
@@ -81,8 +86,9 @@ bool RunningProgram::readUntil(const std::string& text, std::chrono::millisecond
     while (out_.find(text) == std::string::npos) {
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
-        if (ended_ || left.count() <= 0)
+        if (ended_ || left.count() <= 0) {
             return false;
+        }
         readSome(left);
     }
     return true;
@@ -97,8 +103,9 @@ int RunningProgram::finish(std::chrono::milliseconds limit) {
     while (!ended_) {
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
-        if (left.count() <= 0)
+        if (left.count() <= 0) {
             return -1;
+        }
         readSome(left);
     }
     int status = 0;

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: MIT
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "TestRuns.h"
-#include "axlsim/ConfigReader.h"
-#include "axlsim/ScenarioPlayer.h"
+#include "axlsim/configuration/ConfigReader.h"
+#include "axlsim/run/ScenarioPlayer.h"
 
 namespace {
 
@@ -36,8 +37,9 @@ struct Published {
 std::vector<Published> publications(const RunResult& run) {
     std::vector<Published> found;
     for (const Happening& happening : run.timeline) {
-        if (const auto* publish = std::get_if<Happening::Publish>(&happening.what))
+        if (const auto* publish = std::get_if<Happening::Publish>(&happening.what)) {
             found.push_back({happening.t, publish->id, publish->bytes});
+        }
     }
     return found;
 }
@@ -163,8 +165,9 @@ TEST(ScenarioPlayer, TwoDriversShareOneBusAndEachEventReachesItsDriver) {
 TEST(ScenarioPlayer, AVirtualRunGivesTheSameTimelineEveryTime) {
     const auto config = axlsim::ConfigReader::readFile(AXLSIM_EXAMPLES "/two_drivers.json");
     const std::string first = axlsimtest::jsonTimeline(config, play(config));
-    for (int run = 0; run < 5; ++run)
+    for (int run = 0; run < 5; ++run) {
         EXPECT_EQ(axlsimtest::jsonTimeline(config, play(config)), first);
+    }
 }
 
 TEST(ScenarioPlayer, ARunOnTheWallClockShowsTheDriversWorkAsItHappens) {

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: MIT
 #include "TestRuns.h"
 
 #include <sstream>
 
-#include "axlsim/ConfigReader.h"
-#include "axlsim/JsonRenderer.h"
-#include "axlsim/ScenarioPlayer.h"
+#include "axlsim/configuration/ConfigReader.h"
+#include "axlsim/render/JsonRenderer.h"
+#include "axlsim/run/ScenarioPlayer.h"
 
 namespace axlsimtest {
 
@@ -24,15 +25,19 @@ axlsim::RunResult play(const axlsim::Config& config) {
 std::optional<Failure> firstFailure(const axlsim::RunResult& result, int driver) {
     std::string lastLog;
     for (const axlsim::Happening& happening : result.timeline) {
-        if (happening.driver != driver)
+        if (happening.driver != driver) {
             continue;
-        if (const auto* log = std::get_if<axlsim::Happening::Log>(&happening.what))
+        }
+        if (const auto* log = std::get_if<axlsim::Happening::Log>(&happening.what)) {
             lastLog = log->text;
-        if (const auto* stop = std::get_if<axlsim::Happening::Stop>(&happening.what))
+        }
+        if (const auto* stop = std::get_if<axlsim::Happening::Stop>(&happening.what)) {
             return Failure{"", stop->message, stop->eventId, "", "", lastLog};
-        if (const auto* exception = std::get_if<axlsim::Happening::Exception>(&happening.what))
+        }
+        if (const auto* exception = std::get_if<axlsim::Happening::Exception>(&happening.what)) {
             return Failure{exception->where, "", std::nullopt, exception->type,
                            exception->what,  ""};
+        }
     }
     return std::nullopt;
 }

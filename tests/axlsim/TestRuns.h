@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <chrono>
@@ -5,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "axlsim/Config.h"
-#include "axlsim/DriverLibrary.h"
-#include "axlsim/RunResult.h"
+#include "axlsim/configuration/Config.h"
+#include "axlsim/run/DriverLibrary.h"
+#include "axlsim/run/RunResult.h"
 
 namespace axlsimtest {
 
@@ -43,8 +44,9 @@ template <class Kind>
 std::vector<Found<Kind>> happeningsOf(const axlsim::RunResult& run) {
     std::vector<Found<Kind>> found;
     for (const axlsim::Happening& happening : run.timeline) {
-        if (const auto* what = std::get_if<Kind>(&happening.what))
+        if (const auto* what = std::get_if<Kind>(&happening.what)) {
             found.push_back({happening.t, happening.driver, *what});
+        }
     }
     return found;
 }

@@ -1,4 +1,5 @@
-#include "axlsim/Timeline.h"
+// SPDX-License-Identifier: MIT
+#include "axlsim/run/Timeline.h"
 
 #include <gtest/gtest.h>
 
@@ -13,8 +14,9 @@ using namespace std::chrono_literals;
 
 std::vector<std::string> notes(const std::vector<axlsim::Happening>& happenings) {
     std::vector<std::string> texts;
-    for (const auto& happening : happenings)
+    for (const auto& happening : happenings) {
         texts.push_back(std::get<axlsim::Happening::Note>(happening.what).text);
+    }
     return texts;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -6,9 +7,9 @@
 
 #include "TestRuns.h"
 #include "VcdReader.h"
-#include "axlsim/ConfigReader.h"
-#include "axlsim/ValueText.h"
-#include "axlsim/VcdWriter.h"
+#include "axlsim/configuration/ConfigReader.h"
+#include "axlsim/render/ValueText.h"
+#include "axlsim/render/VcdWriter.h"
 
 namespace {
 
@@ -37,8 +38,9 @@ TEST(Vcd, DeclaresEveryPinOfEveryModuleAndEveryPublishedEvent) {
         ASSERT_NE(vcd.variable("axlsim.m1_AXL_F_DI8_1_DO8_1.in" + std::to_string(pin)), nullptr);
         ASSERT_NE(vcd.variable("axlsim.m1_AXL_F_DI8_1_DO8_1.out" + std::to_string(pin)), nullptr);
     }
-    for (const char* channel : {"ai0", "ai1", "ao0", "ao1"})
+    for (const char* channel : {"ai0", "ai1", "ao0", "ao1"}) {
         EXPECT_EQ(vcd.variable(std::string("axlsim.m2_AXL_F_AI2_AO2.") + channel)->width, 16);
+    }
     EXPECT_EQ(vcd.variable("axlsim.driver0.ev100")->type, "wire");
     EXPECT_EQ(vcd.variable("axlsim.driver1.ev300")->type, "real");
     EXPECT_EQ(vcd.variable("axlsim.driver1.ev301")->type, "real");
@@ -65,8 +67,9 @@ TEST(Vcd, ShowsEveryPublishedAnalogValueOfTheTimeline) {
     std::vector<Change> published;
     for (const Happening& happening : dumped.run.timeline) {
         const auto* publish = std::get_if<Happening::Publish>(&happening.what);
-        if (publish == nullptr)
+        if (publish == nullptr) {
             continue;
+        }
         float value = 0.0f;
         std::memcpy(&value, publish->bytes.data(), sizeof value);
         published.push_back(Change{happening.t.count() / 1000, "axlsim.events.ev300",
@@ -106,8 +109,9 @@ TEST(Vcd, ShowsEveryWordThatThePlantGivesAnAnalogInputAtEachCopyWhereItChanged) 
     int hidden = 0;
     for (const auto& move : axlsimtest::happeningsOf<Happening::PlantMove>(dumped.run)) {
         std::string bits = "b";
-        for (int bit = 15; bit >= 0; --bit)
+        for (int bit = 15; bit >= 0; --bit) {
             bits += ((move.what.value >> bit) & 1) != 0 ? '1' : '0';
+        }
         moved.push_back(Change{move.t.count() / 1000, "axlsim.m1_AXL_F_AI2_AO2.ai0", bits});
         hidden += move.what.shown ? 0 : 1;
     }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "FakeScanner.h"
 
 #include <ctime>
@@ -38,13 +39,15 @@ void FakeScanner::initialize() {
 
 void FakeScanner::run() {
     using namespace std::chrono_literals;
-    for (int pause = 0; pause < initialPauses_; ++pause)
+    for (int pause = 0; pause < initialPauses_; ++pause) {
         pauseFor(1ms);
+    }
     for (;;) {
         ArpPlcAxio_ReadFromAxioToGds(0);
         ++scans_;
-        if (onScan_)
+        if (onScan_) {
             onScan_();
+        }
         pauseFor(period_);
     }
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -7,6 +8,7 @@
 
 #include "Arp/Plc/AnsiC/Gds/DataLayout.h"
 #include "Arp/Plc/AnsiC/Io/Axio.h"
+#include "BusFrames.h"
 #include "GdsAccess.h"
 #include "vplc/Plant.h"
 #include "vplc/PlatformCalls.h"
@@ -20,17 +22,9 @@ using vplc::Plant;
 
 namespace {
 
-class Faults : public ::testing::Test {
+class Faults : public controllertest::BusFrames {
 protected:
-    ~Faults() override {
-        plant_.clearFaults();
-        ArpPlcIo_ReleaseGdsBuffer(out_);
-        ArpPlcIo_ReleaseGdsBuffer(in_);
-    }
-
-    Plant plant_ = Plant::of({Module::DI8_DO8});
-    TGdsBuffer* in_ = acquire("1:IN");
-    TGdsBuffer* out_ = acquire("1:OUT");
+    ~Faults() override { plant_.clearFaults(); }
 };
 
 }  // namespace

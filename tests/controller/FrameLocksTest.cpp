@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -10,6 +11,7 @@
 
 #include "Arp/Plc/AnsiC/Gds/DataLayout.h"
 #include "Arp/Plc/AnsiC/Io/Axio.h"
+#include "BusFrames.h"
 #include "GdsAccess.h"
 #include "vplc/Plant.h"
 
@@ -39,17 +41,7 @@ private:
     std::vector<std::string> steps_;
 };
 
-class FrameLocks : public ::testing::Test {
-protected:
-    ~FrameLocks() override {
-        ArpPlcIo_ReleaseGdsBuffer(out_);
-        ArpPlcIo_ReleaseGdsBuffer(in_);
-    }
-
-    Plant plant_ = Plant::of({Module::DI8_DO8});
-    TGdsBuffer* in_ = acquire("1:IN");
-    TGdsBuffer* out_ = acquire("1:OUT");
-};
+class FrameLocks : public controllertest::BusFrames {};
 
 }  // namespace
 
@@ -99,8 +91,9 @@ TEST_F(FrameLocks, AWriterWaitsUntilTheReaderHasEnded) {
     std::thread writer([&] {
         char* hisData = nullptr;
         writerStarting.count_down();
-        if (ArpPlcGds_BeginWrite(in_, &hisData))
+        if (ArpPlcGds_BeginWrite(in_, &hisData)) {
             steps.add("writer has the lock");
+        }
         ArpPlcGds_EndWrite(in_);
     });
     writerStarting.wait();
@@ -122,8 +115,9 @@ TEST_F(FrameLocks, AReaderWaitsUntilTheWriterHasEnded) {
         char* hisData = nullptr;
         readerStarting.count_down();
         int seen = -1;
-        if (ArpPlcGds_BeginRead(in_, &hisData))
+        if (ArpPlcGds_BeginRead(in_, &hisData)) {
             seen = hisData[2];
+        }
         ArpPlcGds_EndRead(in_);
         return seen;
     });
@@ -251,8 +245,9 @@ TEST_F(FrameLocks, ManyThreadsReadingWritingAndCopyingAtOnceAreAllCounted) {
     auto reader = [this] {
         for (int round = 0; round < kRounds; ++round) {
             char* data = nullptr;
-            if (ArpPlcGds_BeginRead(in_, &data))
+            if (ArpPlcGds_BeginRead(in_, &data)) {
                 static_cast<void>(data[2]);
+            }
             ArpPlcGds_EndRead(in_);
             ArpPlcAxio_ReadFromAxioToGds(0);
         }
@@ -260,16 +255,18 @@ TEST_F(FrameLocks, ManyThreadsReadingWritingAndCopyingAtOnceAreAllCounted) {
     auto writer = [this] {
         for (int round = 0; round < kRounds; ++round) {
             char* data = nullptr;
-            if (ArpPlcGds_BeginWrite(out_, &data))
+            if (ArpPlcGds_BeginWrite(out_, &data)) {
                 data[2] = static_cast<char>(round);
+            }
             ArpPlcGds_EndWrite(out_);
             ArpPlcAxio_WriteFromGdsToAxio(0);
         }
     };
     std::thread scan(reader);
     std::thread events(writer);
-    for (int round = 0; round < kRounds; ++round)
+    for (int round = 0; round < kRounds; ++round) {
         plant_.setDigitalInputs(1, static_cast<uint8_t>(round));
+    }
     scan.join();
     events.join();
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <string>
@@ -17,8 +18,9 @@ inline std::string lastError() {
 // Acquires a frame buffer of the Axioline master; null if that fails.
 inline TGdsBuffer* acquire(const char* bufferId) {
     TGdsBuffer* handle = nullptr;
-    if (!ArpPlcIo_GetBufferPtrByBufferID("Arp.Io.AxlC", bufferId, &handle))
+    if (!ArpPlcIo_GetBufferPtrByBufferID("Arp.Io.AxlC", bufferId, &handle)) {
         return nullptr;
+    }
     return handle;
 }
 

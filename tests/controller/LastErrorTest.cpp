@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -58,8 +59,9 @@ TEST(LastError, AThreadWithoutAFailureGetsAnEmptyText) {
 TEST(LastError, A2000CharacterTextIsCutTo1023CharactersInA1024ByteBuffer) {
     auto plant = Plant::of({Module::DI8_DO8});
     std::string longText;
-    for (int i = 0; i < 2000; ++i)
+    for (int i = 0; i < 2000; ++i) {
         longText += static_cast<char>('a' + i % 26);
+    }
     failWith(plant, longText);
     char text[1024];
     std::memset(text, 'x', sizeof text);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A test double of a terminal module that writes its output byte straight into the GDS frame,
 // without the frame's lock, from two threads. Each thread also makes platform calls, each on a
 // frame of its own (the scan's copy of the inputs, the event's copy of the outputs).
@@ -60,8 +61,9 @@ int main(int argc, char** argv) {
         firstDone.store(true, std::memory_order_relaxed);
     });
     std::thread second([&] {
-        while (!firstDone.load(std::memory_order_relaxed))
+        while (!firstDone.load(std::memory_order_relaxed)) {
             std::this_thread::yield();
+        }
         ArpPlcAxio_WriteFromGdsToAxio(0);
         module.writeOutputs(2);
         ArpPlcAxio_WriteFromGdsToAxio(0);

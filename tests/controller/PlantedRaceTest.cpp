@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
@@ -18,11 +19,13 @@ Outcome runPlantedRace(const std::string& argument) {
         "TSAN_OPTIONS=exitcode=66 '" PLANTED_RACE_PATH "' " + argument + " 2>&1";
     Outcome outcome{-1, {}};
     FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr)
+    if (pipe == nullptr) {
         return outcome;
+    }
     std::array<char, 4096> chunk{};
-    while (fgets(chunk.data(), static_cast<int>(chunk.size()), pipe) != nullptr)
+    while (fgets(chunk.data(), static_cast<int>(chunk.size()), pipe) != nullptr) {
         outcome.output += chunk.data();
+    }
     const int status = pclose(pipe);
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return outcome;
@@ -39,8 +42,9 @@ bool builtWithThreadSanitizer() {
 }  // namespace
 
 TEST(PlantedRace, ThreadSanitizerReportsTwoThreadsWritingAFrameByteWithoutItsLock) {
-    if (!builtWithThreadSanitizer())
+    if (!builtWithThreadSanitizer()) {
         GTEST_SKIP() << "only meaningful under ThreadSanitizer";
+    }
     const Outcome racy = runPlantedRace("");
     EXPECT_EQ(racy.status, 66) << racy.output;
     EXPECT_NE(racy.output.find("ThreadSanitizer: data race"), std::string::npos) << racy.output;
@@ -48,8 +52,9 @@ TEST(PlantedRace, ThreadSanitizerReportsTwoThreadsWritingAFrameByteWithoutItsLoc
 }
 
 TEST(PlantedRace, ThreadSanitizerReportsNothingWhenTheModuleTakesTheFrameLock) {
-    if (!builtWithThreadSanitizer())
+    if (!builtWithThreadSanitizer()) {
         GTEST_SKIP() << "only meaningful under ThreadSanitizer";
+    }
     const Outcome locked = runPlantedRace("locked");
     EXPECT_EQ(locked.status, 0) << locked.output;
     EXPECT_EQ(locked.output.find("ThreadSanitizer"), std::string::npos) << locked.output;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -27,8 +28,9 @@ using Timeline = std::vector<std::pair<std::string, VirtualClock::Duration>>;
 std::vector<std::pair<VirtualClock::Duration, VirtualClock::Duration>> startsAndDurations(
     const std::vector<VirtualClock::Pause>& pauses) {
     std::vector<std::pair<VirtualClock::Duration, VirtualClock::Duration>> result;
-    for (const auto& pause : pauses)
+    for (const auto& pause : pauses) {
         result.emplace_back(pause.start, pause.duration);
+    }
     return result;
 }
 

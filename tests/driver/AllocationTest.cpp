@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -9,19 +10,19 @@
 #include <string_view>
 #include <vector>
 
-#include "DriverConfig.h"
-#include "ExposedDriver.h"
 #include "StepClock.h"
 #include "TestHost.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/ExposedDriver.h"
 #include "orbel/HostObserver.h"
 #include "vplc/Plant.h"
 #include "vplc/Runtime.h"
 
 using drivertest::DriverPtr;
-using drivertest::ExposedDriver;
 using drivertest::StepClock;
 using drivertest::TestHost;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
+using hosting::ExposedDriver;
 
 namespace {
 

@@ -1,17 +1,18 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "LogLines.h"
+#include "hosting/LoggedLine.h"
 #include "modules/AXL_F_AI2_AO2.h"
 #include "modules/IbIlConversion.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 
-using drivertest::Logged;
-using drivertest::loggedLines;
+using hosting::LoggedLine;
+using hosting::loggedLines;
 
 namespace {
 
@@ -120,7 +121,7 @@ TEST(AnalogModule, AFailedBeginReadLogsCallsEndReadAndReadsZero) {
     EXPECT_EQ(module.readAnalog(0), 0);
 
     EXPECT_EQ(loggedLines(recorder),
-              (std::vector<Logged>{{2, "Can't begin read: %s", "Can't begin read: no data"}}));
+              (std::vector<LoggedLine>{{2, "Can't begin read: %s", "Can't begin read: no data"}}));
     EXPECT_EQ(plant.calls("ArpPlcGds_EndRead"), 1);
 }
 
@@ -133,8 +134,9 @@ TEST(AnalogModule, AFailedEndReadIsLoggedAndTheWordIsStillReturned) {
 
     EXPECT_EQ(module.readAnalog(0), 30000);
 
-    EXPECT_EQ(loggedLines(recorder), (std::vector<Logged>{{2, "Can't unlock buffer: %s",
-                                                           "Can't unlock buffer: cannot unlock"}}));
+    EXPECT_EQ(loggedLines(recorder),
+              (std::vector<LoggedLine>{
+                  {2, "Can't unlock buffer: %s", "Can't unlock buffer: cannot unlock"}}));
     module.readAnalog(0);
     EXPECT_EQ(plant.openLocks(), 0);
 }
@@ -148,9 +150,9 @@ TEST(AnalogModule, AFailedBeginWriteLogsStillCallsEndWriteAndLeavesTheOldWord) {
 
     module.writeAnalog(0, 0x0304);
 
-    EXPECT_EQ(
-        loggedLines(recorder),
-        (std::vector<Logged>{{2, "Can't begin write: %s", "Can't begin write: frame is busy"}}));
+    EXPECT_EQ(loggedLines(recorder),
+              (std::vector<LoggedLine>{
+                  {2, "Can't begin write: %s", "Can't begin write: frame is busy"}}));
     EXPECT_EQ(plant.calls("ArpPlcGds_EndWrite"), 2);
     EXPECT_EQ(plant.outputsInGds(1), bytes({0x01, 0x02, 0x00, 0x00}));
 }
@@ -163,8 +165,9 @@ TEST(AnalogModule, AFailedEndWriteIsLoggedAfterTheWordWasStored) {
 
     module.writeAnalog(1, 0x0506);
 
-    EXPECT_EQ(loggedLines(recorder), (std::vector<Logged>{{2, "Can't unlock buffer: %s",
-                                                           "Can't unlock buffer: cannot unlock"}}));
+    EXPECT_EQ(loggedLines(recorder),
+              (std::vector<LoggedLine>{
+                  {2, "Can't unlock buffer: %s", "Can't unlock buffer: cannot unlock"}}));
     EXPECT_EQ(plant.outputsInGds(1), bytes({0x00, 0x00, 0x05, 0x06}));
     module.writeAnalog(1, 0x0506);
     EXPECT_EQ(plant.openLocks(), 0);
@@ -176,7 +179,7 @@ TEST(AnalogModule, UnknownPortsAreLoggedOncePerLookupAndNeverReadOrWritten) {
 
     AXL_F_AI2_AO2 module(2);
     EXPECT_EQ(loggedLines(recorder),
-              (std::vector<Logged>{
+              (std::vector<LoggedLine>{
                   {2, "Can't get offset to port: %s",
                    "Can't get offset to port: Variable 'Arp.Io.AxlC/1.~AI32' does not exist in "
                    "buffer '1:IN'"},
@@ -246,8 +249,8 @@ TEST(AnalogModule, RegisteringPin2LogsTheServiceAsNotAvailableAndFails) {
     EXPECT_FALSE(module.registerService(2, AnalogIn));
 
     EXPECT_EQ(loggedLines(recorder),
-              (std::vector<Logged>{{2, "Service %d not available for AIAO Module",
-                                    "Service 0 not available for AIAO Module"}}));
+              (std::vector<LoggedLine>{{2, "Service %d not available for AIAO Module",
+                                        "Service 0 not available for AIAO Module"}}));
 }
 
 TEST(AnalogModule, AnUnavailablePinCountsAsTakenWithALogLine) {
@@ -258,8 +261,8 @@ TEST(AnalogModule, AnUnavailablePinCountsAsTakenWithALogLine) {
     EXPECT_TRUE(module.isServiceAlreadyRegistered(0, DigitalOut));
 
     EXPECT_EQ(loggedLines(recorder),
-              (std::vector<Logged>{{2, "Service %d not available for AIAO Module",
-                                    "Service 3 not available for AIAO Module"}}));
+              (std::vector<LoggedLine>{{2, "Service %d not available for AIAO Module",
+                                        "Service 3 not available for AIAO Module"}}));
 }
 
 TEST(AnalogModule, RestartCountsAsTakenAndCannotBeRegisteredWithoutALogLine) {

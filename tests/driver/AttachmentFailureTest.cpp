@@ -1,25 +1,27 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <vector>
 
-#include "DriverConfig.h"
-#include "LogLines.h"
 #include "TestHost.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/LoggedLine.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/Runtime.h"
 
-using drivertest::Logged;
 using drivertest::TestHost;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
+using hosting::LoggedLine;
 
 namespace {
 
-const Logged kNotAttached{2,
-                          "CPLCNext: Not attached to the PLCnext runtime (loading the Arp system "
-                          "module failed); the driver does not start.",
-                          "CPLCNext: Not attached to the PLCnext runtime (loading the Arp system "
-                          "module failed); the driver does not start."};
+const LoggedLine kNotAttached{
+    2,
+    "CPLCNext: Not attached to the PLCnext runtime (loading the Arp system "
+    "module failed); the driver does not start.",
+    "CPLCNext: Not attached to the PLCnext runtime (loading the Arp system "
+    "module failed); the driver does not start."};
 
 // The attachment is made once per process: in this program it always fails.
 class WithoutRuntime : public ::testing::Test {
@@ -40,7 +42,7 @@ TEST_F(WithoutRuntime, ADriverThatCannotAttachReportsItAndDoesNotStart) {
 
     TestHost::initialize(*driver);
 
-    EXPECT_EQ(drivertest::loggedLines(recorder_), std::vector<Logged>{kNotAttached});
+    EXPECT_EQ(hosting::loggedLines(recorder_), std::vector<LoggedLine>{kNotAttached});
     const auto stops = recorder_.stops(driver.get());
     ASSERT_EQ(stops.size(), 1u);
     EXPECT_FALSE(stops[0].hasService);
@@ -59,7 +61,7 @@ TEST_F(WithoutRuntime, EveryLaterDriverOfTheProcessIsRefusedTheSameWay) {
 
     TestHost::initialize(*second);
 
-    EXPECT_EQ(drivertest::loggedLines(recorder_), std::vector<Logged>{kNotAttached});
+    EXPECT_EQ(hosting::loggedLines(recorder_), std::vector<LoggedLine>{kNotAttached});
     ASSERT_EQ(recorder_.stops(second.get()).size(), 1u);
     EXPECT_EQ(recorder_.stops(second.get())[0].message, "PLCnext runtime not available");
     EXPECT_EQ(plant_.buffersHeld(), 0);

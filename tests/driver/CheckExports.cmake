@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 cmake_minimum_required(VERSION 3.25)
 
 # Checks that a shared library defines no dynamic symbols of its own beyond the expected ones.

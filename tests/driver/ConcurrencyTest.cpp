@@ -1,17 +1,18 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdint>
 #include <thread>
 
-#include "DriverConfig.h"
 #include "TestHost.h"
+#include "hosting/DriverConfig.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
 using drivertest::TestHost;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
 using namespace std::chrono_literals;
 
 TEST(Concurrency, OutputEventsOnAHostThreadRunAlongsideTheScanOfTheDriverThread) {

@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <string>
 
 #include "Arp/System/Commons/Exceptions/Exceptions.h"
-#include "DriverConfig.h"
-#include "LogLines.h"
 #include "TestHost.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/LoggedLine.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/PlatformCalls.h"
@@ -14,15 +15,15 @@
 #include "vplc/VirtualClock.h"
 
 using drivertest::DriverPtr;
-using drivertest::Logged;
 using drivertest::TestHost;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
+using hosting::LoggedLine;
 
 namespace {
 
-const Logged kRestartLine{4,
-                          "CPLCNext: Device restart requested from Runtime, going for reboot now.",
-                          "CPLCNext: Device restart requested from Runtime, going for reboot now."};
+const LoggedLine kRestartLine{
+    4, "CPLCNext: Device restart requested from Runtime, going for reboot now.",
+    "CPLCNext: Device restart requested from Runtime, going for reboot now."};
 
 class DeviceRestart : public ::testing::Test {
 protected:
@@ -43,8 +44,8 @@ protected:
 
     void restart() { TestHost::deliverBytes(*driver_, 30, {0}); }
 
-    std::vector<Logged> logs() const {
-        std::vector<Logged> lines;
+    std::vector<LoggedLine> logs() const {
+        std::vector<LoggedLine> lines;
         for (const auto& line : recorder_.logs(driver_.get())) {
             lines.push_back({line.level, line.format, line.text});
         }
@@ -68,7 +69,7 @@ protected:
 TEST_F(DeviceRestart, EachRestartEventLogsTheRequestOnceAndRestartsOnce) {
     restart();
 
-    EXPECT_EQ(logs(), std::vector<Logged>{kRestartLine});
+    EXPECT_EQ(logs(), std::vector<LoggedLine>{kRestartLine});
     EXPECT_EQ(vplc::Runtime::restarts(), 1);
     EXPECT_EQ(busCopies(), 1);
 }
@@ -83,7 +84,7 @@ TEST_F(DeviceRestart, TwoRestartEventsObtainAndReleaseTwoSeparateServiceObjects)
     EXPECT_EQ(vplc::Runtime::servicesMade() - servicesAtStart_, 2);
     EXPECT_EQ(vplc::Runtime::liveServices(), liveBefore);
     EXPECT_EQ(vplc::Runtime::restarts(), 2);
-    EXPECT_EQ(logs(), (std::vector<Logged>{kRestartLine, kRestartLine}));
+    EXPECT_EQ(logs(), (std::vector<LoggedLine>{kRestartLine, kRestartLine}));
 }
 
 TEST_F(DeviceRestart, WhenNoServiceIsFoundTheLineIsLoggedAndTheLookupExceptionReachesTheHost) {
@@ -99,7 +100,7 @@ TEST_F(DeviceRestart, WhenNoServiceIsFoundTheLineIsLoggedAndTheLookupExceptionRe
                   "'Arp'.");
     }
 
-    EXPECT_EQ(logs(), std::vector<Logged>{kRestartLine});
+    EXPECT_EQ(logs(), std::vector<LoggedLine>{kRestartLine});
     EXPECT_EQ(vplc::Runtime::restarts(), 0);
     EXPECT_EQ(busCopies(), 0);
 }
@@ -116,7 +117,7 @@ TEST_F(DeviceRestart, AFactoryWithoutProviderNameFailsWithAnArgumentException) {
         EXPECT_EQ(error.GetArgumentValue(), "Arp.Device.Interface.Services.IDeviceControlService");
     }
 
-    EXPECT_EQ(logs(), std::vector<Logged>{kRestartLine});
+    EXPECT_EQ(logs(), std::vector<LoggedLine>{kRestartLine});
     EXPECT_EQ(busCopies(), 0);
 }
 
@@ -125,7 +126,7 @@ TEST_F(DeviceRestart, AFactoryWithANullProviderNameFailsWithALogicError) {
 
     EXPECT_THROW(restart(), std::logic_error);
 
-    EXPECT_EQ(logs(), std::vector<Logged>{kRestartLine});
+    EXPECT_EQ(logs(), std::vector<LoggedLine>{kRestartLine});
     EXPECT_EQ(busCopies(), 0);
 }
 

@@ -1,15 +1,16 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <vector>
 
-#include "LogLines.h"
+#include "hosting/LoggedLine.h"
 #include "modules/AXL_F_DI8_1_DO8_1.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 
-using drivertest::Logged;
-using drivertest::loggedLines;
+using hosting::LoggedLine;
+using hosting::loggedLines;
 
 namespace {
 
@@ -132,9 +133,9 @@ TEST(DigitalModule, AFailedBeginWriteLogsAndStillCallsEndWrite) {
 
     module.writeDigital(3, 1);
 
-    EXPECT_EQ(
-        loggedLines(recorder),
-        (std::vector<Logged>{{2, "Can't begin write: %s", "Can't begin write: frame is busy"}}));
+    EXPECT_EQ(loggedLines(recorder),
+              (std::vector<LoggedLine>{
+                  {2, "Can't begin write: %s", "Can't begin write: frame is busy"}}));
     EXPECT_EQ(plant.calls("ArpPlcGds_EndWrite"), 1);
     EXPECT_EQ(plant.outputsInGds(1), bytes({0x00}));
 }
@@ -158,8 +159,9 @@ TEST(DigitalModule, AFailedEndWriteIsLoggedAfterTheByteWasStored) {
 
     module.writeDigital(6, 1);
 
-    EXPECT_EQ(loggedLines(recorder), (std::vector<Logged>{{2, "Can't unlock buffer: %s",
-                                                           "Can't unlock buffer: cannot unlock"}}));
+    EXPECT_EQ(loggedLines(recorder),
+              (std::vector<LoggedLine>{
+                  {2, "Can't unlock buffer: %s", "Can't unlock buffer: cannot unlock"}}));
     EXPECT_EQ(plant.outputsInGds(1), bytes({0x40}));
     // The platform leaves the lock with this thread; the next write's End gives it back.
     module.writeDigital(6, 1);
@@ -176,7 +178,7 @@ TEST(DigitalModule, AFailedBeginReadLogsCallsEndReadAndReadsZero) {
     EXPECT_EQ(module.readDigital(4), 0);
 
     EXPECT_EQ(loggedLines(recorder),
-              (std::vector<Logged>{{2, "Can't begin read: %s", "Can't begin read: no data"}}));
+              (std::vector<LoggedLine>{{2, "Can't begin read: %s", "Can't begin read: no data"}}));
     EXPECT_EQ(plant.calls("ArpPlcGds_EndRead"), 1);
 }
 
@@ -189,8 +191,9 @@ TEST(DigitalModule, AFailedEndReadIsLoggedAndTheValueReadIsStillReturned) {
 
     EXPECT_EQ(module.readDigital(4), 1);
 
-    EXPECT_EQ(loggedLines(recorder), (std::vector<Logged>{{2, "Can't unlock buffer: %s",
-                                                           "Can't unlock buffer: cannot unlock"}}));
+    EXPECT_EQ(loggedLines(recorder),
+              (std::vector<LoggedLine>{
+                  {2, "Can't unlock buffer: %s", "Can't unlock buffer: cannot unlock"}}));
     module.readDigital(4);
     EXPECT_EQ(plant.openLocks(), 0);
 }
@@ -202,7 +205,7 @@ TEST(DigitalModule, AnUnknownPortIsLoggedOncePerLookupAndTheModuleIsStillBuilt) 
     AXL_F_DI8_1_DO8_1 module(2);
 
     EXPECT_EQ(loggedLines(recorder),
-              (std::vector<Logged>{
+              (std::vector<LoggedLine>{
                   {2, "Can't get offset to port: %s",
                    "Can't get offset to port: Variable 'Arp.Io.AxlC/1.~DI8' does not exist in "
                    "buffer '1:IN'"},

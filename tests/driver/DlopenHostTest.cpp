@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -8,16 +9,16 @@
 #include <string>
 #include <vector>
 
-#include "DriverConfig.h"
 #include "HostRecords.h"
 #include "SI_base.h"
+#include "hosting/DriverConfig.h"
 #include "orbel/CallScope.h"
 #include "orbel/DriverThreads.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
 using namespace std::chrono_literals;
 
 namespace {

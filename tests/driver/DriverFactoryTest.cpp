@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -5,25 +6,25 @@
 #include <string>
 #include <vector>
 
-#include "DriverConfig.h"
-#include "ExposedDriver.h"
-#include "LogLines.h"
 #include "PLCNext.h"
 #include "TestHost.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/ExposedDriver.h"
+#include "hosting/LoggedLine.h"
 #include "orbel/DriverThreads.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 
-using drivertest::ExposedDriver;
-using drivertest::Logged;
-using drivertest::loggedLines;
 using drivertest::TestHost;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
+using hosting::ExposedDriver;
+using hosting::LoggedLine;
+using hosting::loggedLines;
 
 namespace {
 
-const Logged kVersionLine{4, "CPLCNext: Drivername[%s]-Version [%d.%d.%d] - Service[%s]",
-                          "CPLCNext: Drivername[Plc Next]-Version [1.3.2] - Service[IO1]"};
+const LoggedLine kVersionLine{4, "CPLCNext: Drivername[%s]-Version [%d.%d.%d] - Service[%s]",
+                              "CPLCNext: Drivername[Plc Next]-Version [1.3.2] - Service[IO1]"};
 
 int consecutiveNumberFrom(const std::string& text) {
     ExposedDriver driver(DriverConfig(DriverConfig::kDigitalModule, text));
@@ -66,7 +67,7 @@ TEST(DriverFactory, AnEmptyConsecutiveNumberThrowsInvalidArgumentAfterLoggingThe
                   DriverConfig::digital().param("Consecutive Number", "")),
               "stoi");
 
-    EXPECT_EQ(loggedLines(recorder), std::vector<Logged>{kVersionLine});
+    EXPECT_EQ(loggedLines(recorder), std::vector<LoggedLine>{kVersionLine});
     EXPECT_TRUE(recorder.stops().empty());
 }
 
@@ -77,7 +78,7 @@ TEST(DriverFactory, AnAbsentConsecutiveNumberThrowsInvalidArgumentAfterLoggingTh
                   DriverConfig::digital().withoutParam("Consecutive Number")),
               "stoi");
 
-    EXPECT_EQ(loggedLines(recorder), std::vector<Logged>{kVersionLine});
+    EXPECT_EQ(loggedLines(recorder), std::vector<LoggedLine>{kVersionLine});
     EXPECT_TRUE(recorder.stops().empty());
 }
 
@@ -97,7 +98,7 @@ TEST(DriverFactory, ConsecutiveNumber4294967296ThrowsOutOfRange) {
                   DriverConfig::digital().param("Consecutive Number", "4294967296")),
               "stoi");
 
-    EXPECT_EQ(loggedLines(recorder), std::vector<Logged>{kVersionLine});
+    EXPECT_EQ(loggedLines(recorder), std::vector<LoggedLine>{kVersionLine});
 }
 
 TEST(DriverFactory, ConsecutiveNumbersAtTheEndsOfTheIntRangeAreAccepted) {
@@ -120,7 +121,7 @@ TEST(DriverFactory, TheVersionLineNamesTheServiceIO1) {
 
     auto driver = TestHost::create(DriverConfig::digital().serviceName("IO1"));
 
-    EXPECT_EQ(loggedLines(recorder), std::vector<Logged>{kVersionLine});
+    EXPECT_EQ(loggedLines(recorder), std::vector<LoggedLine>{kVersionLine});
     const auto logs = recorder.logs(driver.get());
     ASSERT_EQ(logs.size(), 1u);
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <list>
@@ -6,18 +7,18 @@
 #include <string>
 #include <vector>
 
-#include "DriverConfig.h"
-#include "ExposedDriver.h"
 #include "TestHost.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/ExposedDriver.h"
 #include "orbel/Recorder.h"
 #include "orbel/StopFlag.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
 using drivertest::DriverPtr;
-using drivertest::ExposedDriver;
 using drivertest::TestHost;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
+using hosting::ExposedDriver;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -6,13 +7,13 @@
 #include <vector>
 
 #include "Arp/Plc/AnsiC/Gds/DataLayout.h"
-#include "LogLines.h"
 #include "gds/IOFrameBuffer.h"
+#include "hosting/LoggedLine.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 
-using drivertest::Logged;
-using drivertest::loggedLines;
+using hosting::LoggedLine;
+using hosting::loggedLines;
 
 TEST(FrameBuffer, Module1Port_DI8_IsTheVariableArpIoAxlC_0_DI8) {
     EXPECT_EQ(gds::IOFrameBuffer::variableName(1, "DI8"), "Arp.Io.AxlC/0.~DI8");
@@ -50,17 +51,18 @@ TEST(FrameBuffer, AFailedAcquisitionIsLoggedAndReleaseIsStillAttempted) {
     {
         gds::IOFrameBuffer buffer("1:SIDEWAYS");
         EXPECT_EQ(loggedLines(recorder),
-                  (std::vector<Logged>{
+                  (std::vector<LoggedLine>{
                       {2, "Failed to get pointer to gds buffer: %s",
                        "Failed to get pointer to gds buffer: Buffer '1:SIDEWAYS' does not exist "
                        "in I/O system 'Arp.Io.AxlC'"}}));
         recorder.clear();
     }
     EXPECT_EQ(plant.calls("ArpPlcIo_ReleaseGdsBuffer"), 1);
-    EXPECT_EQ(loggedLines(recorder),
-              (std::vector<Logged>{{2, "Can't release buffer: %s",
-                                    "Can't release buffer: ArpPlcIo_ReleaseGdsBuffer: pBuffer is "
-                                    "null"}}));
+    EXPECT_EQ(
+        loggedLines(recorder),
+        (std::vector<LoggedLine>{{2, "Can't release buffer: %s",
+                                  "Can't release buffer: ArpPlcIo_ReleaseGdsBuffer: pBuffer is "
+                                  "null"}}));
 }
 
 TEST(FrameBuffer, AFailedReleaseIsLogged) {
@@ -70,8 +72,9 @@ TEST(FrameBuffer, AFailedReleaseIsLogged) {
         gds::IOFrameBuffer buffer("1:OUT");
         plant.inject("ArpPlcIo_ReleaseGdsBuffer", vplc::Fault::next("still in use"));
     }
-    EXPECT_EQ(loggedLines(recorder), (std::vector<Logged>{{2, "Can't release buffer: %s",
-                                                           "Can't release buffer: still in use"}}));
+    EXPECT_EQ(loggedLines(recorder),
+              (std::vector<LoggedLine>{
+                  {2, "Can't release buffer: %s", "Can't release buffer: still in use"}}));
 }
 
 TEST(FrameBuffer, TheOffsetOfAKnownVariableIsThePlatformsOffset) {
@@ -93,7 +96,7 @@ TEST(FrameBuffer, AnUnknownVariableIsLoggedAndHasTheInvalidOffset) {
     EXPECT_EQ(gds::IOFrameBuffer::InvalidOffset, -1);
 
     EXPECT_EQ(loggedLines(recorder),
-              (std::vector<Logged>{
+              (std::vector<LoggedLine>{
                   {2, "Can't get offset to port: %s",
                    "Can't get offset to port: Variable 'Arp.Io.AxlC/-1.~DI8' does not exist in "
                    "buffer '1:IN'"}}));
@@ -153,7 +156,7 @@ TEST(FrameBuffer, AnEmptyErrorTextGivesAMessageEndingInColonAndBlank) {
     buffer.read(2, &target, 1);
 
     EXPECT_EQ(loggedLines(recorder),
-              (std::vector<Logged>{{2, "Can't begin read: %s", "Can't begin read: "}}));
+              (std::vector<LoggedLine>{{2, "Can't begin read: %s", "Can't begin read: "}}));
 }
 
 TEST(FrameBuffer, AnErrorTextLongerThan1023CharactersIsCutTo1023) {

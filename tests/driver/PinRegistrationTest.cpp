@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -5,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "DriverConfig.h"
-#include "ExposedDriver.h"
-#include "LogLines.h"
 #include "TestHost.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/ExposedDriver.h"
+#include "hosting/LoggedLine.h"
 #include "modules/AXL_F_AI2_AO2.h"
 #include "modules/AXL_F_DI8_1_DO8_1.h"
 #include "orbel/Recorder.h"
@@ -16,10 +17,10 @@
 #include "vplc/VirtualClock.h"
 
 using drivertest::DriverPtr;
-using drivertest::ExposedDriver;
-using drivertest::Logged;
 using drivertest::TestHost;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
+using hosting::ExposedDriver;
+using hosting::LoggedLine;
 
 namespace {
 
@@ -88,8 +89,8 @@ protected:
         return *driver_;
     }
 
-    std::vector<Logged> logs() const {
-        std::vector<Logged> lines;
+    std::vector<LoggedLine> logs() const {
+        std::vector<LoggedLine> lines;
         for (const auto& line : recorder_.logs(driver_.get())) {
             lines.push_back({line.level, line.format, line.text});
         }
@@ -171,7 +172,7 @@ TEST_F(PinRegistration, APinNumberOf1Point5IsPin1) {
 TEST_F(PinRegistration, PinMinus1IsReportedAsNotAvailable) {
     auto& driver = initialize(DriverConfig::digital().digitalIn(1, "-1"));
 
-    EXPECT_EQ(logs(), (std::vector<Logged>{
+    EXPECT_EQ(logs(), (std::vector<LoggedLine>{
                           {2,
                            "Digital input pin with number &d is not available. Valid numbers "
                            "are %s.",
@@ -184,13 +185,12 @@ TEST_F(PinRegistration, PinMinus1IsReportedAsNotAvailable) {
 TEST_F(PinRegistration, DigitalInputPin8IsNotAvailableOnTheDigitalModule) {
     auto& driver = initialize(DriverConfig::digital().digitalIn(1, "8"));
 
-    EXPECT_EQ(
-        logs(),
-        (std::vector<Logged>{{2,
-                              "Digital input pin with number &d is not available. Valid numbers "
-                              "are %s.",
-                              "Digital input pin with number 8 is not available. Valid numbers are "
-                              "0 - 7."}}));
+    EXPECT_EQ(logs(), (std::vector<LoggedLine>{
+                          {2,
+                           "Digital input pin with number &d is not available. Valid numbers "
+                           "are %s.",
+                           "Digital input pin with number 8 is not available. Valid numbers are "
+                           "0 - 7."}}));
     EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid digital input number."});
     EXPECT_TRUE(driver.digitalInputs().empty());
     EXPECT_TRUE(recorder_.threadStarts().empty());
@@ -199,7 +199,7 @@ TEST_F(PinRegistration, DigitalInputPin8IsNotAvailableOnTheDigitalModule) {
 TEST_F(PinRegistration, DigitalOutputPin8IsNotAvailableOnTheDigitalModule) {
     auto& driver = initialize(DriverConfig::digital().digitalOut(1, "8", "1"));
 
-    EXPECT_EQ(logs(), (std::vector<Logged>{
+    EXPECT_EQ(logs(), (std::vector<LoggedLine>{
                           {2,
                            "Digital output pin with number &d is not available. Valid numbers "
                            "are %s.",
@@ -213,13 +213,12 @@ TEST_F(PinRegistration, DigitalOutputPin8IsNotAvailableOnTheDigitalModule) {
 TEST_F(PinRegistration, AnalogInputPin2IsNotAvailableOnTheAnalogModule) {
     auto& driver = initialize(DriverConfig::analog(2).analogIn(1, "2"));
 
-    EXPECT_EQ(
-        logs(),
-        (std::vector<Logged>{{2,
-                              "Analog input pin with number &d is not available. Valid numbers "
-                              "are %s",
-                              "Analog input pin with number 2 is not available. Valid numbers are "
-                              "0 - 1"}}));
+    EXPECT_EQ(logs(), (std::vector<LoggedLine>{
+                          {2,
+                           "Analog input pin with number &d is not available. Valid numbers "
+                           "are %s",
+                           "Analog input pin with number 2 is not available. Valid numbers are "
+                           "0 - 1"}}));
     EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid analog input number."});
     EXPECT_TRUE(driver.analogInputs().empty());
 }
@@ -227,13 +226,12 @@ TEST_F(PinRegistration, AnalogInputPin2IsNotAvailableOnTheAnalogModule) {
 TEST_F(PinRegistration, AnalogOutputPin5IsNotAvailableOnTheAnalogModule) {
     auto& driver = initialize(DriverConfig::analog(2).analogOut(1, "5", "1"));
 
-    EXPECT_EQ(
-        logs(),
-        (std::vector<Logged>{{2,
-                              "Analog output pin with number &d is not available. Valid numbers "
-                              "are %s.",
-                              "Analog output pin with number 5 is not available. Valid numbers are "
-                              "0 - 1."}}));
+    EXPECT_EQ(logs(), (std::vector<LoggedLine>{
+                          {2,
+                           "Analog output pin with number &d is not available. Valid numbers "
+                           "are %s.",
+                           "Analog output pin with number 5 is not available. Valid numbers are "
+                           "0 - 1."}}));
     EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid analog output number"});
     EXPECT_TRUE(driver.outputs().empty());
 }
@@ -241,8 +239,9 @@ TEST_F(PinRegistration, AnalogOutputPin5IsNotAvailableOnTheAnalogModule) {
 TEST_F(PinRegistration, ASecondAnalogInputOnOnePinIsInUseWithAFullStop) {
     auto& driver = initialize(DriverConfig::analog(2).analogIn(1, "1").analogIn(2, "1"));
 
-    EXPECT_EQ(logs(), (std::vector<Logged>{{2, "Analog input pin with number %d is already in use.",
-                                            "Analog input pin with number 1 is already in use."}}));
+    EXPECT_EQ(logs(),
+              (std::vector<LoggedLine>{{2, "Analog input pin with number %d is already in use.",
+                                        "Analog input pin with number 1 is already in use."}}));
     EXPECT_EQ(stopMessages(), std::vector<std::string>{"Pin already in use."});
     ASSERT_EQ(driver.analogInputs().size(), 1u);
     EXPECT_EQ(driver.analogInputs().at(1).nId, 1u);
@@ -252,8 +251,8 @@ TEST_F(PinRegistration, ASecondDigitalInputOnOnePinIsInUseWithoutAFullStop) {
     auto& driver = initialize(DriverConfig::digital().digitalIn(1, "4").digitalIn(2, "4"));
 
     EXPECT_EQ(logs(),
-              (std::vector<Logged>{{2, "Digital input pin with number %d is already in use.",
-                                    "Digital input pin with number 4 is already in use."}}));
+              (std::vector<LoggedLine>{{2, "Digital input pin with number %d is already in use.",
+                                        "Digital input pin with number 4 is already in use."}}));
     EXPECT_EQ(stopMessages(), std::vector<std::string>{"Pin already in use"});
     ASSERT_EQ(driver.digitalInputs().size(), 1u);
     EXPECT_EQ(driver.digitalInputs().at(4).nId, 1u);
@@ -265,8 +264,8 @@ TEST_F(PinRegistration, ASecondDigitalOutputOnOnePinIsInUseWithAFullStop) {
 
     EXPECT_EQ(driver.outputs().size(), 1u);
     EXPECT_EQ(logs(),
-              (std::vector<Logged>{{2, "Digital output pin with number %d is already in use.",
-                                    "Digital output pin with number 4 is already in use."}}));
+              (std::vector<LoggedLine>{{2, "Digital output pin with number %d is already in use.",
+                                        "Digital output pin with number 4 is already in use."}}));
     EXPECT_EQ(stopMessages(), std::vector<std::string>{"Pin already in use."});
     EXPECT_TRUE(outputBound(4, 1, DigitalOut));
 }
@@ -276,8 +275,8 @@ TEST_F(PinRegistration, ASecondAnalogOutputOnOnePinIsInUseWithoutAFullStop) {
         initialize(DriverConfig::analog(2).analogOut(1, "0", "1").analogOut(2, "0", "2"));
 
     EXPECT_EQ(logs(),
-              (std::vector<Logged>{{2, "Analog output pin with number %d is already in use.",
-                                    "Analog output pin with number 0 is already in use."}}));
+              (std::vector<LoggedLine>{{2, "Analog output pin with number %d is already in use.",
+                                        "Analog output pin with number 0 is already in use."}}));
     EXPECT_EQ(stopMessages(), std::vector<std::string>{"Pin already in use"});
     EXPECT_TRUE(outputBound(0, 1, AnalogOut));
     EXPECT_EQ(driver.outputs().size(), 1u);
@@ -454,8 +453,9 @@ TEST_F(PinRegistration, AModuleRefusingAnAnalogInputIsLoggedAndStoppedAndKeepsTh
     auto& driver = initializeWith(new RefusingModule<AXL_F_AI2_AO2>(2),
                                   DriverConfig(kTestModule).analogIn(3, "1"));
 
-    EXPECT_EQ(logs(), (std::vector<Logged>{{2, "Could not register service for analog input pin %i",
-                                            "Could not register service for analog input pin 1"}}));
+    EXPECT_EQ(logs(),
+              (std::vector<LoggedLine>{{2, "Could not register service for analog input pin %i",
+                                        "Could not register service for analog input pin 1"}}));
     EXPECT_EQ(stopMessages(),
               std::vector<std::string>{"Could not register service for analog input pin"});
     EXPECT_EQ(driver.analogInputs().count(1), 1u);

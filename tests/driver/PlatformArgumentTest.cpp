@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -7,19 +8,19 @@
 #include <vector>
 
 #include "Arp/Plc/AnsiC/Io/Axio.h"
-#include "DriverConfig.h"
-#include "ExposedDriver.h"
 #include "PosixThread.h"
 #include "TestHost.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/ExposedDriver.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/Runtime.h"
 #include "vplc/VirtualClock.h"
 
 using drivertest::DriverPtr;
-using drivertest::ExposedDriver;
 using drivertest::TestHost;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
+using hosting::ExposedDriver;
 using namespace std::chrono_literals;
 
 namespace {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <signal.h>
@@ -12,14 +13,14 @@
 #include <thread>
 #include <vector>
 
-#include "DriverConfig.h"
 #include "TestHost.h"
+#include "hosting/DriverConfig.h"
 #include "orbel/HostObserver.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 
 using drivertest::TestHost;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -6,9 +7,9 @@
 #include <vector>
 
 #include "CombinedModule.h"
-#include "DriverConfig.h"
-#include "ExposedDriver.h"
 #include "TestHost.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/ExposedDriver.h"
 #include "modules/IbIlConversion.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
@@ -16,9 +17,9 @@
 
 using drivertest::CombinedModule;
 using drivertest::DriverPtr;
-using drivertest::ExposedDriver;
 using drivertest::TestHost;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
+using hosting::ExposedDriver;
 using namespace std::chrono_literals;
 
 namespace {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "TestHost.h"
 
 #include <cstring>
@@ -5,13 +6,8 @@
 
 #include "PLCNext.h"
 #include "orbel/CallScope.h"
-#include "orbel/DriverThreads.h"
 
 namespace drivertest {
-
-void DriverDestroyer::operator()(CSI_base* driver) const {
-    orbel::destroyDriver(driver);
-}
 
 DriverPtr<> TestHost::create(const DriverConfig& config) {
     auto mappings = config.mappings;

@@ -1,22 +1,18 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
-#include <memory>
+#include <cstdint>
+#include <initializer_list>
 
-#include "DriverConfig.h"
 #include "HostRecords.h"
 #include "SI_base.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/DriverPtr.h"
 
 namespace drivertest {
 
-using testsupport::DriverConfig;
-
-// Ends a driver's thread before deleting the driver, as a host must.
-struct DriverDestroyer {
-    void operator()(CSI_base* driver) const;
-};
-
-template <class Driver = CSI_base>
-using DriverPtr = std::unique_ptr<Driver, DriverDestroyer>;
+using hosting::DriverConfig;
+using hosting::DriverPtr;
 
 // What a host does with a driver, with the driver's log lines attributed to it.
 class TestHost {

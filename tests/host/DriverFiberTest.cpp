@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -105,8 +106,9 @@ TEST_F(DriverFiberTest, KeepsItsLocalsAcrossSuspensions) {
         seen = ownVector;
     });
 
-    for (int round = 0; round < 4; ++round)
+    for (int round = 0; round < 4; ++round) {
         fiber.resume();
+    }
 
     EXPECT_TRUE(fiber.finished());
     EXPECT_EQ(seen, (std::vector<int>{10, 20, 30}));
@@ -217,15 +219,18 @@ TEST_F(DriverFiberTest, ManyFibersTakeTurnsInTheOrderTheyAreResumed) {
     }
 
     for (int round = 0; round <= kRounds; ++round) {
-        for (int i = kFibers - 1; i >= 0; --i)
+        for (int i = kFibers - 1; i >= 0; --i) {
             fibers[static_cast<std::size_t>(i)]->resume();
+        }
     }
 
     ASSERT_EQ(order.size(), static_cast<std::size_t>(kFibers * kRounds));
-    for (std::size_t n = 0; n < order.size(); ++n)
+    for (std::size_t n = 0; n < order.size(); ++n) {
         EXPECT_EQ(order[n], kFibers - 1 - static_cast<int>(n % kFibers)) << "at " << n;
-    for (const auto& fiber : fibers)
+    }
+    for (const auto& fiber : fibers) {
         EXPECT_TRUE(fiber->finished());
+    }
 }
 
 TEST_F(DriverFiberTest, AFiberResumedFromAnotherFiberGivesTheThreadBackToThatFiber) {

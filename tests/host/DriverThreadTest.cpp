@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -35,8 +36,9 @@ void scanForEver(TestDriver& driver) {
 
 std::vector<std::string> howThreadsEnded(const orbel::Recorder& recorder, const CSI_base* driver) {
     std::vector<std::string> hows;
-    for (const auto& exit : recorder.threadExits(driver))
+    for (const auto& exit : recorder.threadExits(driver)) {
         hows.push_back(exit.how);
+    }
     return hows;
 }
 
@@ -221,8 +223,9 @@ TEST(DriverThread, DestroyingHundredsOfRunningDriversEndsEachThreadBeforeItsDriv
 
     const auto exits = recorder.threadExits();
     ASSERT_EQ(exits.size(), static_cast<std::size_t>(kDrivers));
-    for (const auto& exit : exits)
+    for (const auto& exit : exits) {
         EXPECT_EQ(exit.how, "ended by the host");
+    }
 }
 
 TEST(DriverThread, DestroyingHundredsOfDriversPausedOnThePauseClockEndsEachThread) {
@@ -279,15 +282,18 @@ TEST(DriverThread, EndAllDriverThreadsEndsTheThreadOfEveryDriver) {
     orbel::Recorder recorder;
     TestPauseClock clock;
     std::vector<std::unique_ptr<TestDriver>> drivers;
-    for (const char* name : {"IO1", "IO2", "IO3"})
+    for (const char* name : {"IO1", "IO2", "IO3"}) {
         drivers.push_back(std::make_unique<TestDriver>(driverParams(name), scanForEver));
-    for (auto& driver : drivers)
+    }
+    for (auto& driver : drivers) {
         driver->initialize();
+    }
 
     orbel::endAllDriverThreads();
 
-    for (auto& driver : drivers)
+    for (auto& driver : drivers) {
         EXPECT_EQ(howThreadsEnded(recorder, driver.get()), Strings{"ended by the host"});
+    }
     EXPECT_EQ(clock.ended(), 3);
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -8,6 +9,7 @@
 #include "LogMessage.h"
 #include "TestDriver.h"
 #include "orbel/CallScope.h"
+#include "orbel/FailureCounter.h"
 #include "orbel/HostObserver.h"
 #include "orbel/Recorder.h"
 
@@ -27,7 +29,6 @@ std::string addressText(const void* object) {
 // An observer that calls back into the library from its callbacks.
 class MeddlingObserver final : public orbel::HostObserver {
 public:
-    void logged(const CSI_base*, int, std::string_view, std::string_view) override {}
     void published(const CSI_base*, uint32_t, uint32_t, std::span<const uint8_t>) override {
         logMessage(2, "logged from a callback %d", 7);
     }
@@ -38,9 +39,6 @@ public:
             refused = true;
         }
     }
-    void threadStarted(const CSI_base*) override {}
-    void threadEnded(const CSI_base*, std::string_view) override {}
-
     bool refused = false;
 };
 
@@ -160,6 +158,65 @@ TEST(HostObservers, RemovingAnObserverFromInsideACallbackIsRefused) {
 
     EXPECT_TRUE(meddling.refused);
     EXPECT_EQ(recorder.stops().size(), 1u);
+}
+
+TEST(HostObservers, AnObserverOverridingOneCallbackIsToldOnlyOfThatAndSilencesTheRest) {
+    struct PublicationCount final : orbel::HostObserver {
+        void published(const CSI_base*, uint32_t, uint32_t, std::span<const uint8_t>) override {
+            ++count;
+        }
+        int count = 0;
+    };
+    PublicationCount publications;
+    orbel::addObserver(publications);
+    TestDriver driver(driverParams("IO1"));
+
+    CaptureStderr();
+    logMessage(2, "not a publication");
+    uint8_t value = 1;
+    driver.publishEvent(stEventParams_t{&value, 10, 1});
+    driver.stopWithError("stopped");
+    orbel::removeObserver(publications);
+
+    EXPECT_EQ(GetCapturedStderr(), "");
+    EXPECT_EQ(publications.count, 1);
+}
+
+TEST(FailureCounter, CountsFailureLinesButNotNoticesNorHostWarnings) {
+    orbel::FailureCounter failures;
+
+    logMessage(2, "Can't begin read: %s", "busy");
+    logMessage(4, "a notice");
+    logMessage(orbel::kHostWarningLevel, "a host warning");
+
+    EXPECT_EQ(failures.failureLines(), 1);
+    EXPECT_EQ(failures.total(), 1);
+}
+
+TEST(FailureCounter, CountsEveryStop) {
+    orbel::FailureCounter failures;
+    TestDriver driver(driverParams("IO1"));
+
+    driver.stopWithError("stopped");
+    driver.stopWithError("stopped again");
+
+    EXPECT_EQ(failures.stops(), 2);
+    EXPECT_EQ(failures.total(), 2);
+}
+
+TEST(FailureCounter, CountsAThreadEndedByAnExceptionButNotOneWhoseRunReturned) {
+    orbel::FailureCounter failures;
+    TestDriver returning(driverParams("IO1"), [](TestDriver&) {});
+    TestDriver throwing(driverParams("IO2"),
+                        [](TestDriver&) { throw std::runtime_error("scan failed"); });
+
+    returning.initialize();
+    returning.joinThread();
+    throwing.initialize();
+    throwing.joinThread();
+
+    EXPECT_EQ(failures.exceptions(), 1);
+    EXPECT_EQ(failures.total(), 1);
 }
 
 TEST(Recorder, ClearForgetsEverythingRecorded) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "TestDriver.h"
 
 #include <cerrno>
@@ -26,8 +27,9 @@ TestDriver::TestDriver(stSP_Params_t params, Body body,
       body_(std::move(body)) {
     logMessage(4, "CPLCNext: Drivername[%s]-Version [%d.%d.%d] - Service[%s]", "Plc Next", 1, 3, 2,
                m_spParams.sServiceName.c_str());
-    if (m_spParams.mapParams.count("Fail") != 0)
+    if (m_spParams.mapParams.count("Fail") != 0) {
         throw std::invalid_argument("stoi");
+    }
 }
 
 void TestDriver::onReceiveEvent(stEventParams_t event) {
@@ -41,8 +43,9 @@ void TestDriver::initialize() {
 void TestDriver::run() {
     // A copy, so that a body outlives a driver deleted under it.
     const Body body = body_;
-    if (body)
+    if (body) {
         body(*this);
+    }
 }
 
 void pauseLikeTheDriver(time_t seconds, long nanoseconds) {

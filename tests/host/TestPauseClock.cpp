@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "TestPauseClock.h"
 
 #include "orbel/DriverThreads.h"

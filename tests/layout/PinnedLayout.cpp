@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "PinnedLayout.h"
 
 namespace layouttest {

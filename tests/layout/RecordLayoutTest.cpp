@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -41,11 +42,13 @@ std::vector<std::ptrdiff_t> offsetsOf(Fields Record::*... fields) {
 }
 
 bool startAtZeroAndIncrease(const std::vector<std::ptrdiff_t>& offsets) {
-    if (offsets.empty() || offsets.front() != 0)
+    if (offsets.empty() || offsets.front() != 0) {
         return false;
+    }
     for (std::size_t i = 1; i < offsets.size(); ++i) {
-        if (offsets[i] <= offsets[i - 1])
+        if (offsets[i] <= offsets[i - 1]) {
             return false;
+        }
     }
     return true;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -9,11 +10,11 @@
 #include "Arp/System/Core/AppDomain.hpp"
 #include "Arp/System/Core/Arp.h"
 #include "ArpModuleLoader.h"
-#include "ChildProcess.h"
+#include "hosting/ChildProcess.h"
 #include "vplc/PlatformCalls.h"
 #include "vplc/Runtime.h"
 
-using testsupport::runInChild;
+using hosting::runInChild;
 using vplc::Runtime;
 
 namespace {

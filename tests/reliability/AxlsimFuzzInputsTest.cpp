@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // axlsim's configuration reader over the seeds and regressions of its fuzzer.
 
 #include "AxlsimConfigFuzzer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Events a host should not send, sent in bursts: null payloads, ids nobody subscribed, the ids of
 // restart services, and every payload size from 0 to 4096. Nothing crashes, and no output that is
 // not bound to the event's id is ever written.
@@ -12,13 +13,13 @@
 #include <string>
 #include <vector>
 
-#include "DriverConfig.h"
-#include "DriverRig.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/DriverRig.h"
 #include "modules/IbIlConversion.h"
 #include "vplc/Runtime.h"
 
-using reliability::DriverRig;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
+using hosting::DriverRig;
 
 namespace {
 

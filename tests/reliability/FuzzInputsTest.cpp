@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fuzz targets run over their seed corpora and over every input that once made them fail,
 // so that what a fuzzer found stays fixed in every build.
 

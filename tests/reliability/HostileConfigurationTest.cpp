@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Malformed numbers and misspelt names in the host's records: each gives exactly the value or
 // the exception the standard base-10 conversion gives, logs exactly the driver's lines, and leaves
 // the host's records as they were.
@@ -11,19 +12,19 @@
 #include <string>
 #include <vector>
 
-#include "DriverConfig.h"
-#include "DriverRig.h"
-#include "ExposedDriver.h"
-#include "LoggedLine.h"
 #include "PLCNext.h"
 #include "RecordComparison.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/DriverRig.h"
+#include "hosting/ExposedDriver.h"
+#include "hosting/LoggedLine.h"
 #include "modules/IbIlConversion.h"
 #include "orbel/CallScope.h"
 
-using reliability::DriverRig;
-using reliability::ExposedDriver;
-using reliability::LoggedLine;
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
+using hosting::DriverRig;
+using hosting::ExposedDriver;
+using hosting::LoggedLine;
 
 namespace {
 
@@ -185,7 +186,7 @@ TEST(HostileConfiguration, EveryConsecutiveNumberFormGivesTheStoiValueOrExceptio
         }
 
         EXPECT_EQ(rig.recorder().logs().size(), 1u);
-        EXPECT_EQ(reliability::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
+        EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
         EXPECT_TRUE(rig.recorder().stops().empty());
     }
 }
@@ -229,7 +230,7 @@ TEST(HostileConfiguration, EveryPinNumFormGivesTheStoiPinOrExceptionWithTheDrive
             const bool runs = form.outcome == Outcome::Value && expectedStops.empty();
             EXPECT_EQ(rig.threadStarted(), runs);
             EXPECT_EQ(rig.plant().calls("ArpPlcAxio_WriteFromGdsToAxio"), runs ? 1 : 0);
-            EXPECT_EQ(reliability::linesAfterVersion(rig.recorder()), expectedLines);
+            EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), expectedLines);
             EXPECT_EQ(stopMessages(rig.recorder()), expectedStops);
             EXPECT_TRUE(
                 sameAs(records, driver.hostParams(), driver.hostMappings(), driver.hostServices()));
@@ -258,7 +259,7 @@ TEST(HostileConfiguration, EveryInitValFormOfADigitalOutputWritesTheLowBitOrThro
             EXPECT_TRUE(driver.outputs().empty());
             EXPECT_FALSE(rig.threadStarted());
         }
-        EXPECT_EQ(reliability::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
+        EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
         EXPECT_TRUE(rig.recorder().stops().empty());
         EXPECT_TRUE(
             sameAs(records, driver.hostParams(), driver.hostMappings(), driver.hostServices()));
@@ -283,7 +284,7 @@ TEST(HostileConfiguration, EveryInitValFormOfAnAnalogOutputWritesItsWordOrThrows
             EXPECT_EQ(rig.plant().calls("ArpPlcGds_BeginWrite"), 0);
             EXPECT_FALSE(rig.threadStarted());
         }
-        EXPECT_EQ(reliability::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
+        EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
         EXPECT_TRUE(rig.recorder().stops().empty());
         EXPECT_TRUE(
             sameAs(records, driver.hostParams(), driver.hostMappings(), driver.hostServices()));
@@ -321,7 +322,7 @@ TEST(HostileConfiguration, ServiceTextsDifferingInCaseBlanksOrCharactersAreRefus
         EXPECT_EQ(stop.service.sServiceType, text);
         EXPECT_EQ(stop.service.nEventId, 10u);
         EXPECT_TRUE(driver.digitalInputs().empty());
-        EXPECT_EQ(reliability::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
+        EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
         EXPECT_FALSE(rig.threadStarted());
         EXPECT_EQ(rig.plant().calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
         EXPECT_TRUE(
@@ -354,7 +355,7 @@ TEST(HostileConfiguration, DeviceTypesDifferingInCaseBlanksOrCharactersMakeNoMod
                       std::vector<std::string>{"Unsupported service type."});
             EXPECT_EQ(rig.plant().calls("ArpPlcIo_GetBufferPtrByBufferID"), 0);
             EXPECT_FALSE(rig.threadStarted());
-            EXPECT_EQ(reliability::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
+            EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
             EXPECT_TRUE(
                 sameAs(records, driver.hostParams(), driver.hostMappings(), driver.hostServices()));
         }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drivers made, initialised, run briefly and deleted a thousand times, with their scan thread
 // alive at deletion: no thread, GDS buffer, frame lock or allocation outlives its driver, except
 // the input payload buffers that the driver keeps on purpose (the one leak suppression).
@@ -11,11 +12,11 @@
 #include <thread>
 #include <vector>
 
-#include "ChildProcess.h"
-#include "DriverConfig.h"
 #include "PLCNext.h"
+#include "hosting/ChildProcess.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/DriverPtr.h"
 #include "orbel/CallScope.h"
-#include "orbel/DriverThreads.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
@@ -32,17 +33,14 @@
 #include <sanitizer/lsan_interface.h>
 #endif
 
-using testsupport::DriverConfig;
+using hosting::DriverConfig;
 using namespace std::chrono_literals;
 
 namespace {
 
 constexpr int kCycles = 1000;
 
-struct DriverDeleter {
-    void operator()(CSI_base* driver) const { orbel::destroyDriver(driver); }
-};
-using DriverPtr = std::unique_ptr<CSI_base, DriverDeleter>;
+using DriverPtr = hosting::DriverPtr<>;
 
 DriverPtr create(const DriverConfig& records) {
     auto mappings = records.mappings;
@@ -105,10 +103,10 @@ namespace {
 // at most five seconds: a thread that is really left over still shows.
 int threadsOnceEndedOnesHaveGone(int expected) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    int threads = testsupport::threadsOfThisProcess();
+    int threads = hosting::threadsOfThisProcess();
     while (threads > expected && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::yield();
-        threads = testsupport::threadsOfThisProcess();
+        threads = hosting::threadsOfThisProcess();
     }
     return threads;
 }
@@ -145,7 +143,7 @@ TEST(Teardown, AThousandCyclesOnVirtualTimeEndEveryThreadAndReleaseEveryBuffer) 
         }
         expectNothingLeft(plant, recorder);
         if (cycle == 0) {
-            threadsAfterFirstCycle = testsupport::threadsOfThisProcess();
+            threadsAfterFirstCycle = hosting::threadsOfThisProcess();
         }
     }
     clock.holdScans(false);
@@ -179,7 +177,7 @@ TEST(Teardown, CyclesOnTheWallClockEndThreadsThatSleepOrScanAtDeletion) {
         EXPECT_EQ(recorder.threadStarts().size(), 1u);
         expectNothingLeft(plant, recorder);
         if (cycle == 0) {
-            threadsAfterFirstCycle = testsupport::threadsOfThisProcess();
+            threadsAfterFirstCycle = hosting::threadsOfThisProcess();
         }
     }
 

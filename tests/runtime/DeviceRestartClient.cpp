@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "DeviceRestartClient.h"
 
 #include "Arp/Device/Interface/Services/DeviceControlServiceProxyFactory.hpp"

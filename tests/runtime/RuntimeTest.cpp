@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "RuntimeTest.h"
 
 #include "Arp/Plc/AnsiC/Domain/PlcOperationHandler.h"

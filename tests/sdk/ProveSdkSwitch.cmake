@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Shows that the controller SDK switch (PLCNEXT_SDK_ROOT) works, without a controller SDK: lays
 # the platform declarations and the virtual controller out as an SDK sysroot, builds the driver
 # from this source tree against it in a build of its own, checks what the driver was compiled and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host program for a driver built against a controller SDK: loads the driver library named on
 // the command line, runs one driver on the virtual controller (create, initialise, an input
 // published, an output on the bus, delete) and prints where each Arp library was loaded from, so
@@ -41,8 +42,9 @@ stServiceParams_t service(unsigned eventId, const char* type,
 // The file a loaded library came from, or "not loaded".
 std::string loadedFrom(const char* soname) {
     void* handle = dlopen(soname, RTLD_LAZY | RTLD_NOLOAD);
-    if (handle == nullptr)
+    if (handle == nullptr) {
         return "not loaded";
+    }
     const link_map* map = nullptr;
     std::string path = dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 ? map->l_name : "unknown";
     dlclose(handle);

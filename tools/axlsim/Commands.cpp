@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/Commands.h"
 
 #include <unistd.h>
@@ -10,19 +11,19 @@
 #include <iostream>
 #include <memory>
 
-#include "axlsim/CheckReport.h"
-#include "axlsim/ConfigCheck.h"
-#include "axlsim/ConfigError.h"
-#include "axlsim/ConfigReader.h"
-#include "axlsim/DemoConfig.h"
-#include "axlsim/DriverLibrary.h"
-#include "axlsim/InterruptSignals.h"
-#include "axlsim/JsonRenderer.h"
-#include "axlsim/LoopCheck.h"
-#include "axlsim/ProgressBar.h"
-#include "axlsim/ScenarioPlayer.h"
-#include "axlsim/TextRenderer.h"
-#include "axlsim/VcdWriter.h"
+#include "axlsim/check/CheckReport.h"
+#include "axlsim/check/ConfigCheck.h"
+#include "axlsim/check/LoopCheck.h"
+#include "axlsim/configuration/ConfigError.h"
+#include "axlsim/configuration/ConfigReader.h"
+#include "axlsim/configuration/DemoConfig.h"
+#include "axlsim/render/JsonRenderer.h"
+#include "axlsim/render/ProgressBar.h"
+#include "axlsim/render/TextRenderer.h"
+#include "axlsim/render/VcdWriter.h"
+#include "axlsim/run/DriverLibrary.h"
+#include "axlsim/run/InterruptSignals.h"
+#include "axlsim/run/ScenarioPlayer.h"
 
 #if AXLSIM_SERVE
 #include "axlsim/serve/HtmlReport.h"
@@ -56,8 +57,9 @@ std::optional<Config> readConfig(const std::string& file) {
 // A configuration to run: readable, and with a plant and host that can work.
 std::optional<Config> runnableConfig(const std::string& file) {
     auto config = readConfig(file);
-    if (!config)
+    if (!config) {
         return std::nullopt;
+    }
     try {
         LoopCheck::requireRunnable(*config);
         return config;
@@ -80,8 +82,9 @@ std::unique_ptr<DriverLibrary> loadDriver(const std::string& path) {
 // Standard output, once everything is written to it: an error when it could not take it all.
 bool standardOutputWritten() {
     std::cout.flush();
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && std::cout.good())
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && std::cout.good()) {
         return true;
+    }
     std::cerr << "axlsim: cannot write the standard output: " << std::strerror(errno) << '\n';
     return false;
 }
@@ -89,16 +92,18 @@ bool standardOutputWritten() {
 // A file, once everything is written to it: an error when it could not take it all.
 bool fileWritten(std::ostream& file, const std::string& path) {
     file.flush();
-    if (file)
+    if (file) {
         return true;
+    }
     std::cerr << "axlsim: cannot write " << path << ": " << std::strerror(errno) << '\n';
     return false;
 }
 
 int play(const Config& config, const Commands::RunRequest& request) {
     const auto library = loadDriver(request.driver);
-    if (library == nullptr)
+    if (library == nullptr) {
         return kCannotRun;
+    }
 
     // Opened before the run, so that a path that cannot be written is told at once.
     std::ofstream vcd;
@@ -136,28 +141,32 @@ int play(const Config& config, const Commands::RunRequest& request) {
     const RunResult result = ScenarioPlayer::run(config, *library, options);
     bar.reset();
     renderer->finish(result);
-    if (result.interrupted)
+    if (result.interrupted) {
         renderer->interrupted(result.end, InterruptSignals::name(InterruptSignals::received()));
-    else if (request.json && config.expectStop && !result.wentAsExpected)
+    } else if (request.json && config.expectStop && !result.wentAsExpected) {
         std::cerr << "axlsim: expected a stop (\"expect_stop\": true), but no driver stopped and "
                      "no exception left one\n";
+    }
 
     int status = result.interrupted ? kInterrupted : result.exitStatus();
     if (!request.vcd.empty()) {
         VcdWriter::write(vcd, config, result);
-        if (!fileWritten(vcd, request.vcd))
+        if (!fileWritten(vcd, request.vcd)) {
             status = kCannotRun;
+        }
     }
 #if AXLSIM_SERVE
     if (!request.html.empty()) {
         std::ofstream html(request.html);
         HtmlReport::write(html, config, result);
-        if (!fileWritten(html, request.html))
+        if (!fileWritten(html, request.html)) {
             status = kCannotRun;
+        }
     }
 #endif
-    if (!standardOutputWritten())
+    if (!standardOutputWritten()) {
         status = kCannotRun;
+    }
     return status;
 }
 
@@ -165,37 +174,43 @@ int play(const Config& config, const Commands::RunRequest& request) {
 
 int Commands::run(const RunRequest& request) {
     const auto config = runnableConfig(request.config);
-    if (!config)
+    if (!config) {
         return kCannotRun;
+    }
     if (const std::size_t problems =
             ConfigCheck::check(*config).size() + LoopCheck::check(*config).size();
-        problems > 0)
+        problems > 0) {
         std::cerr << "axlsim: " << problems << (problems == 1 ? " problem" : " problems")
                   << " that axlsim check explains; running anyway\n";
+    }
     return play(*config, request);
 }
 
 #if AXLSIM_SERVE
 int Commands::serve(const ServeCommand::Request& request) {
     const auto config = runnableConfig(request.config);
-    if (!config)
+    if (!config) {
         return kCannotRun;
+    }
     const auto library = loadDriver(request.driver);
-    if (library == nullptr)
+    if (library == nullptr) {
         return kCannotRun;
+    }
     return ServeCommand::serve(*config, *library, request);
 }
 #endif
 
 int Commands::check(const std::string& file) {
     const auto config = readConfig(file);
-    if (!config)
+    if (!config) {
         return kCannotRun;
+    }
     const auto findings = ConfigCheck::check(*config);
     const auto loop = LoopCheck::check(*config);
     CheckReport::write(std::cout, *config, findings, loop);
-    if (!standardOutputWritten())
+    if (!standardOutputWritten()) {
         return kCannotRun;
+    }
     return findings.empty() && loop.empty() ? 0 : 1;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // axlsim: runs a driver configuration on the virtual controller and shows what the driver does.
 
 #include <unistd.h>
@@ -7,17 +8,19 @@
 #include <iostream>
 
 #include "axlsim/Commands.h"
-#include "axlsim/Milliseconds.h"
+#include "axlsim/configuration/Milliseconds.h"
 
 namespace {
 
 // The first argument, when it is neither an option nor one of the commands.
 std::string unknownCommand(const CLI::App& app, int argc, char** argv) {
-    if (argc < 2 || argv[1][0] == '-')
+    if (argc < 2 || argv[1][0] == '-') {
         return "";
+    }
     for (const CLI::App* command : app.get_subcommands({})) {
-        if (command->get_name() == argv[1])
+        if (command->get_name() == argv[1]) {
             return "";
+        }
     }
     return argv[1];
 }
@@ -26,8 +29,9 @@ std::string unknownCommand(const CLI::App& app, int argc, char** argv) {
 
 int main(int argc, char** argv) {
     // Lines go out as the run produces them, also into a pipe or a file that someone follows.
-    if (isatty(STDOUT_FILENO) == 0)
+    if (isatty(STDOUT_FILENO) == 0) {
         std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    }
 
     CLI::App app{"Runs a PLCnext Axioline F driver configuration on the virtual controller.",
                  "axlsim"};
@@ -124,8 +128,9 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         if (const std::string command = unknownCommand(app, argc, argv); !command.empty()) {
             std::string commands;
-            for (const CLI::App* known : app.get_subcommands({}))
+            for (const CLI::App* known : app.get_subcommands({})) {
                 commands += (commands.empty() ? "" : ", ") + known->get_name();
+            }
             std::cerr << "axlsim: " << command << " is not a command; the commands are " << commands
                       << " (axlsim --help shows them)\n";
             return 2;
@@ -134,15 +139,18 @@ int main(int argc, char** argv) {
     }
 
     if (*runCommand) {
-        if (*until)
+        if (*until) {
             run.until = axlsim::Milliseconds::read(untilText);
+        }
         return axlsim::Commands::run(run);
     }
 #if AXLSIM_SERVE
-    if (*serveCommand)
+    if (*serveCommand) {
         return axlsim::Commands::serve(serve);
+    }
 #endif
-    if (*checkCommand)
+    if (*checkCommand) {
         return axlsim::Commands::check(checkConfig);
+    }
     return axlsim::Commands::demo(demoDriver);
 }

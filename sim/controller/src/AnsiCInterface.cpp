@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "vplc/AnsiCInterface.h"
 
 #include <functional>
@@ -79,8 +80,9 @@ const std::shared_ptr<GdsFrame>* frameOf(Controller& controller, std::string_vie
 // shared lock is held and the frame's bus is still installed, so `frame` is still the bus's.
 bool lockFrame(std::shared_lock<ControllerLock>& lock, const std::shared_ptr<GdsFrame>& frame,
                Access access) {
-    if (frame->tryLock(access))
+    if (frame->tryLock(access)) {
         return true;
+    }
     const std::shared_ptr<GdsFrame> kept = frame;
     lock.unlock();
     kept->lock(access);
@@ -96,8 +98,9 @@ bool lockFrame(std::shared_lock<ControllerLock>& lock, const std::shared_ptr<Gds
 // it.
 const std::shared_ptr<GdsFrame>* calledFrame(Controller& controller, const PlatformFunction& call,
                                              const TGdsBuffer* pBuffer) {
-    if (controller.dueFault(call.slot, call.name))
+    if (controller.dueFault(call.slot, call.name)) {
         return nullptr;
+    }
     return frameOf(controller, call.name, pBuffer);
 }
 
@@ -106,18 +109,21 @@ bool begin(const PlatformFunction& call, TGdsBuffer* pBuffer, char** ppData, Acc
     Controller& controller = Controller::instance();
     auto lock = controller.share();
     const std::shared_ptr<GdsFrame>* found = calledFrame(controller, call, pBuffer);
-    if (found == nullptr)
+    if (found == nullptr) {
         return false;
+    }
     GdsFrame& frame = **found;
-    if (ppData == nullptr)
+    if (ppData == nullptr) {
         return fail(nullArgument(function, "ppData"));
+    }
     if (frame.heldByCaller()) {
         ++controller.bus()->counters().nestedBegins;
         return fail(std::string(function) + ": the calling thread already holds a lock on " +
                     "buffer " + quoted(frame.bufferId()));
     }
-    if (!lockFrame(lock, *found, access))
+    if (!lockFrame(lock, *found, access)) {
         return false;
+    }
     try {
         frame.addCaller(access);
     } catch (...) {
@@ -134,8 +140,9 @@ bool end(const PlatformFunction& call, TGdsBuffer* pBuffer, Access access) {
     Controller& controller = Controller::instance();
     auto lock = controller.share();
     const std::shared_ptr<GdsFrame>* found = calledFrame(controller, call, pBuffer);
-    if (found == nullptr)
+    if (found == nullptr) {
         return false;
+    }
     GdsFrame& frame = **found;
     if (frame.heldByCaller() != access) {
         ++controller.bus()->counters().unmatchedEnds;
@@ -152,16 +159,20 @@ bool busCycle(const PlatformFunction& call, Frame which, Access access, void (Bu
     const std::string_view function = call.name;
     Controller& controller = Controller::instance();
     auto lock = controller.share();
-    if (controller.dueFault(call.slot, function))
+    if (controller.dueFault(call.slot, function)) {
         return false;
-    if (controller.bus() == nullptr)
+    }
+    if (controller.bus() == nullptr) {
         return fail(kNoBus);
+    }
     const std::shared_ptr<GdsFrame>& frame = controller.bus()->frame(which);
-    if (frame->heldByCaller())
+    if (frame->heldByCaller()) {
         return fail(std::string(function) + ": the calling thread holds a lock on buffer " +
                     quoted(frame->bufferId()));
-    if (!lockFrame(lock, frame, access))
+    }
+    if (!lockFrame(lock, frame, access)) {
         return false;
+    }
     (controller.bus()->*copy)();
     frame->unlock(access);
     return true;
@@ -184,23 +195,30 @@ bool getBufferPtrByBufferID(const char* ioSystemName, const char* bufferId, TGds
     constexpr std::string_view kFunction = "ArpPlcIo_GetBufferPtrByBufferID";
     Controller& controller = Controller::instance();
     auto lock = controller.lock();
-    if (controller.dueFault(kFunction))
+    if (controller.dueFault(kFunction)) {
         return false;
-    if (ioSystemName == nullptr)
+    }
+    if (ioSystemName == nullptr) {
         return fail(nullArgument(kFunction, "ioSystemName"));
-    if (bufferId == nullptr)
+    }
+    if (bufferId == nullptr) {
         return fail(nullArgument(kFunction, "bufferId"));
-    if (ppBuffer == nullptr)
+    }
+    if (ppBuffer == nullptr) {
         return fail(nullArgument(kFunction, "ppBuffer"));
+    }
     Bus* bus = controller.bus();
-    if (bus == nullptr)
+    if (bus == nullptr) {
         return fail(kNoBus);
-    if (ioSystemName != FrameLayout::kIoSystem)
+    }
+    if (ioSystemName != FrameLayout::kIoSystem) {
         return fail("I/O system " + quoted(ioSystemName) + " does not exist");
+    }
     const std::optional<Frame> frame = FrameLayout::frameOf(bufferId);
-    if (!frame)
+    if (!frame) {
         return fail("Buffer " + quoted(bufferId) + " does not exist in I/O system " +
                     quoted(FrameLayout::kIoSystem));
+    }
     *ppBuffer = controller.handles().issue(bus->serial(), *frame);
     ++bus->counters().buffersHeld;
     return true;
@@ -210,10 +228,12 @@ bool releaseGdsBuffer(TGdsBuffer* pBuffer) {
     constexpr std::string_view kFunction = "ArpPlcIo_ReleaseGdsBuffer";
     Controller& controller = Controller::instance();
     auto lock = controller.lock();
-    if (controller.dueFault(kFunction))
+    if (controller.dueFault(kFunction)) {
         return false;
-    if (frameOf(controller, kFunction, pBuffer) == nullptr)
+    }
+    if (frameOf(controller, kFunction, pBuffer) == nullptr) {
         return false;
+    }
     controller.handles().find(pBuffer)->released = true;
     --controller.bus()->counters().buffersHeld;
     return true;
@@ -223,21 +243,26 @@ bool getVariableOffset(TGdsBuffer* pBuffer, const char* variableName, std::size_
     constexpr std::string_view kFunction = "ArpPlcGds_GetVariableOffset";
     Controller& controller = Controller::instance();
     auto lock = controller.lock();
-    if (controller.dueFault(kFunction))
+    if (controller.dueFault(kFunction)) {
         return false;
+    }
     const std::shared_ptr<GdsFrame>* found = frameOf(controller, kFunction, pBuffer);
-    if (found == nullptr)
+    if (found == nullptr) {
         return false;
+    }
     const GdsFrame* frame = found->get();
-    if (variableName == nullptr)
+    if (variableName == nullptr) {
         return fail(nullArgument(kFunction, "variableName"));
-    if (pOffset == nullptr)
+    }
+    if (pOffset == nullptr) {
         return fail(nullArgument(kFunction, "pOffset"));
+    }
     const std::optional<std::size_t> offset =
         controller.bus()->layout().variableOffset(frame->which(), variableName);
-    if (!offset)
+    if (!offset) {
         return fail("Variable " + quoted(variableName) + " does not exist in buffer " +
                     quoted(frame->bufferId()));
+    }
     *pOffset = *offset;
     return true;
 }
@@ -264,16 +289,19 @@ bool endWrite(TGdsBuffer* pBuffer) {
 
 bool readFromAxioToGds(unsigned long) {
     static const PlatformFunction call("ArpPlcAxio_ReadFromAxioToGds");
-    if (auto* clock = dynamic_cast<VirtualClock*>(orbel::pauseClock()))
+    if (auto* clock = dynamic_cast<VirtualClock*>(orbel::pauseClock())) {
         clock->atScanStart();
+    }
     const std::function<void()>* hook = nullptr;
     {
         auto share = Controller::instance().share();
-        if (Bus* bus = Controller::instance().bus())
+        if (Bus* bus = Controller::instance().bus()) {
             hook = &bus->inputCopyHook();
+        }
     }
-    if (hook != nullptr && *hook)
+    if (hook != nullptr && *hook) {
         (*hook)();
+    }
     return busCycle(call, Frame::In, Access::Write, &Bus::copyInputsToGds);
 }
 
@@ -285,8 +313,9 @@ bool writeFromGdsToAxio(unsigned long) {
 void setHandler(ArpPlcDomainHandler handler) {
     Controller& controller = Controller::instance();
     auto lock = controller.lock();
-    if (!controller.dueFault("ArpPlcDomain_SetHandler"))
+    if (!controller.dueFault("ArpPlcDomain_SetHandler")) {
         controller.setHandler(handler);
+    }
 }
 
 }  // namespace vplc::ansic

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The controller's PLC C interface: each entry point forwards to the virtual controller.
 
 #include "Arp/Plc/AnsiC/Domain/PlcOperationHandler.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Bus.h"
 
 #include <algorithm>
@@ -23,8 +24,9 @@ Bus::Bus(const std::vector<Module>& modules, std::uint64_t serial)
 
 std::vector<Module> Bus::modules() const {
     std::vector<Module> kinds;
-    for (const TerminalModule& module : modules_)
+    for (const TerminalModule& module : modules_) {
         kinds.push_back(module.kind());
+    }
     return kinds;
 }
 
@@ -61,9 +63,10 @@ int Bus::openLocks() const {
 }
 
 std::size_t Bus::indexOf(int position) const {
-    if (position < 1 || static_cast<std::size_t>(position) > modules_.size())
+    if (position < 1 || static_cast<std::size_t>(position) > modules_.size()) {
         throw std::out_of_range("No module at position " + std::to_string(position) +
                                 ": the bus holds " + std::to_string(modules_.size()) + " modules");
+    }
     return static_cast<std::size_t>(position - 1);
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "CallRegistry.h"
 
 namespace vplc {
@@ -5,19 +6,22 @@ namespace vplc {
 CallRegistry::Slot& CallRegistry::slot(std::string_view function) {
     std::lock_guard lock(slotsMutex_);
     auto found = slots_.find(function);
-    if (found == slots_.end())
+    if (found == slots_.end()) {
         found = slots_.try_emplace(std::string(function)).first;
+    }
     return found->second;
 }
 
 std::optional<std::string> CallRegistry::record(Slot& slot, std::string_view function) {
     slot.count.fetch_add(1, std::memory_order_relaxed);
-    if (!slot.armed.load(std::memory_order_relaxed))
+    if (!slot.armed.load(std::memory_order_relaxed)) {
         return std::nullopt;
+    }
     std::lock_guard lock(faultsMutex_);
     auto fault = faults_.find(function);
-    if (fault == faults_.end())
+    if (fault == faults_.end()) {
         return std::nullopt;
+    }
     std::string errorText = fault->second.errorText;
     if (fault->second.remaining > 0 && --fault->second.remaining == 0) {
         faults_.erase(fault);
@@ -41,15 +45,17 @@ void CallRegistry::inject(std::string_view function, const Fault& fault) {
 
 void CallRegistry::clearFaults() {
     std::lock_guard lock(faultsMutex_);
-    for (const auto& [function, fault] : faults_)
+    for (const auto& [function, fault] : faults_) {
         slot(function).armed.store(false, std::memory_order_relaxed);
+    }
     faults_.clear();
 }
 
 void CallRegistry::resetCounts() {
     std::lock_guard lock(slotsMutex_);
-    for (auto& [function, slot] : slots_)
+    for (auto& [function, slot] : slots_) {
         slot.count.store(0, std::memory_order_relaxed);
+    }
 }
 
 }  // namespace vplc

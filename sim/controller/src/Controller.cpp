@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Controller.h"
 
 #include <stdexcept>
@@ -15,9 +16,10 @@ Controller& Controller::instance() {
 }
 
 void Controller::install(Bus& bus) {
-    if (bus_ != nullptr)
+    if (bus_ != nullptr) {
         throw std::logic_error(
             "An Axioline bus is already running: destroy its plant before building another");
+    }
     bus_ = &bus;
     calls_.resetCounts();
     calls_.clearFaults();
@@ -30,19 +32,22 @@ std::optional<std::string> Controller::dueFault(std::string_view function) {
 std::optional<std::string> Controller::dueFault(CallRegistry::Slot& slot,
                                                 std::string_view function) {
     std::optional<std::string> fault = calls_.record(slot, function);
-    if (fault)
+    if (fault) {
         lastError::set(*fault);
+    }
     return fault;
 }
 
 void Controller::uninstall(Bus& bus) {
-    if (bus_ != &bus)
+    if (bus_ != &bus) {
         return;
+    }
     for (Frame which : {Frame::In, Frame::Out}) {
         const auto& frame = bus.frame(which);
         frame->retire();
-        if (frame->holders() > 0)
+        if (frame->holders() > 0) {
             abandonedFrames_.push_back(frame);
+        }
     }
     calls_.clearFaults();
     bus_ = nullptr;

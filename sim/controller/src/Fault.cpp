@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "vplc/Fault.h"
 
 #include <stdexcept>
@@ -13,8 +14,9 @@ Fault Fault::next(std::string errorText) {
 }
 
 Fault Fault::times(int count, std::string errorText) {
-    if (count < 1)
+    if (count < 1) {
         throw std::invalid_argument("A fault must fail at least one call");
+    }
     return Fault(count, std::move(errorText));
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "FrameLayout.h"
 
 namespace vplc {
@@ -18,10 +19,12 @@ std::string_view FrameLayout::bufferId(Frame frame) {
 }
 
 std::optional<Frame> FrameLayout::frameOf(std::string_view bufferId) {
-    if (bufferId == kInBufferId)
+    if (bufferId == kInBufferId) {
         return Frame::In;
-    if (bufferId == kOutBufferId)
+    }
+    if (bufferId == kOutBufferId) {
         return Frame::Out;
+    }
     return std::nullopt;
 }
 
@@ -56,8 +59,9 @@ std::size_t FrameLayout::offset(Frame frame, int position) const {
 std::optional<std::size_t> FrameLayout::variableOffset(Frame frame, std::string_view name) const {
     const auto& variables = layout(frame).variables;
     auto variable = variables.find(name);
-    if (variable == variables.end())
+    if (variable == variables.end()) {
         return std::nullopt;
+    }
     return variable->second;
 }
 

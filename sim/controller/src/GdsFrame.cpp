@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "GdsFrame.h"
 
 #include <algorithm>
@@ -26,10 +27,11 @@ std::string_view GdsFrame::bufferId() const {
 }
 
 void GdsFrame::lock(Access access) {
-    if (access == Access::Read)
+    if (access == Access::Read) {
         dataLock_.lock_shared();
-    else
+    } else {
         dataLock_.lock();
+    }
 }
 
 bool GdsFrame::tryLock(Access access) {
@@ -37,17 +39,19 @@ bool GdsFrame::tryLock(Access access) {
 }
 
 void GdsFrame::unlock(Access access) {
-    if (access == Access::Read)
+    if (access == Access::Read) {
         dataLock_.unlock_shared();
-    else
+    } else {
         dataLock_.unlock();
+    }
 }
 
 std::optional<Access> GdsFrame::heldByCaller() const {
     auto held = std::find_if(callerHolds.begin(), callerHolds.end(),
                              [this](const auto& entry) { return entry.first == this; });
-    if (held == callerHolds.end())
+    if (held == callerHolds.end()) {
         return std::nullopt;
+    }
     return held->second;
 }
 

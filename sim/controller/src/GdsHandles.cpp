@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "GdsHandles.h"
 
 namespace vplc {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "vplc/Module.h"
 
 namespace vplc {
@@ -14,10 +15,12 @@ std::string_view orderName(Module module) {
 }
 
 std::optional<Module> moduleFromOrderName(std::string_view name) {
-    if (name == kDigitalOrderName)
+    if (name == kDigitalOrderName) {
         return Module::DI8_DO8;
-    if (name == kAnalogOrderName)
+    }
+    if (name == kAnalogOrderName) {
         return Module::AI2_AO2;
+    }
     return std::nullopt;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "vplc/Plant.h"
 
 #include <stdexcept>
@@ -22,9 +23,10 @@ auto withFrame(const Bus& bus, Frame which, Access access, Action action) {
     const std::shared_ptr<GdsFrame>& frame = bus.frame(which);
     const std::optional<Access> held = frame->heldByCaller();
     if (held) {
-        if (access == Access::Write && *held == Access::Read)
+        if (access == Access::Write && *held == Access::Read) {
             throw std::logic_error("The calling thread holds a read lock on buffer '" +
                                    std::string(frame->bufferId()) + "' and cannot write to it");
+        }
         return action(*frame);
     }
     GdsFrameLock frameLock(*frame, access);
@@ -66,8 +68,9 @@ Plant::Plant(std::vector<Module> modules) {
 Plant::Plant(Plant&& other) noexcept : bus_(std::move(other.bus_)) {}
 
 Plant::~Plant() {
-    if (!bus_)
+    if (!bus_) {
         return;
+    }
     Controller& controller = Controller::instance();
     auto lock = controller.lock();
     controller.uninstall(*bus_);
@@ -139,11 +142,12 @@ std::vector<uint8_t> Plant::outputsInGds(int position) const {
 
 void Plant::setFrameBytes(Frame frame, std::size_t offset, std::vector<uint8_t> bytes) {
     const std::size_t size = bus_->layout().size(frame);
-    if (offset > size || bytes.size() > size - offset)
+    if (offset > size || bytes.size() > size - offset) {
         throw std::out_of_range("Bytes " + std::to_string(offset) + " to " +
                                 std::to_string(offset + bytes.size()) + " lie outside buffer '" +
                                 std::string(FrameLayout::bufferId(frame)) + "' of " +
                                 std::to_string(size) + " bytes");
+    }
     withFrame(*bus_, frame, Access::Write, [&](GdsFrame& data) {
         std::copy(bytes.begin(), bytes.end(), data.data() + offset);
         return 0;
@@ -151,8 +155,9 @@ void Plant::setFrameBytes(Frame frame, std::size_t offset, std::vector<uint8_t> 
 }
 
 std::optional<std::size_t> Plant::variableOffset(std::string_view variableName) const {
-    if (auto offset = bus_->layout().variableOffset(Frame::In, variableName))
+    if (auto offset = bus_->layout().variableOffset(Frame::In, variableName)) {
         return offset;
+    }
     return bus_->layout().variableOffset(Frame::Out, variableName);
 }
 

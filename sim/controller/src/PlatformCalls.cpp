@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "vplc/PlatformCalls.h"
 
 #include "Controller.h"

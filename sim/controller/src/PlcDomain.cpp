@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "vplc/PlcDomain.h"
 
 #include "Controller.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "TerminalModule.h"
 
 #include <algorithm>
@@ -35,8 +36,9 @@ void TerminalModule::latchOutputs(const uint8_t* data) {
 
 void TerminalModule::setDigitalInput(int pin, bool on) {
     require(Module::DI8_DO8);
-    if (pin < 0 || pin >= kDigitalPins)
+    if (pin < 0 || pin >= kDigitalPins) {
         throw std::out_of_range("A digital module has no pin " + std::to_string(pin));
+    }
     const auto mask = static_cast<uint8_t>(1U << pin);
     inputs_[0] =
         on ? static_cast<uint8_t>(inputs_[0] | mask) : static_cast<uint8_t>(inputs_[0] & ~mask);
@@ -66,14 +68,16 @@ uint16_t TerminalModule::analogOutput(int channel) const {
 }
 
 void TerminalModule::require(Module kind) const {
-    if (kind_ != kind)
+    if (kind_ != kind) {
         throw std::logic_error("This operation needs an " + std::string(orderName(kind)) +
                                ", the module is an " + std::string(orderName(kind_)));
+    }
 }
 
 std::size_t TerminalModule::channelOffset(int channel) {
-    if (channel < 0 || channel >= kAnalogChannels)
+    if (channel < 0 || channel >= kAnalogChannels) {
         throw std::out_of_range("An analog module has no channel " + std::to_string(channel));
+    }
     return static_cast<std::size_t>(channel) * kWordSize;
 }
 

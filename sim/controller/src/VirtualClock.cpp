@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "vplc/VirtualClock.h"
 
 #include <algorithm>
@@ -27,8 +28,9 @@ VirtualClock::Mode VirtualClock::defaultMode() {
 }
 
 VirtualClock::VirtualClock(Mode mode) : mode_(mode) {
-    if (orbel::pauseClock() != nullptr)
+    if (orbel::pauseClock() != nullptr) {
         throw std::logic_error("A pause clock is already installed");
+    }
     orbel::setPauseClock(this);
 }
 
@@ -48,8 +50,9 @@ void VirtualClock::settle() {
 
 void VirtualClock::runUntil(Duration t) {
     std::unique_lock lock(mutex_);
-    if (t < now_)
+    if (t < now_) {
         throw std::invalid_argument("A virtual clock cannot run back in time");
+    }
     settle(lock);
     while (runEarliestBefore(t, lock)) {
     }
@@ -58,11 +61,13 @@ void VirtualClock::runUntil(Duration t) {
 
 VirtualClock::Duration VirtualClock::runNext(Duration t) {
     std::unique_lock lock(mutex_);
-    if (t < now_)
+    if (t < now_) {
         throw std::invalid_argument("A virtual clock cannot run back in time");
+    }
     settle(lock);
-    if (!runEarliestBefore(t, lock))
+    if (!runEarliestBefore(t, lock)) {
         now_ = t;
+    }
     return now_;
 }
 
@@ -70,12 +75,14 @@ bool VirtualClock::runEarliestBefore(Duration t, std::unique_lock<std::mutex>& l
     const auto earliest =
         std::min_element(sleepers_.begin(), sleepers_.end(),
                          [](const Sleeper* a, const Sleeper* b) { return a->wakeAt < b->wakeAt; });
-    if (earliest == sleepers_.end() || (*earliest)->wakeAt >= t)
+    if (earliest == sleepers_.end() || (*earliest)->wakeAt >= t) {
         return false;
+    }
     now_ = (*earliest)->wakeAt;
     std::erase_if(sleepers_, [this](Sleeper* sleeper) {
-        if (sleeper->wakeAt != now_)
+        if (sleeper->wakeAt != now_) {
             return false;
+        }
         sleeper->woken = true;
         ++running_;
         wake(*sleeper);
@@ -92,8 +99,9 @@ void VirtualClock::runFor(Duration d) {
 void VirtualClock::keepPauses(bool keep) {
     std::lock_guard lock(mutex_);
     keepPauses_ = keep;
-    if (!keep)
+    if (!keep) {
         pauses_.clear();
+    }
 }
 
 std::vector<VirtualClock::Pause> VirtualClock::pauses() const {
@@ -104,8 +112,9 @@ std::vector<VirtualClock::Pause> VirtualClock::pauses() const {
 void VirtualClock::holdScans(bool hold) {
     std::unique_lock lock(mutex_);
     holding_ = hold;
-    if (hold)
+    if (hold) {
         return;
+    }
     releaseHeld();
     settle(lock);
 }
@@ -129,11 +138,13 @@ int VirtualClock::heldThreads() const {
 }
 
 void VirtualClock::atScanStart() {
-    if (!orbel::isDriverThread())
+    if (!orbel::isDriverThread()) {
         return;
+    }
     std::unique_lock lock(mutex_);
-    if (!holding_)
+    if (!holding_) {
         return;
+    }
     Ticket ticket;
     held_.push_back(&ticket);
     stoppedRunning();
@@ -160,18 +171,21 @@ void VirtualClock::threadStarting() {
 void VirtualClock::threadEnding() {
     std::lock_guard lock(mutex_);
     // A fiber ended from outside (orbel::endDriverThread) may still be waiting its turn.
-    if (orbel::DriverFiber* fiber = orbel::currentFiber())
+    if (orbel::DriverFiber* fiber = orbel::currentFiber()) {
         std::erase(ready_, fiber);
+    }
     stoppedRunning();
 }
 
 void VirtualClock::pause(const timespec& request) {
-    if (!orbel::isDriverThread())
+    if (!orbel::isDriverThread()) {
         return;
+    }
     std::unique_lock lock(mutex_);
     const Duration duration = durationOf(request);
-    if (keepPauses_)
+    if (keepPauses_) {
         pauses_.push_back(Pause{orbel::currentThreadDriver(), now_, duration});
+    }
     Sleeper sleeper;
     sleeper.wakeAt = now_ + duration;
     sleepers_.push_back(&sleeper);
@@ -186,10 +200,12 @@ void VirtualClock::pause(const timespec& request) {
 // A fiber whose end is requested is resumed by the host that ends it, so only threads are woken.
 void VirtualClock::wakeAll() {
     std::lock_guard lock(mutex_);
-    for (Sleeper* sleeper : sleepers_)
+    for (Sleeper* sleeper : sleepers_) {
         sleeper->wake.notify_one();
-    for (Ticket* ticket : held_)
+    }
+    for (Ticket* ticket : held_) {
         ticket->wake.notify_one();
+    }
 }
 
 void VirtualClock::settle(std::unique_lock<std::mutex>& lock) {
@@ -204,10 +220,11 @@ void VirtualClock::settle(std::unique_lock<std::mutex>& lock) {
 }
 
 void VirtualClock::wake(Waiter& waiter) {
-    if (waiter.fiber != nullptr)
+    if (waiter.fiber != nullptr) {
         ready_.push_back(waiter.fiber);
-    else
+    } else {
         waiter.wake.notify_one();
+    }
 }
 
 template <class Done>
@@ -236,8 +253,9 @@ int VirtualClock::releaseHeld() {
 }
 
 void VirtualClock::stoppedRunning() {
-    if (--running_ <= 0)
+    if (--running_ <= 0) {
         settled_.notify_all();
+    }
 }
 
 }  // namespace vplc

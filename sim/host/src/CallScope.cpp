@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "orbel/CallScope.h"
 
 namespace orbel {
@@ -27,8 +28,9 @@ const CSI_base* CallScope::current() {
 }
 
 void CallScope::bindCreated(const CSI_base* driver) {
-    if (!scopeCreating)
+    if (!scopeCreating) {
         return;
+    }
     scopeDriver = driver;
     scopeCreating = false;
 }

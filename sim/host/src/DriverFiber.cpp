@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A jump to another stack is the point of _longjmp here, not a mistake to guard against.
 #undef _FORTIFY_SOURCE
 #include "DriverFiber.h"
@@ -53,8 +54,9 @@ DriverFiber::DriverFiber(ThreadState& owner, std::function<void()> body)
     const std::size_t guard = pageSize();
     void* mapping = mmap(nullptr, kStackSize + guard, PROT_READ | PROT_WRITE,
                          MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK | MAP_NORESERVE, -1, 0);
-    if (mapping == MAP_FAILED)
+    if (mapping == MAP_FAILED) {
         throw std::bad_alloc();
+    }
     stack_ = mapping;
     stackSize_ = kStackSize + guard;
     mprotect(stack_, guard, PROT_NONE);
@@ -81,8 +83,9 @@ DriverFiber* DriverFiber::current() {
 }
 
 void DriverFiber::resume() {
-    if (finished_)
+    if (finished_) {
         return;
+    }
     resumedFrom_ = runningFiber;
     runningFiber = this;
 #ifdef ORBEL_ADDRESS_SANITIZER
@@ -105,8 +108,9 @@ void DriverFiber::resume() {
     __sanitizer_finish_switch_fiber(asanFakeStack_, nullptr, nullptr);
 #endif
     runningFiber = resumedFrom_;
-    if (finished_)
+    if (finished_) {
         releaseStack();
+    }
 }
 
 void DriverFiber::suspend() {
@@ -134,10 +138,12 @@ void DriverFiber::switchOut(bool finishing) {
     tsanInside_ = __tsan_get_current_fiber();
     __tsan_switch_to_fiber(tsanResumer_, 0);
 #endif
-    if (finishing)
+    if (finishing) {
         _longjmp(resumer_, 1);
-    if (_setjmp(inside_) == 0)
+    }
+    if (_setjmp(inside_) == 0) {
         _longjmp(resumer_, 1);
+    }
 #ifdef ORBEL_ADDRESS_SANITIZER
     __sanitizer_finish_switch_fiber(fakeStack, &resumerStackBottom_, &resumerStackSize_);
 #endif
@@ -166,8 +172,9 @@ void resumeFiber(DriverFiber& fiber) {
 }
 
 void suspendFiber() {
-    if (DriverFiber* fiber = DriverFiber::current())
+    if (DriverFiber* fiber = DriverFiber::current()) {
         fiber->suspend();
+    }
 }
 
 }  // namespace orbel

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "DriverRegistry.h"
 
 #include <cstdio>
@@ -40,8 +41,9 @@ std::string DriverRegistry::label(const CSI_base* driver) const {
     {
         std::lock_guard lock(mutex_);
         auto found = drivers_.find(addressOf(driver));
-        if (found != drivers_.end() && !found->second.name.empty())
+        if (found != drivers_.end() && !found->second.name.empty()) {
             return found->second.name;
+        }
     }
     return addressText(driver);
 }
@@ -49,8 +51,9 @@ std::string DriverRegistry::label(const CSI_base* driver) const {
 const CSI_base* DriverRegistry::driverOf(const void* object) const {
     std::lock_guard lock(mutex_);
     auto candidate = drivers_.lower_bound(addressOf(object));
-    if (candidate == drivers_.end())
+    if (candidate == drivers_.end()) {
         return nullptr;
+    }
     const CSI_base* driver = candidate->second.driver;
     return dynamic_cast<const void*>(driver) == object ? driver : nullptr;
 }

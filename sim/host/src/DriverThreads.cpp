@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "orbel/DriverThreads.h"
 
 #include "SI_base.h"
@@ -7,18 +8,21 @@
 namespace orbel {
 
 void endDriverThread(const CSI_base& driver) {
-    if (auto state = ThreadRegistry::instance().startedFor(dynamic_cast<const void*>(&driver)))
+    if (auto state = ThreadRegistry::instance().startedFor(dynamic_cast<const void*>(&driver))) {
         state->end();
+    }
 }
 
 void endAllDriverThreads() {
-    for (const auto& state : ThreadRegistry::instance().all())
+    for (const auto& state : ThreadRegistry::instance().all()) {
         state->end();
+    }
 }
 
 void destroyDriver(CSI_base* driver) {
-    if (driver == nullptr)
+    if (driver == nullptr) {
         return;
+    }
     endDriverThread(*driver);
     delete driver;
 }
@@ -38,8 +42,9 @@ const CSI_base* currentThreadDriver() {
 }
 
 void endIfRequested() {
-    if (endRequested())
+    if (endRequested()) {
         throw ThreadEnd{};
+    }
 }
 
 }  // namespace orbel

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "EventClient.h"
 
 CEventClient::~CEventClient() = default;

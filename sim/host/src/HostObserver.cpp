@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "orbel/HostObserver.h"
 
 #include "ObserverHub.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "orbel/LogFormat.h"
 
 #include <cstddef>
@@ -34,22 +35,25 @@ bool isDigit(char c) {
 Conversion parseConversion(const char* format) {
     Conversion conversion;
     std::size_t i = 1;
-    while (isOneOf(format[i], "-+ #0'"))
+    while (isOneOf(format[i], "-+ #0'")) {
         ++i;
+    }
     if (format[i] == '*') {
         ++conversion.stars;
         ++i;
     }
-    while (isDigit(format[i]))
+    while (isDigit(format[i])) {
         ++i;
+    }
     if (format[i] == '.') {
         ++i;
         if (format[i] == '*') {
             ++conversion.stars;
             ++i;
         }
-        while (isDigit(format[i]))
+        while (isDigit(format[i])) {
             ++i;
+        }
     }
     conversion.body.assign(format + 1, i - 1);
     switch (format[i]) {
@@ -110,8 +114,9 @@ private:
 template <class... Values>
 void appendPrintf(std::string& out, const std::string& conversionFormat, Values... values) {
     const int needed = std::snprintf(nullptr, 0, conversionFormat.c_str(), values...);
-    if (needed <= 0)
+    if (needed <= 0) {
         return;
+    }
     const std::size_t start = out.size();
     const std::size_t count = static_cast<std::size_t>(needed);
     out.resize(start + count + 1);
@@ -123,8 +128,9 @@ class ConversionWriter {
 public:
     ConversionWriter(std::string& out, const Conversion& conversion, Arguments& args)
         : out_(out), conversion_(conversion) {
-        for (int i = 0; i < conversion.stars; ++i)
+        for (int i = 0; i < conversion.stars; ++i) {
             stars_[i] = args.next<int>();
+        }
     }
 
     template <class T>
@@ -212,8 +218,9 @@ void writeConversion(std::string& out, const Conversion& conversion, Arguments& 
         case 'X':
             return writeUnsigned(writer, conversion.size, args);
         case 'c':
-            if (wide)
+            if (wide) {
                 return writer.write("l", args.next<wint_t>());
+            }
             return writer.write("", args.next<int>());
         case 's':
             if (wide) {
@@ -230,8 +237,9 @@ void writeConversion(std::string& out, const Conversion& conversion, Arguments& 
             args.next<void*>();
             return;
         default:
-            if (conversion.size == Length::LongDouble)
+            if (conversion.size == Length::LongDouble) {
                 return writer.write("L", args.next<long double>());
+            }
             return writer.write("", args.next<double>());
     }
 }
@@ -240,8 +248,9 @@ void writeConversion(std::string& out, const Conversion& conversion, Arguments& 
 
 std::string renderLogLine(const char* format, va_list args) {
     std::string out;
-    if (format == nullptr)
+    if (format == nullptr) {
         return out;
+    }
     Arguments arguments(args);
     const char* p = format;
     while (*p != '\0') {
@@ -256,10 +265,11 @@ std::string renderLogLine(const char* format, va_list args) {
             continue;
         }
         const Conversion conversion = parseConversion(p);
-        if (conversion.type == '\0')
+        if (conversion.type == '\0') {
             out.append(p, conversion.length);
-        else
+        } else {
             writeConversion(out, conversion, arguments);
+        }
         p += conversion.length;
     }
     return out;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "LogMessage.h"
 
 #include <cstdarg>
@@ -12,8 +13,9 @@ namespace {
 
 // On a driver thread, the driver that owns it; elsewhere the driver of the innermost call scope.
 const CSI_base* attributedDriver() {
-    if (orbel::isDriverThread())
+    if (orbel::isDriverThread()) {
         return orbel::currentThreadDriver();
+    }
     return orbel::CallScope::current();
 }
 
@@ -30,8 +32,9 @@ extern "C" void logMessage(int level, const char* format, ...) {
     } catch (...) {
     }
     va_end(args);
-    if (!rendered)
+    if (!rendered) {
         return;
+    }
     orbel::ObserverHub::instance().logged(attributedDriver(), level,
                                           format != nullptr ? format : "", text);
 }

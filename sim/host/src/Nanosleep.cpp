@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The library's pause point. Its nanosleep takes the place of the C library's for the whole
 // process (the library comes before the C library in the lookup order). Where the C library's
 // headers redirect nanosleep to a 64-bit-time symbol (32-bit targets with 64-bit time_t), the
@@ -34,8 +35,9 @@ bool isValidRequest(const timespec& request) {
 // A driver thread's pause is where the host ends it: orbel::ThreadEnd is thrown from here when
 // the end is requested before or during the pause.
 extern "C" ORBEL_API int nanosleep(const timespec* request, timespec* remaining) {
-    if (!orbel::isDriverThread())
+    if (!orbel::isDriverThread()) {
         return sleepRealTime(request, remaining);
+    }
     orbel::endIfRequested();
     orbel::PauseClock* clock = orbel::pauseClock();
     if (clock == nullptr) {

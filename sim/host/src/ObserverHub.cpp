@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ObserverHub.h"
 
 #include <algorithm>
@@ -12,8 +13,9 @@ namespace {
 thread_local bool insideCallback = false;
 
 void refuseInsideCallback() {
-    if (insideCallback)
+    if (insideCallback) {
         throw std::logic_error("orbel: observers cannot be added or removed inside a callback");
+    }
 }
 
 template <class Report>
@@ -54,10 +56,12 @@ void ObserverHub::notify(const Report& report) noexcept {
     try {
         std::lock_guard lock(mutex_);
         insideCallback = true;
-        if (observers_.empty())
+        if (observers_.empty()) {
             deliver(report, fallback_);
-        for (HostObserver* observer : observers_)
+        }
+        for (HostObserver* observer : observers_) {
             deliver(report, *observer);
+        }
         insideCallback = false;
     } catch (...) {
         insideCallback = false;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "orbel/PauseClock.h"
 
 #include <atomic>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "PosixThread.h"
 
 #include "ThreadRegistry.h"
@@ -8,8 +9,9 @@ CPosixThread::CPosixThread(long nThreadArg)
 
 CPosixThread::~CPosixThread() {
     try {
-        if (auto state = orbel::ThreadRegistry::instance().remove(*this))
+        if (auto state = orbel::ThreadRegistry::instance().remove(*this)) {
             state->endForDestruction();
+        }
     } catch (...) {
     }
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "orbel/Recorder.h"
 
 #include <utility>
@@ -10,8 +11,9 @@ template <class Record>
 std::vector<Record> ofDriver(const std::vector<Record>& records, const CSI_base* driver) {
     std::vector<Record> result;
     for (const Record& record : records) {
-        if (record.driver == driver)
+        if (record.driver == driver) {
             result.push_back(record);
+        }
     }
     return result;
 }
@@ -93,11 +95,13 @@ bool Recorder::waitUntil(const std::function<bool()>& condition,
     for (;;) {
         const uint64_t seen = version_;
         lock.unlock();
-        if (condition())
+        if (condition()) {
             return true;
+        }
         lock.lock();
-        if (!changed_.wait_until(lock, deadline, [&] { return version_ != seen; }))
+        if (!changed_.wait_until(lock, deadline, [&] { return version_ != seen; })) {
             return false;
+        }
     }
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "SI_base.h"
 
 #include <span>
@@ -37,8 +38,9 @@ void CSI_base::deInitialise() {}
 
 void CSI_base::publishEvent(const stEventParams_t& event) {
     std::span<const uint8_t> payload;
-    if (event.pData != nullptr)
+    if (event.pData != nullptr) {
         payload = std::span<const uint8_t>(event.pData, event.nSize);
+    }
     orbel::ObserverHub::instance().published(this, event.nId, event.nSize, payload);
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "SanitizerFiber.h"
 
 #if defined(__SANITIZE_THREAD__)

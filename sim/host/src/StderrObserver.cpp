@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "StderrObserver.h"
 
 #include <cstdio>
@@ -51,8 +52,9 @@ void StderrObserver::published(const CSI_base* driver, uint32_t id, uint32_t siz
 void StderrObserver::stopped(const CSI_base* driver, const stServiceParams_t* service,
                              std::string_view message) {
     std::string line = lineStart("stop", driver);
-    if (service != nullptr)
+    if (service != nullptr) {
         line += " service " + std::to_string(service->nEventId) + ' ' + service->sServiceType;
+    }
     line += ": ";
     line += message;
     writeLine(std::move(line));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "orbel/StopFlag.h"
 
 #include <atomic>

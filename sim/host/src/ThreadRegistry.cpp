@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ThreadRegistry.h"
 
 namespace orbel {
@@ -18,8 +19,9 @@ ThreadState& ThreadRegistry::add(CPosixThread& owner) {
 std::shared_ptr<ThreadState> ThreadRegistry::remove(const CPosixThread& owner) {
     std::lock_guard lock(mutex_);
     auto found = threads_.find(&owner);
-    if (found == threads_.end())
+    if (found == threads_.end()) {
         return nullptr;
+    }
     std::shared_ptr<ThreadState> state = std::move(found->second);
     threads_.erase(found);
     return state;
@@ -28,8 +30,9 @@ std::shared_ptr<ThreadState> ThreadRegistry::remove(const CPosixThread& owner) {
 std::shared_ptr<ThreadState> ThreadRegistry::startedFor(const void* object) const {
     std::lock_guard lock(mutex_);
     for (const auto& [owner, state] : threads_) {
-        if (state->object() == object)
+        if (state->object() == object) {
             return state;
+        }
     }
     return nullptr;
 }
@@ -38,8 +41,9 @@ std::vector<std::shared_ptr<ThreadState>> ThreadRegistry::all() const {
     std::lock_guard lock(mutex_);
     std::vector<std::shared_ptr<ThreadState>> states;
     states.reserve(threads_.size());
-    for (const auto& [owner, state] : threads_)
+    for (const auto& [owner, state] : threads_) {
         states.push_back(state);
+    }
     return states;
 }
 

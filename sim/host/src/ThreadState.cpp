@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ThreadState.h"
 
 #include <pthread.h>
@@ -20,8 +21,8 @@ namespace orbel {
 
 namespace {
 
-constexpr std::string_view kEndedByHost = "ended by the host";
-constexpr std::string_view kRunReturned = "run() returned";
+constexpr std::string_view kEndedByHost = kThreadEndedByHost;
+constexpr std::string_view kRunReturned = kThreadRunReturned;
 constexpr std::string_view kUnknownException = "an exception of unknown type";
 constexpr std::string_view kDeletedWhileRunning =
     "A driver object was deleted while its thread was running; the host ends the thread.";
@@ -58,8 +59,9 @@ ThreadState::ThreadState(CPosixThread& owner) : owner_(owner) {}
 ThreadState::~ThreadState() = default;
 
 ThreadState* ThreadState::current() {
-    if (DriverFiber* fiber = DriverFiber::current())
+    if (DriverFiber* fiber = DriverFiber::current()) {
         return &fiber->owner();
+    }
     return currentState;
 }
 
@@ -72,8 +74,9 @@ void ThreadState::start() {
             ObserverHub::instance().warn(driver, kStartedWhileRunning);
             return;
         }
-        if (worker_.joinable())
+        if (worker_.joinable()) {
             worker_.join();
+        }
         fiber_.reset();
     }
     object_ = dynamic_cast<const void*>(&owner_);
@@ -86,13 +89,15 @@ void ThreadState::start() {
         startFiber(*clock);
         return;
     }
-    if (clock != nullptr)
+    if (clock != nullptr) {
         clock->threadStarting();
+    }
     try {
         worker_ = std::thread([self = shared_from_this()] { self->run(); });
     } catch (...) {
-        if (clock != nullptr)
+        if (clock != nullptr) {
             clock->threadEnding();
+        }
         throw;
     }
 }
@@ -132,8 +137,9 @@ void ThreadState::runDriver() {
         pauseFiber_ = nullptr;
     }
     finish(how);
-    if (PauseClock* clock = pauseClock())
+    if (PauseClock* clock = pauseClock()) {
         clock->threadEnding();
+    }
 }
 
 std::string ThreadState::runOwner() {
@@ -168,19 +174,23 @@ void ThreadState::finish(std::string_view how) noexcept {
 void ThreadState::join() {
     std::unique_lock lock(mutex_);
     if (fiber_ != nullptr) {
-        if (onOwnThread())
+        if (onOwnThread()) {
             return;
+        }
         lock.unlock();
         // A fiber ends only while it runs; one that pauses again is resumed again.
-        while (!fiber_->finished())
+        while (!fiber_->finished()) {
             fiber_->resume();
+        }
         return;
     }
-    if (!worker_.joinable() || onOwnThread())
+    if (!worker_.joinable() || onOwnThread()) {
         return;
+    }
     endedChanged_.wait(lock, [this] { return ended_; });
-    if (worker_.joinable())
+    if (worker_.joinable()) {
         worker_.join();
+    }
 }
 
 void ThreadState::end() {
@@ -190,33 +200,39 @@ void ThreadState::end() {
         endFiber();
         return;
     }
-    if (!worker_.joinable())
+    if (!worker_.joinable()) {
         return;
+    }
     endRequested_ = true;
-    if (onOwnThread())
+    if (onOwnThread()) {
         return;
+    }
     while (!ended_) {
         wake();
         endedChanged_.wait_for(lock, kWakeInterval, [this] { return ended_; });
     }
-    if (worker_.joinable())
+    if (worker_.joinable()) {
         worker_.join();
+    }
 }
 
 void ThreadState::endFiber() {
     endRequested_ = true;
-    if (onOwnThread())
+    if (onOwnThread()) {
         return;
-    while (!fiber_->finished())
+    }
+    while (!fiber_->finished()) {
         fiber_->resume();
+    }
     std::lock_guard lock(mutex_);
     fiber_.reset();
 }
 
 void ThreadState::endForDestruction() {
     std::unique_lock lock(mutex_);
-    if (!worker_.joinable() && fiber_ == nullptr)
+    if (!worker_.joinable() && fiber_ == nullptr) {
         return;
+    }
     if (onOwnThread()) {
         endRequested_ = true;
         if (fiber_ != nullptr) {
@@ -232,8 +248,9 @@ void ThreadState::endForDestruction() {
     const bool running = !runFinished_;
     const CSI_base* driver = driver_;
     lock.unlock();
-    if (running)
+    if (running) {
         ObserverHub::instance().warn(driver, kDeletedWhileRunning);
+    }
     end();
 }
 
@@ -247,8 +264,9 @@ void ThreadState::wake() {
 }
 
 bool ThreadState::onOwnThread() const {
-    if (fiber_ != nullptr)
+    if (fiber_ != nullptr) {
         return DriverFiber::current() == fiber_.get();
+    }
     return worker_.get_id() == std::this_thread::get_id();
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "OperationDelivery.h"
 
 #include "vplc/PlcDomain.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The HTTP API of `axlsim serve`, against a server started on port 0 with its clock paused so that
 virtual time passes only when a test steps it."""
 import signal

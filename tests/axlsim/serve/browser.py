@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """A real headless Chromium on the live page or the HTML report, through Selenium."""
 import os
 import shutil

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The live page and the HTML report in a real headless Chromium. The live servers start paused,
 so that virtual time passes only when a test clicks a step button."""
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Load on `axlsim serve` over loopback, at speed max: clients following /api/stream while API
 requests come in a loop bounded in count and time. It sends AXLSIM_LOAD_REQUESTS requests: 1,000
 in CI, 10,000 for the full load (the CMake cache variable of the same name)."""

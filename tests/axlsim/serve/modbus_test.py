@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The bus over Modbus TCP: `axlsim serve --modbus 0` against pymodbus as the client, and raw
 sockets for what no well-behaved client sends. Every loop is bounded in count and time."""
 import os

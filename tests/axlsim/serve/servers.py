@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Starts `axlsim serve` on a free port for the tests and talks to it over loopback."""
 import json
 import os

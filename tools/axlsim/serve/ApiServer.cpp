@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/serve/ApiServer.h"
 
 #include <httplib.h>
@@ -7,11 +8,11 @@
 #include <exception>
 #include <string_view>
 
-#include "axlsim/ConfigDocument.h"
-#include "axlsim/ConfigError.h"
-#include "axlsim/ConfigReader.h"
-#include "axlsim/JsonParser.h"
-#include "axlsim/ValueText.h"
+#include "axlsim/configuration/ConfigDocument.h"
+#include "axlsim/configuration/ConfigError.h"
+#include "axlsim/configuration/ConfigReader.h"
+#include "axlsim/configuration/JsonParser.h"
+#include "axlsim/render/ValueText.h"
 
 namespace axlsim {
 
@@ -74,8 +75,9 @@ std::string hostName(const std::string& host) {
 std::optional<uint64_t> sequence(const std::string& text) {
     uint64_t value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || text.empty())
+    if (error != std::errc() || end != text.data() + text.size() || text.empty()) {
         return std::nullopt;
+    }
     return value;
 }
 
@@ -104,16 +106,18 @@ ApiServer::~ApiServer() {
 }
 
 int ApiServer::bind(int port) {
-    if (port == 0)
+    if (port == 0) {
         return server_->bind_to_any_port(settings_.address);
+    }
     return server_->bind_to_port(settings_.address, port) ? port : -1;
 }
 
 void ApiServer::serve() {
     {
         std::lock_guard lock(servingMutex_);
-        if (stopping_)
+        if (stopping_) {
             return;
+        }
         serving_ = true;
     }
     server_->listen_after_bind();
@@ -160,14 +164,16 @@ void ApiServer::routes() {
             return httplib::Server::HandlerResponse::Unhandled;
         });
     server.set_error_handler([](const httplib::Request&, httplib::Response& response) {
-        if (!response.body.empty())
+        if (!response.body.empty()) {
             return;
-        if (response.status == 404)
+        }
+        if (response.status == 404) {
             failure(response, 404, "no such page");
-        else if (response.status == 413)
+        } else if (response.status == 413) {
             failure(response, 413, "the body is larger than 64 KiB");
-        else
+        } else {
             failure(response, response.status, "the request failed");
+        }
     });
     server.set_exception_handler(
         [](const httplib::Request&, httplib::Response& response, std::exception_ptr error) {
@@ -204,14 +210,16 @@ void ApiServer::routes() {
         const nlohmann::json node = body(request);
         const Document doc(kRequest);
         doc.object(node, "", kClockKeys);
-        if (node.contains("speed") == node.contains("action"))
+        if (node.contains("speed") == node.contains("action")) {
             doc.fail("", "a clock request has either \"action\" or \"speed\"");
+        }
         if (node.contains("speed")) {
             const nlohmann::json& speed = node.at("speed");
-            if (speed.is_string() && speed.get<std::string>() == "max")
+            if (speed.is_string() && speed.get<std::string>() == "max") {
                 run_.setMaxSpeed();
-            else
+            } else {
                 run_.setSpeed(doc.number(speed, "/speed", kLowestSpeed, kHighestSpeed));
+            }
         } else {
             const std::string action = doc.text(node.at("action"), "/action");
             if (action == "pause") {
@@ -219,8 +227,9 @@ void ApiServer::routes() {
             } else if (action == "resume") {
                 run_.resume();
             } else if (action == "step") {
-                if (!node.contains("ms"))
+                if (!node.contains("ms")) {
                     doc.fail("", "a step needs its \"ms\"");
+                }
                 run_.step(std::chrono::milliseconds(
                     doc.integer(node.at("ms"), "/ms", 1, kLongestStepMs)));
             } else {
@@ -243,8 +252,9 @@ void ApiServer::routes() {
             }
             const TimelineLog::Lines lines = run_.log().after(since, kMostLines);
             std::string text = "[";
-            for (std::size_t i = 0; i < lines.lines.size(); ++i)
+            for (std::size_t i = 0; i < lines.lines.size(); ++i) {
                 text += (i == 0 ? "" : ",") + lines.lines[i];
+            }
             text += "]";
             response.set_content(text, kJson);
         });
@@ -253,8 +263,9 @@ void ApiServer::routes() {
     });
     server.Post("/api/stop", [this](const httplib::Request&, httplib::Response& response) {
         answer(response, 200, JsonOut{{"stopping", true}});
-        if (settings_.onStop)
+        if (settings_.onStop) {
             settings_.onStop();
+        }
     });
 }
 
@@ -263,12 +274,13 @@ void ApiServer::routes() {
 // yet to read are no longer kept is let go rather than shown a gap.
 void ApiServer::stream(const httplib::Request& request, httplib::Response& response) {
     std::optional<uint64_t> since;
-    if (request.has_param("since"))
+    if (request.has_param("since")) {
         since = sequence(request.get_param_value("since"));
-    else if (request.has_header("Last-Event-ID"))
+    } else if (request.has_header("Last-Event-ID")) {
         since = sequence(request.get_header_value("Last-Event-ID"));
-    else
+    } else {
         since = run_.log().last();
+    }
     if (!since) {
         failure(response, 400, "since: expected a whole number, the last seq seen");
         return;
@@ -297,8 +309,9 @@ void ApiServer::stream(const httplib::Request& request, httplib::Response& respo
                 ++next;
                 text += "id: " + std::to_string(next) + "\ndata: " + line + "\n\n";
             }
-            if (text.empty())
+            if (text.empty()) {
                 text = ": alive\n\n";
+            }
             return sink.write(text.data(), text.size());
         },
         [this](bool) { --streams_; });

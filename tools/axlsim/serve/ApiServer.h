@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <atomic>
@@ -7,7 +8,7 @@
 #include <mutex>
 #include <string>
 
-#include "axlsim/Config.h"
+#include "axlsim/configuration/Config.h"
 #include "axlsim/serve/LiveRun.h"
 
 namespace httplib {

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/serve/HtmlReport.h"
 
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
-#include "axlsim/JsonRenderer.h"
-#include "axlsim/ValueText.h"
+#include "axlsim/render/JsonRenderer.h"
+#include "axlsim/render/ValueText.h"
 #include "axlsim/serve/Assets.h"
 
 namespace axlsim {
@@ -23,8 +24,9 @@ std::string forScript(const std::string& json) {
     out.reserve(json.size());
     for (std::size_t i = 0; i < json.size(); ++i) {
         out += json[i];
-        if (json[i] == '<' && i + 1 < json.size() && json[i + 1] == '/')
+        if (json[i] == '<' && i + 1 < json.size() && json[i + 1] == '/') {
             out += '\\';
+        }
     }
     return out;
 }
@@ -35,18 +37,20 @@ Json summary(const Config& config, const RunResult& result) {
     data["description"] = config.description;
     data["end_ms"] = Json::parse(millisecondsText(result.end));
     Json bus = Json::array();
-    for (vplc::Module module : config.bus)
+    for (vplc::Module module : config.bus) {
         bus.push_back(std::string(vplc::orderName(module)));
+    }
     data["bus"] = bus;
     Json drivers = Json::array();
     for (std::size_t i = 0; i < config.drivers.size(); ++i) {
         const Config::Driver& driver = config.drivers[i];
         Json services = Json::array();
-        for (const auto& [key, service] : driver.services)
+        for (const auto& [key, service] : driver.services) {
             services.push_back(Json{{"key", key},
                                     {"eventId", service.eventId},
                                     {"type", service.type},
                                     {"name", service.name}});
+        }
         drivers.push_back(Json{
             {"name", driver.name}, {"stopped", result.drivers[i].stopped}, {"services", services}});
     }
@@ -74,8 +78,9 @@ void HtmlReport::write(std::ostream& out, const Config& config, const RunResult&
     std::string page = Assets::reportPage();
     const std::string json = forScript(data.dump(-1, ' ', false, Json::error_handler_t::replace));
     const auto mark = page.find(kDataMark);
-    if (mark != std::string::npos)
+    if (mark != std::string::npos) {
         page.replace(mark, kDataMark.size(), json);
+    }
     out << page;
 }
 

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <ostream>
 
-#include "axlsim/Config.h"
-#include "axlsim/RunResult.h"
+#include "axlsim/configuration/Config.h"
+#include "axlsim/run/RunResult.h"
 
 namespace axlsim {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/serve/LiveRun.h"
 
 #include <algorithm>
@@ -30,8 +31,9 @@ LiveRun::LiveRun(const Config& config, const DriverLibrary& library, const Optio
     // Read only by the run's thread, once the run has started.
     playerOptions_.live = [this](const Happening& happening) {
         state_.saw(happening);
-        if (auto line = renderer_.line(happening))
+        if (auto line = renderer_.line(happening)) {
             log_.append(std::move(*line));
+        }
     };
     run_.forgetShown();
 }
@@ -47,13 +49,15 @@ void LiveRun::start() {
 void LiveRun::stop() {
     {
         std::lock_guard lock(mutex_);
-        if (stopping_ && !thread_.joinable())
+        if (stopping_ && !thread_.joinable()) {
             return;
+        }
         stopping_ = true;
     }
     wake_.notify_all();
-    if (thread_.joinable())
+    if (thread_.joinable()) {
         thread_.join();
+    }
     log_.close();
 }
 
@@ -62,8 +66,9 @@ void LiveRun::call(Task task) {
     std::future<void> finished = done->get_future();
     {
         std::lock_guard lock(mutex_);
-        if (stopping_ || ended_)
+        if (stopping_ || ended_) {
             throw std::runtime_error("the run has ended");
+        }
         calls_.push_back(Call{std::move(task), done});
     }
     wake_.notify_all();
@@ -80,8 +85,9 @@ std::chrono::nanoseconds LiveRun::perform(std::vector<Config::Step> steps) {
     std::chrono::nanoseconds at{0};
     call([this, &steps, &at] {
         at = run_.now();
-        for (const Config::Step& step : steps)
+        for (const Config::Step& step : steps) {
             run_.perform(step);
+        }
         publish();
     });
     return at;
@@ -98,8 +104,9 @@ void LiveRun::showInState(std::string key, std::function<nlohmann::ordered_json(
 nlohmann::ordered_json LiveRun::state() {
     nlohmann::ordered_json result;
     call([this, &result] { result = state_.render(clockState(), run_.plant()); });
-    for (const auto& [key, value] : shownInState_)
+    for (const auto& [key, value] : shownInState_) {
         result[key] = value();
+    }
     return result;
 }
 
@@ -177,13 +184,15 @@ void LiveRun::loop() {
             const bool busy = !pace_.paused && pace_.maxSpeed;
             auto asked = [this] { return stopping_ || !calls_.empty(); };
             if (!busy && !asked()) {
-                if (pace_.paused)
+                if (pace_.paused) {
                     wake_.wait(lock, asked);
-                else
+                } else {
                     wake_.wait_for(lock, kTick, asked);
+                }
             }
-            if (stopping_)
+            if (stopping_) {
                 break;
+            }
             calls.swap(calls_);
         }
         for (Call& call : calls) {
@@ -194,8 +203,9 @@ void LiveRun::loop() {
                 call.done->set_exception(std::current_exception());
             }
         }
-        if (!pace_.paused)
+        if (!pace_.paused) {
             playToWallClock();
+        }
     }
     std::deque<Call> abandoned;
     {
@@ -203,8 +213,9 @@ void LiveRun::loop() {
         ended_ = true;
         abandoned.swap(calls_);
     }
-    for (Call& call : abandoned)
+    for (Call& call : abandoned) {
         call.done->set_exception(std::make_exception_ptr(std::runtime_error("the run has ended")));
+    }
     run_.finish();
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <chrono>
@@ -15,11 +16,11 @@
 #include <utility>
 #include <vector>
 
-#include "axlsim/Config.h"
-#include "axlsim/DriverLibrary.h"
-#include "axlsim/JsonRenderer.h"
-#include "axlsim/ScenarioPlayer.h"
-#include "axlsim/ScenarioRun.h"
+#include "axlsim/configuration/Config.h"
+#include "axlsim/render/JsonRenderer.h"
+#include "axlsim/run/DriverLibrary.h"
+#include "axlsim/run/ScenarioPlayer.h"
+#include "axlsim/run/ScenarioRun.h"
 #include "axlsim/serve/LiveState.h"
 #include "axlsim/serve/TimelineLog.h"
 

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/serve/LiveState.h"
 
 #include <cstring>
 
 #include "axlsim/Overloaded.h"
-#include "axlsim/ProcessData.h"
-#include "axlsim/ValueText.h"
+#include "axlsim/render/ValueText.h"
+#include "axlsim/run/ProcessData.h"
 
 namespace axlsim {
 
@@ -18,8 +19,9 @@ Json milliseconds(std::chrono::nanoseconds t) {
 
 Json pinOf(const Config::Service& service) {
     const auto pin = service.params.find("PinNum");
-    if (pin == service.params.end())
+    if (pin == service.params.end()) {
         return nullptr;
+    }
     try {
         return std::stoi(pin->second);
     } catch (const std::exception&) {
@@ -67,12 +69,14 @@ void LiveState::saw(const Happening& happening) {
                        published_[{driver, publish.id}] = publish.bytes;
                    },
                    [&](const Happening::Event& event) {
-                       if (event.payload)
+                       if (event.payload) {
                            received_[{driver, event.id}] = *event.payload;
+                       }
                    },
                    [&](const Happening::Stop& stop) {
-                       if (driver >= 0 && static_cast<std::size_t>(driver) < drivers_.size())
+                       if (driver >= 0 && static_cast<std::size_t>(driver) < drivers_.size()) {
                            drivers_[static_cast<std::size_t>(driver)] = {true, stop.message};
+                       }
                    },
                    [&](const Happening::Restart&) { ++restarts_; },
                    [](const auto&) {},
@@ -84,18 +88,22 @@ Json LiveState::lastValue(int driver, const Config::Service& service) const {
     const auto key = std::make_pair(driver, service.eventId);
     if (service.type == "DigitalIn" || service.type == "AnalogIn") {
         const auto published = published_.find(key);
-        if (published == published_.end())
+        if (published == published_.end()) {
             return nullptr;
+        }
         const auto value = catalog_.publishedValue(driver, service.eventId, published->second);
-        if (!value)
+        if (!value) {
             return nullptr;
-        if (const auto* byte = std::get_if<uint8_t>(&*value))
+        }
+        if (const auto* byte = std::get_if<uint8_t>(&*value)) {
             return *byte;
+        }
         return floatForJson(std::get<float>(*value));
     }
     const auto received = received_.find(key);
-    if (received == received_.end() || received->second.empty())
+    if (received == received_.end() || received->second.empty()) {
         return nullptr;
+    }
     const std::vector<uint8_t>& bytes = received->second;
     switch (catalog_.receiverOf(driver, service.eventId)) {
         case EventCatalog::Receiver::Analog:
@@ -118,8 +126,9 @@ Json LiveState::render(const Clock& clock, const vplc::Plant& plant) const {
     state["paused"] = clock.paused;
     state["speed"] = clock.maxSpeed ? Json("max") : Json(clock.speed);
     Json bus = Json::array();
-    for (std::size_t i = 0; i < config_.bus.size(); ++i)
+    for (std::size_t i = 0; i < config_.bus.size(); ++i) {
         bus.push_back(moduleState(static_cast<int>(i + 1), config_.bus[i], plant));
+    }
     state["bus"] = bus;
     Json drivers = Json::array();
     for (std::size_t i = 0; i < config_.drivers.size(); ++i) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <chrono>
@@ -7,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "axlsim/Config.h"
-#include "axlsim/EventCatalog.h"
-#include "axlsim/Happening.h"
+#include "axlsim/configuration/Config.h"
+#include "axlsim/configuration/EventCatalog.h"
+#include "axlsim/run/Happening.h"
 #include "vplc/Plant.h"
 
 namespace axlsim {

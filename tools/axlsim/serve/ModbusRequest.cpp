@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/serve/ModbusRequest.h"
 
 #include <modbus/modbus.h>
@@ -61,11 +62,13 @@ std::size_t valueBytes(ModbusMap::Table table, int count) {
 }  // namespace
 
 int ModbusRequest::frameLength(std::span<const uint8_t> bytes) {
-    if (bytes.size() < kHeader)
+    if (bytes.size() < kHeader) {
         return 0;
+    }
     const int length = wordAt(bytes, kLengthAt);
-    if (wordAt(bytes, 2) != 0 || length < kLeastLength || length > kMostLength)
+    if (wordAt(bytes, 2) != 0 || length < kLeastLength || length > kMostLength) {
         return -1;
+    }
     const int whole = static_cast<int>(kLengthAt) + 2 + length;
     return bytes.size() < static_cast<std::size_t>(whole) ? 0 : whole;
 }
@@ -74,50 +77,59 @@ ModbusRequest ModbusRequest::read(std::span<const uint8_t> frame, const ModbusMa
     const auto found = std::find_if(kFunctions.begin(), kFunctions.end(), [&](const Function& f) {
         return f.code == frame[kFunctionAt];
     });
-    if (found == kFunctions.end())
+    if (found == kFunctions.end()) {
         return failed(kIllegalFunction);
+    }
     const Function& function = *found;
     const std::span<const uint8_t> data = frame.subspan(kDataAt);
-    if (data.size() < 4)
+    if (data.size() < 4) {
         return failed(kIllegalDataValue);
+    }
     const int address = wordAt(data, 0);
     const int count = function.single ? 1 : wordAt(data, 2);
-    if (count < 1 || count > function.most)
+    if (count < 1 || count > function.most) {
         return failed(kIllegalDataValue);
+    }
     std::span<const uint8_t> values;
     if (function.single) {
-        if (data.size() != 4)
+        if (data.size() != 4) {
             return failed(kIllegalDataValue);
+        }
         values = data.subspan(2);
         if (function.table == ModbusMap::Table::Coils && wordAt(values, 0) != kCoilOn &&
-            wordAt(values, 0) != 0)
+            wordAt(values, 0) != 0) {
             return failed(kIllegalDataValue);
+        }
     } else if (function.write) {
         const std::size_t bytes = valueBytes(function.table, count);
-        if (data.size() < 5 || data[4] != bytes || data.size() != 5 + bytes)
+        if (data.size() < 5 || data[4] != bytes || data.size() != 5 + bytes) {
             return failed(kIllegalDataValue);
+        }
         values = data.subspan(5);
     } else if (data.size() != 4) {
         return failed(kIllegalDataValue);
     }
     const auto pins = map.pins(function.table, address, count);
-    if (!pins)
+    if (!pins) {
         return failed(kIllegalDataAddress);
+    }
 
     ModbusRequest request;
     request.table = function.table;
     request.pins = *pins;
     request.write = function.write;
-    if (!function.write)
+    if (!function.write) {
         return request;
+    }
     for (int n = 0; n < count; ++n) {
         const auto at = static_cast<std::size_t>(n);
-        if (function.table == ModbusMap::Table::HoldingRegisters)
+        if (function.table == ModbusMap::Table::HoldingRegisters) {
             request.values.push_back(wordAt(values, 2 * at));
-        else if (function.single)
+        } else if (function.single) {
             request.values.push_back(wordAt(values, 0) == kCoilOn ? 1 : 0);
-        else
+        } else {
             request.values.push_back((values[at / 8] >> (at % 8)) & 1);
+        }
     }
     return request;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/serve/ModbusServer.h"
 
 #include <fcntl.h>
@@ -13,7 +14,7 @@
 #include <cerrno>
 #include <exception>
 
-#include "axlsim/ProcessData.h"
+#include "axlsim/run/ProcessData.h"
 
 namespace axlsim {
 
@@ -29,8 +30,9 @@ void setNonBlocking(int socket) {
 int boundPort(int socket) {
     sockaddr_in address{};
     socklen_t length = sizeof address;
-    if (getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0)
+    if (getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
         return -1;
+    }
     return ntohs(address.sin_port);
 }
 
@@ -50,28 +52,34 @@ ModbusServer::ModbusServer(const Config& config, LiveRun& run)
     : run_(run),
       map_(config.bus),
       tables_(modbus_mapping_new(map_.size(), map_.size(), map_.size(), map_.size())) {
-    if (pipe2(wake_, O_CLOEXEC) != 0)
+    if (pipe2(wake_, O_CLOEXEC) != 0) {
         wake_[0] = wake_[1] = -1;
+    }
 }
 
 ModbusServer::~ModbusServer() {
-    for (Connection& connection : connections_)
+    for (Connection& connection : connections_) {
         close(connection.socket);
-    for (int end : wake_) {
-        if (end >= 0)
-            close(end);
     }
-    if (listener_ >= 0)
+    for (int end : wake_) {
+        if (end >= 0) {
+            close(end);
+        }
+    }
+    if (listener_ >= 0) {
         close(listener_);
+    }
 }
 
 int ModbusServer::bind(const std::string& address, int port) {
     context_.reset(modbus_new_tcp(address.c_str(), port));
-    if (!context_ || !tables_ || wake_[0] < 0)
+    if (!context_ || !tables_ || wake_[0] < 0) {
         return -1;
+    }
     listener_ = modbus_tcp_listen(context_.get(), kBacklog);
-    if (listener_ < 0)
+    if (listener_ < 0) {
         return -1;
+    }
     setNonBlocking(listener_);
     return boundPort(listener_);
 }
@@ -85,11 +93,13 @@ void ModbusServer::stop() {
 int ModbusServer::pollTimeout(std::chrono::steady_clock::time_point now) const {
     std::optional<std::chrono::steady_clock::time_point> first;
     for (const Connection& connection : connections_) {
-        if (connection.partialSince && (!first || *connection.partialSince < *first))
+        if (connection.partialSince && (!first || *connection.partialSince < *first)) {
             first = connection.partialSince;
+        }
     }
-    if (!first)
+    if (!first) {
         return -1;
+    }
     const auto left = *first + kPartialFrameTimeout - now;
     return static_cast<int>(
         std::max<long long>(0, std::chrono::ceil<std::chrono::milliseconds>(left).count()));
@@ -101,13 +111,16 @@ void ModbusServer::serve() {
         polled.clear();
         polled.push_back({wake_[0], POLLIN, 0});
         polled.push_back({listener_, POLLIN, 0});
-        for (const Connection& connection : connections_)
+        for (const Connection& connection : connections_) {
             polled.push_back({connection.socket, POLLIN, 0});
+        }
         if (poll(polled.data(), polled.size(), pollTimeout(std::chrono::steady_clock::now())) < 0 &&
-            errno != EINTR)
+            errno != EINTR) {
             return;
-        if (polled[0].revents != 0)
+        }
+        if (polled[0].revents != 0) {
             return;
+        }
         const auto now = std::chrono::steady_clock::now();
         // Connections accepted below are after the polled ones, so the indexes stay true.
         for (std::size_t i = connections_.size(); i-- > 0;) {
@@ -116,21 +129,24 @@ void ModbusServer::serve() {
             const bool open = ready ? receive(connection) : true;
             const bool stalled =
                 connection.partialSince && now - *connection.partialSince >= kPartialFrameTimeout;
-            if (open && !stalled)
+            if (open && !stalled) {
                 continue;
+            }
             close(connection.socket);
             connections_.erase(connections_.begin() + static_cast<std::ptrdiff_t>(i));
             --clients_;
         }
-        if (polled[1].revents != 0)
+        if (polled[1].revents != 0) {
             accept();
+        }
     }
 }
 
 void ModbusServer::accept() {
     const int socket = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-    if (socket < 0)
+    if (socket < 0) {
         return;
+    }
     if (connections_.size() >= static_cast<std::size_t>(kMaxClients)) {
         close(socket);
         return;
@@ -145,43 +161,51 @@ void ModbusServer::accept() {
 bool ModbusServer::receive(Connection& connection) {
     std::array<uint8_t, kReadChunk> chunk{};
     const ssize_t got = recv(connection.socket, chunk.data(), chunk.size(), 0);
-    if (got == 0)
+    if (got == 0) {
         return false;
-    if (got < 0)
+    }
+    if (got < 0) {
         return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
+    }
     std::vector<uint8_t>& bytes = connection.bytes;
     bytes.insert(bytes.end(), chunk.begin(), chunk.begin() + got);
     std::size_t used = 0;
     for (;;) {
         const auto rest = std::span<const uint8_t>(bytes).subspan(used);
         const int length = ModbusRequest::frameLength(rest);
-        if (length < 0)
+        if (length < 0) {
             return false;
-        if (length == 0)
+        }
+        if (length == 0) {
             break;
-        if (!answer(connection.socket, rest.first(static_cast<std::size_t>(length))))
+        }
+        if (!answer(connection.socket, rest.first(static_cast<std::size_t>(length)))) {
             return false;
+        }
         used += static_cast<std::size_t>(length);
     }
     bytes.erase(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(used));
-    if (bytes.empty())
+    if (bytes.empty()) {
         connection.partialSince.reset();
-    else if (!connection.partialSince)
+    } else if (!connection.partialSince) {
         connection.partialSince = std::chrono::steady_clock::now();
+    }
     return true;
 }
 
 bool ModbusServer::answer(int socket, std::span<const uint8_t> frame) {
     const ModbusRequest request = ModbusRequest::read(frame, map_);
     modbus_set_socket(context_.get(), socket);
-    if (request.exception != 0)
+    if (request.exception != 0) {
         return modbus_reply_exception(context_.get(), frame.data(),
                                       static_cast<unsigned>(request.exception)) >= 0;
+    }
     try {
-        if (request.write)
+        if (request.write) {
             write(request);
-        else
+        } else {
             read(request);
+        }
     } catch (const std::exception&) {
         // The run has ended: the server is about to stop as well.
         return false;

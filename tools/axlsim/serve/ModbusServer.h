@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <atomic>
@@ -9,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "axlsim/Config.h"
+#include "axlsim/configuration/Config.h"
 #include "axlsim/serve/LiveRun.h"
 #include "axlsim/serve/ModbusMap.h"
 #include "axlsim/serve/ModbusRequest.h"

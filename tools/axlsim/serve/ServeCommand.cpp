@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/serve/ServeCommand.h"
 
 #include <pthread.h>
@@ -12,7 +13,7 @@
 #include <string>
 #include <thread>
 
-#include "axlsim/InterruptSignals.h"
+#include "axlsim/run/InterruptSignals.h"
 #include "axlsim/serve/ApiServer.h"
 #include "axlsim/serve/Assets.h"
 #include "axlsim/serve/LiveRun.h"
@@ -38,8 +39,9 @@ std::optional<LiveRun::Options> paceOf(const ServeCommand::Request& request) {
     double speed = 0;
     const char* end = request.speed.data() + request.speed.size();
     const auto [stop, error] = std::from_chars(request.speed.data(), end, speed);
-    if (error != std::errc() || stop != end || !(speed >= kLowestSpeed && speed <= kHighestSpeed))
+    if (error != std::errc() || stop != end || !(speed >= kLowestSpeed && speed <= kHighestSpeed)) {
         return std::nullopt;
+    }
     options.speed = speed;
     return options;
 }
@@ -53,21 +55,24 @@ struct Endpoint {
 std::optional<Endpoint> endpointOf(const std::string& text) {
     Endpoint endpoint;
     const auto colon = text.rfind(':');
-    if (colon != std::string::npos)
+    if (colon != std::string::npos) {
         endpoint.address = text.substr(0, colon);
+    }
     const std::string port = colon == std::string::npos ? text : text.substr(colon + 1);
     const char* end = port.data() + port.size();
     const auto [stop, error] = std::from_chars(port.data(), end, endpoint.port);
     if (port.empty() || error != std::errc() || stop != end || endpoint.port < 0 ||
-        endpoint.port > 65535 || endpoint.address.empty())
+        endpoint.port > 65535 || endpoint.address.empty()) {
         return std::nullopt;
+    }
     return endpoint;
 }
 
 void warnIfOpen(const std::string& address, const char* who) {
-    if (address != kLoopback)
+    if (address != kLoopback) {
         std::cerr << "axlsim: warning: listening on " << address << ": anyone who can reach it"
                   << who << " can drive the plant\n";
+    }
 }
 
 // Ctrl-C and SIGTERM are taken by the main thread alone, which waits for them: blocked here,
@@ -86,8 +91,9 @@ std::string waitForEnd(const sigset_t& signals, const std::atomic<bool>& stopAsk
     // Looks for POST /api/stop every tenth of a second while waiting for a signal.
     const timespec patience{0, 100'000'000};
     while (!stopAsked) {
-        if (const int signal = sigtimedwait(&signals, nullptr, &patience); signal > 0)
+        if (const int signal = sigtimedwait(&signals, nullptr, &patience); signal > 0) {
             return InterruptSignals::name(signal);
+        }
     }
     return "POST /api/stop";
 }
@@ -146,17 +152,20 @@ int ServeCommand::serve(const Config& config, const DriverLibrary& library,
     }
     std::cout << "axlsim serve: http://" << request.listen << ':' << port
               << "/?token=" << settings.token << std::endl;
-    if (modbusAt)
+    if (modbusAt) {
         std::cout << "axlsim modbus: " << modbusAt->address << ':' << modbusAt->port << std::endl;
+    }
     warnIfOpen(request.listen, " and has the token");
-    if (modbusAt)
+    if (modbusAt) {
         warnIfOpen(modbusAt->address, " over Modbus");
+    }
 
     live.start();
     std::thread http([&server] { server.serve(); });
     std::thread bus;
-    if (modbus)
+    if (modbus) {
         bus = std::thread([&modbus] { modbus->serve(); });
+    }
     const std::string ending = waitForEnd(signals, stopAsked);
     server.stop();
     http.join();

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <string>
 
-#include "axlsim/Config.h"
-#include "axlsim/DriverLibrary.h"
+#include "axlsim/configuration/Config.h"
+#include "axlsim/run/DriverLibrary.h"
 
 namespace axlsim {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/serve/TimelineLog.h"
 
 #include <algorithm>
@@ -36,8 +37,9 @@ TimelineLog::Lines TimelineLog::afterLocked(uint64_t seq, std::size_t most) cons
     Lines result;
     result.first = std::max(seq + 1, first_);
     const uint64_t end = first_ + lines_.size();
-    for (uint64_t s = result.first; s < end && result.lines.size() < most; ++s)
+    for (uint64_t s = result.first; s < end && result.lines.size() < most; ++s) {
         result.lines.push_back(lines_[static_cast<std::size_t>(s - first_)]);
+    }
     return result;
 }
 

@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: MIT
 #include "axlsim/serve/Token.h"
 
 #include <cstdint>
 #include <random>
 #include <vector>
 
-#include "axlsim/Hex.h"
+#include "axlsim/configuration/Hex.h"
 
 namespace axlsim {
 
@@ -14,8 +15,9 @@ std::string Token::fresh() {
     std::vector<uint8_t> bytes;
     for (int i = 0; i < 4; ++i) {
         const uint32_t word = source();
-        for (int shift = 0; shift < 32; shift += 8)
+        for (int shift = 0; shift < 32; shift += 8) {
             bytes.push_back(static_cast<uint8_t>(word >> shift));
+        }
     }
     return toHex(bytes);
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 // Entry points of the controller's PLC C interface stay visible to libraries that are built with

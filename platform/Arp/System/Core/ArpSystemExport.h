@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 // Classes and functions of the Arp runtime libraries whose symbols, type information and virtual

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <cxxabi.h>
 
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Arp/System/Core/Exception.hpp"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Arp/System/Commons/Exceptions/Exceptions.h"
 
 namespace Arp::System::Commons {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Arp/System/Commons/Text/Formatter.hpp"
 
 #include <charconv>

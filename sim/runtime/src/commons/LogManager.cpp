@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Arp/System/Commons/Diagnostics/Logging/LogManager.hpp"
 
 #include "RuntimeCall.h"

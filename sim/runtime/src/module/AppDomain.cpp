@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Arp/System/Core/AppDomain.hpp"
 
 #include "Arp/System/Core/Arp.h"

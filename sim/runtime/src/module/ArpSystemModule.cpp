@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Arp/System/Module/ArpSystemModule.h"
 
 #include <stdexcept>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ForeignRscService.h"
 
 #include "RuntimeState.h"

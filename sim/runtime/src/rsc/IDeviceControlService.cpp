@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Arp/Device/Interface/Services/IDeviceControlService.hpp"
 
 namespace Arp::Device::Interface::Services {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Arp/System/Rsc/Services/IRscService.hpp"
 
 namespace Arp::System::Rsc::Services {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Arp/System/Rsc/Services/IRscServiceProxyFactory.hpp"
 
 namespace Arp::System::Rsc::Services {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Arp/System/Rsc/RscManager.hpp"
 
 #include "RuntimeCall.h"

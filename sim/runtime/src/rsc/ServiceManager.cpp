@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "Arp/System/Rsc/ServiceManager.hpp"
 
 #include <string_view>

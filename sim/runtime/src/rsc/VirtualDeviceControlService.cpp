@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "VirtualDeviceControlService.h"
 
 #include "RuntimeCall.h"

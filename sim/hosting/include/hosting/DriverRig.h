@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "SI_base.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/DriverPtr.h"
+#include "orbel/Recorder.h"
+#include "vplc/Plant.h"
+#include "vplc/VirtualClock.h"
+
+namespace hosting {
+
+// A host with one driver on the virtual controller, on virtual time. The bus holds the digital
+// module at position 1 and the analog module at position 2. Scans are held at their start, so
+// that the test lets the driver thread through one scan at a time and nothing runs in between.
+//
+// The members are made in the order the host needs them and go in reverse: the driver (its
+// thread ended first) before the plant, the plant before the clock.
+class DriverRig {
+public:
+    static constexpr int kDigitalPosition = 1;
+    static constexpr int kAnalogPosition = 2;
+
+    DriverRig();
+    ~DriverRig();
+    DriverRig(const DriverRig&) = delete;
+    DriverRig& operator=(const DriverRig&) = delete;
+
+    // Through the exported factory, as a host does; the version line is attributed to it.
+    CSI_base& create(const DriverConfig& records);
+
+    // Takes a driver that `construct` makes, attributing its version line to it.
+    CSI_base& adopt(const std::function<CSI_base*()>& construct);
+
+    // Holds scans first, so that a started thread waits at the start of its initial publication.
+    void initialize();
+
+    // Lets the driver thread through one scan start and runs its scan until it is back at the
+    // next scan start. The first call after initialize() runs the initial publication.
+    void passGate();
+
+    // Delivers an event as the host does. The payload buffer holds at least four bytes, as a host
+    // keeps for every event, whatever `size` says.
+    void deliver(uint32_t id, std::vector<uint8_t> payload, uint32_t size);
+    void deliver(uint32_t id, std::vector<uint8_t> payload);
+    void deliverFloat(uint32_t id, float value);
+    void deliverNull(uint32_t id);
+
+    // Ends the driver's thread and deletes the driver.
+    void destroy();
+
+    bool threadStarted() const;
+
+    CSI_base& driver() { return *driver_; }
+    orbel::Recorder& recorder() { return recorder_; }
+    vplc::VirtualClock& clock() { return clock_; }
+    vplc::Plant& plant() { return plant_; }
+
+private:
+    orbel::Recorder recorder_;
+    vplc::VirtualClock clock_;
+    vplc::Plant plant_;
+    DriverPtr<> driver_;
+};
+
+}  // namespace hosting

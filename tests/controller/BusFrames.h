@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "GdsAccess.h"
+#include "vplc/Plant.h"
+
+namespace controllertest {
+
+// A bus of one digital module with both of its frame buffers acquired, as a driver holds them;
+// released when the test ends.
+class BusFrames : public ::testing::Test {
+protected:
+    ~BusFrames() override {
+        ArpPlcIo_ReleaseGdsBuffer(out_);
+        ArpPlcIo_ReleaseGdsBuffer(in_);
+    }
+
+    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8});
+    TGdsBuffer* in_ = acquire("1:IN");
+    TGdsBuffer* out_ = acquire("1:OUT");
+};
+
+}  // namespace controllertest

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#include "FaultRow.h"
+
+#include <cstring>
+
+#include "hosting/DriverRig.h"
+
+namespace faultmatrix {
+
+using hosting::DriverRig;
+
+DriverConfig digitalRecords() {
+    return DriverConfig::digital(DriverRig::kDigitalPosition)
+        .digitalIn(kDigitalIn, "3")
+        .digitalOut(kPin5, "5", "1")
+        .digitalOut(kPin6, "6", "0")
+        .restart(kRestart);
+}
+
+DriverConfig analogRecords() {
+    return DriverConfig::analog(DriverRig::kAnalogPosition)
+        .analogIn(kAnalogIn, "0")
+        .analogOut(kChannel1, "1", "5")
+        .restart(kRestart);
+}
+
+Payload floatBytes(float value) {
+    Payload bytes(sizeof value);
+    std::memcpy(bytes.data(), &value, sizeof value);
+    return bytes;
+}
+
+LoggedLine failure(const char* format, const std::string& error) {
+    std::string text = format;
+    text.replace(text.find("%s"), 2, error);
+    return {2, format, text};
+}
+
+LoggedLine notice(const char* text) {
+    return {4, text, text};
+}
+
+void PrintTo(const FaultRow& row, std::ostream* out) {
+    *out << row.call << " at " << row.site;
+}
+
+}  // namespace faultmatrix

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "FaultRowTest.h"
+
+#include <vector>
+
+#include "MatrixPrinter.h"
+#include "Scenario.h"
+#include "hosting/DriverRig.h"
+#include "orbel/Recorder.h"
+#include "vplc/Plant.h"
+
+namespace faultmatrix {
+
+namespace {
+
+std::string balanceOf(const vplc::Plant& plant) {
+    return "R " + std::to_string(plant.calls(kBeginRead)) + "/" +
+           std::to_string(plant.calls(kEndRead)) + ", W " +
+           std::to_string(plant.calls(kBeginWrite)) + "/" + std::to_string(plant.calls(kEndWrite));
+}
+
+}  // namespace
+
+std::string FaultRowTest::nameOf(const testing::TestParamInfo<FaultRow>& info) {
+    return info.param.name;
+}
+
+void FaultRowTest::runRow() {
+    const FaultRow& row = GetParam();
+    SCOPED_TRACE(row.call + " at " + row.site);
+    MatrixPrinter& printer = MatrixPrinter::instance();
+    DriverRig rig;
+    Scenario scenario(row, rig);
+    row.run(scenario);
+
+    const vplc::Plant& plant = rig.plant();
+    EXPECT_EQ(plant.openLocks(), 0);
+    EXPECT_EQ(plant.calls(kBeginRead), plant.calls(kEndRead));
+    EXPECT_EQ(plant.calls(kBeginWrite), plant.calls(kEndWrite));
+    const std::string balance = balanceOf(plant);
+
+    rig.destroy();
+    // Every buffer the module asked for is given back at teardown, whether it came or not.
+    EXPECT_EQ(plant.calls(kRelease), plant.calls(kGetBuffer));
+    EXPECT_EQ(plant.buffersHeld(), row.buffersKept);
+    EXPECT_EQ(rig.recorder().threadExits().size(), rig.recorder().threadStarts().size());
+    EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), row.log);
+    std::vector<std::string> stops;
+    for (const orbel::Stop& stop : rig.recorder().stops()) {
+        stops.push_back(stop.message);
+    }
+    EXPECT_EQ(stops, row.stops);
+    if (!row.error.empty()) {
+        EXPECT_GT(plant.calls(row.call), 0) << "the failing call was never made";
+    }
+    printer.add({row.call, row.site, MatrixPrinter::describe(row.log), row.neutral, balance,
+                 row.teardown, row.next, !HasFailure()});
+}
+
+}  // namespace faultmatrix

@@ -32,8 +32,9 @@ std::string slurp(const std::string& path) {
 class TemporaryFiles {
 public:
     ~TemporaryFiles() {
-        for (const std::string& path : paths_)
+        for (const std::string& path : paths_) {
             unlink(path.c_str());
+        }
     }
 
     void add(const std::string& path) { paths_.push_back(path); }

@@ -123,11 +123,13 @@ TEST(Plant, InputsSetWhileAnotherThreadScansReachTheFrameLastValueLast) {
     auto plant = Plant::of({Module::DI8_DO8});
     constexpr int kRounds = 2000;
     std::thread scan([] {
-        for (int round = 0; round < kRounds; ++round)
+        for (int round = 0; round < kRounds; ++round) {
             ASSERT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
+        }
     });
-    for (int round = 0; round < kRounds; ++round)
+    for (int round = 0; round < kRounds; ++round) {
         plant.setDigitalInputs(1, static_cast<uint8_t>(round));
+    }
     scan.join();
     ASSERT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
     EXPECT_EQ(plant.inputsInGds(1), std::vector<uint8_t>{static_cast<uint8_t>(kRounds - 1)});

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ControllerLock.h"
 
 #include <thread>
@@ -10,8 +11,9 @@ namespace {
 class ThreadFlag {
 public:
     ~ThreadFlag() {
-        if (lock_ != nullptr)
+        if (lock_ != nullptr) {
             lock_->returnFlag(flag_);
+        }
     }
 
     std::size_t of(ControllerLock& lock) {
@@ -50,32 +52,36 @@ std::size_t ControllerLock::claimFlag() {
 }
 
 void ControllerLock::returnFlag(std::size_t flag) {
-    if (flag != kShared)
+    if (flag != kShared) {
         flags_[flag].taken.store(false, std::memory_order_relaxed);
+    }
 }
 
 void ControllerLock::enter(std::size_t flag) {
     // Sequentially consistent, with the writer's: either this reader sees the writer, or the
     // writer sees this reader.
-    if (flag == kShared)
+    if (flag == kShared) {
         sharedReaders_.fetch_add(1, std::memory_order_seq_cst);
-    else
+    } else {
         flags_[flag].reading.store(true, std::memory_order_seq_cst);
+    }
 }
 
 void ControllerLock::leave(std::size_t flag) {
-    if (flag == kShared)
+    if (flag == kShared) {
         sharedReaders_.fetch_sub(1, std::memory_order_release);
-    else
+    } else {
         flags_[flag].reading.store(false, std::memory_order_release);
+    }
 }
 
 void ControllerLock::lock_shared() {
     const std::size_t flag = threadFlag.of(*this);
     for (;;) {
         enter(flag);
-        if (!writing_.load(std::memory_order_seq_cst))
+        if (!writing_.load(std::memory_order_seq_cst)) {
             return;
+        }
         leave(flag);
         writing_.wait(true, std::memory_order_acquire);
     }
@@ -90,11 +96,13 @@ void ControllerLock::lock() {
     writing_.store(true, std::memory_order_seq_cst);
     const std::size_t inUse = flagsInUse_.load(std::memory_order_seq_cst);
     for (std::size_t flag = 0; flag < inUse; ++flag) {
-        while (flags_[flag].reading.load(std::memory_order_seq_cst))
+        while (flags_[flag].reading.load(std::memory_order_seq_cst)) {
             std::this_thread::yield();
+        }
     }
-    while (sharedReaders_.load(std::memory_order_seq_cst) != 0)
+    while (sharedReaders_.load(std::memory_order_seq_cst) != 0) {
         std::this_thread::yield();
+    }
 }
 
 void ControllerLock::unlock() {

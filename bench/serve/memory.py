@@ -4,7 +4,7 @@
 and then (an input, the state, the timeline) and prints its resident set size at the given
 minutes.
 
-    bench/serve/memory.py build/release/bin/axlsim examples/feedback_loop.json 0 10 30 60
+    bench/serve/memory.py build/release/bin/axlsim examples/feedback_loop.json 0 1 10 30 50 60
 """
 import http.client
 import json

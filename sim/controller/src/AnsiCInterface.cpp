@@ -78,7 +78,7 @@ const std::shared_ptr<GdsFrame>* frameOf(Controller& controller, std::string_vie
 // the call waits (the frame kept alive by a reference of its own), and the call fails if the bus
 // was removed in the meantime: false, with the frame unlocked and the last error set. On true the
 // shared lock is held and the frame's bus is still installed, so `frame` is still the bus's.
-bool lockFrame(std::shared_lock<ControllerLock>& lock, const std::shared_ptr<GdsFrame>& frame,
+bool lockFrame(std::shared_lock<std::shared_mutex>& lock, const std::shared_ptr<GdsFrame>& frame,
                Access access) {
     if (frame->tryLock(access)) {
         return true;

@@ -12,7 +12,6 @@
 
 #include "Arp/Plc/AnsiC/Domain/PlcOperationHandler.h"
 #include "CallRegistry.h"
-#include "ControllerLock.h"
 #include "GdsHandles.h"
 
 namespace vplc {
@@ -34,8 +33,8 @@ class Controller {
 public:
     static Controller& instance();
 
-    std::unique_lock<ControllerLock> lock() { return std::unique_lock(mutex_); }
-    std::shared_lock<ControllerLock> share() { return std::shared_lock(mutex_); }
+    std::unique_lock<std::shared_mutex> lock() { return std::unique_lock(mutex_); }
+    std::shared_lock<std::shared_mutex> share() { return std::shared_lock(mutex_); }
 
     Bus* bus() const { return bus_; }
     std::uint64_t nextBusSerial() { return ++lastBusSerial_; }
@@ -62,7 +61,7 @@ public:
 private:
     Controller() = default;
 
-    ControllerLock mutex_;
+    std::shared_mutex mutex_;
     Bus* bus_ = nullptr;
     std::uint64_t lastBusSerial_ = 0;
     CallRegistry calls_;

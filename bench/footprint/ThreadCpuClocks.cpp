@@ -7,14 +7,6 @@
 
 namespace axlbench {
 
-ThreadCpuClocks::ThreadCpuClocks() {
-    orbel::addObserver(*this);
-}
-
-ThreadCpuClocks::~ThreadCpuClocks() {
-    orbel::removeObserver(*this);
-}
-
 std::chrono::nanoseconds ThreadCpuClocks::cpuTime(const CSI_base* driver) const {
     clockid_t clock{};
     {

@@ -9,6 +9,7 @@
 
 #include "orbel/FailureCounter.h"
 #include "orbel/HostObserver.h"
+#include "orbel/ObserverRegistration.h"
 
 namespace axlbench {
 
@@ -17,11 +18,6 @@ namespace axlbench {
 // and counts failures (see orbel::FailureCounter). Registered while it lives.
 class ThreadCpuClocks final : public orbel::HostObserver {
 public:
-    ThreadCpuClocks();
-    ~ThreadCpuClocks() override;
-    ThreadCpuClocks(const ThreadCpuClocks&) = delete;
-    ThreadCpuClocks& operator=(const ThreadCpuClocks&) = delete;
-
     // The CPU time the driver's thread has used so far; throws std::runtime_error if the driver
     // has started no thread.
     std::chrono::nanoseconds cpuTime(const CSI_base* driver) const;
@@ -34,6 +30,7 @@ private:
     mutable std::mutex mutex_;
     std::map<const CSI_base*, clockid_t> clocks_;
     orbel::FailureCounter failures_;
+    orbel::ObserverRegistration registration_{*this};
 };
 
 }  // namespace axlbench

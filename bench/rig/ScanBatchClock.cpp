@@ -11,14 +11,6 @@ constexpr long kScanPauseNs = 100000000;
 
 }  // namespace
 
-ScanBatchClock::ScanBatchClock() {
-    orbel::setPauseClock(this);
-}
-
-ScanBatchClock::~ScanBatchClock() {
-    orbel::setPauseClock(nullptr);
-}
-
 void ScanBatchClock::waitUntilHeld() {
     std::unique_lock lock(mutex_);
     changed_.wait(lock, [this] { return held_; });

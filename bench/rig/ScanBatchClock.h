@@ -7,6 +7,7 @@
 #include <mutex>
 
 #include "orbel/PauseClock.h"
+#include "orbel/PauseClockInstallation.h"
 
 namespace axlbench {
 
@@ -18,11 +19,6 @@ namespace axlbench {
 // that waking the thread is not part of it. Installed while it lives.
 class ScanBatchClock final : public orbel::PauseClock {
 public:
-    ScanBatchClock();
-    ~ScanBatchClock() override;
-    ScanBatchClock(const ScanBatchClock&) = delete;
-    ScanBatchClock& operator=(const ScanBatchClock&) = delete;
-
     // Waits until the scanning thread is held at a scan pause.
     void waitUntilHeld();
 
@@ -48,6 +44,7 @@ private:
     long passing_ = 0;
     Clock::time_point batchStart_;
     Clock::time_point batchEnd_;
+    orbel::PauseClockInstallation installation_{*this};
 };
 
 }  // namespace axlbench

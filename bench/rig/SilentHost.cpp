@@ -3,14 +3,6 @@
 
 namespace axlbench {
 
-SilentHost::SilentHost() {
-    orbel::addObserver(*this);
-}
-
-SilentHost::~SilentHost() {
-    orbel::removeObserver(*this);
-}
-
 void SilentHost::published(const CSI_base*, uint32_t, uint32_t, std::span<const uint8_t>) {
     publications_.fetch_add(1);
 }

@@ -5,6 +5,7 @@
 
 #include "orbel/FailureCounter.h"
 #include "orbel/HostObserver.h"
+#include "orbel/ObserverRegistration.h"
 
 namespace axlbench {
 
@@ -13,11 +14,6 @@ namespace axlbench {
 // Registered while it lives.
 class SilentHost final : public orbel::HostObserver {
 public:
-    SilentHost();
-    ~SilentHost() override;
-    SilentHost(const SilentHost&) = delete;
-    SilentHost& operator=(const SilentHost&) = delete;
-
     int stops() const { return failures_.stops(); }
     int failures() const { return failures_.failureLines(); }
     int publications() const { return publications_.load(); }
@@ -28,6 +24,7 @@ public:
 private:
     orbel::FailureCounter failures_;
     std::atomic<int> publications_{0};
+    orbel::ObserverRegistration registration_{*this};
 };
 
 }  // namespace axlbench

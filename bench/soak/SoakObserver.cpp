@@ -3,14 +3,6 @@
 
 namespace soak {
 
-SoakObserver::SoakObserver() {
-    orbel::addObserver(*this);
-}
-
-SoakObserver::~SoakObserver() {
-    orbel::removeObserver(*this);
-}
-
 std::vector<SoakObserver::Publication> SoakObserver::publications() const {
     std::lock_guard lock(mutex_);
     return publications_;

@@ -9,6 +9,7 @@
 
 #include "orbel/FailureCounter.h"
 #include "orbel/HostObserver.h"
+#include "orbel/ObserverRegistration.h"
 
 namespace soak {
 
@@ -22,11 +23,6 @@ public:
         std::vector<uint8_t> payload;
         std::chrono::steady_clock::time_point time;
     };
-
-    SoakObserver();
-    ~SoakObserver() override;
-    SoakObserver(const SoakObserver&) = delete;
-    SoakObserver& operator=(const SoakObserver&) = delete;
 
     std::vector<Publication> publications() const;
     int failureLines() const;
@@ -42,6 +38,7 @@ private:
     std::vector<Publication> publications_;
     orbel::FailureCounter failures_;
     std::vector<std::string> stops_;
+    orbel::ObserverRegistration registration_{*this};
 };
 
 }  // namespace soak

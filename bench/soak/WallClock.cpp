@@ -5,14 +5,6 @@
 
 namespace soak {
 
-WallClock::WallClock() {
-    orbel::setPauseClock(this);
-}
-
-WallClock::~WallClock() {
-    orbel::setPauseClock(nullptr);
-}
-
 std::vector<WallClock::Pause> WallClock::pausesOf(const CSI_base* driver) const {
     std::lock_guard lock(mutex_);
     const auto it = pauses_.find(driver);

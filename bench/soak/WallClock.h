@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "orbel/PauseClock.h"
+#include "orbel/PauseClockInstallation.h"
 
 class CSI_base;
 
@@ -26,11 +27,6 @@ public:
         Time ended;
     };
 
-    WallClock();
-    ~WallClock() override;
-    WallClock(const WallClock&) = delete;
-    WallClock& operator=(const WallClock&) = delete;
-
     // Every finished pause of the driver's thread, in order.
     std::vector<Pause> pausesOf(const CSI_base* driver) const;
 
@@ -43,6 +39,7 @@ private:
     mutable std::mutex mutex_;
     std::condition_variable woken_;
     std::map<const CSI_base*, std::vector<Pause>> pauses_;
+    orbel::PauseClockInstallation installation_{*this};
 };
 
 }  // namespace soak

@@ -16,14 +16,6 @@ uint32_t bitsOf(float value) {
 
 }  // namespace
 
-PublicationWatch::PublicationWatch() {
-    orbel::addObserver(*this);
-}
-
-PublicationWatch::~PublicationWatch() {
-    orbel::removeObserver(*this);
-}
-
 void PublicationWatch::expectInputs(const CSI_base* driver, std::map<uint32_t, Input> inputs) {
     std::lock_guard lock(mutex_);
     inputs_[driver] = std::move(inputs);

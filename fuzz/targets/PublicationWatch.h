@@ -10,6 +10,7 @@
 
 #include "Findings.h"
 #include "orbel/HostObserver.h"
+#include "orbel/ObserverRegistration.h"
 
 class CSI_base;
 
@@ -24,11 +25,6 @@ public:
         bool analog;
         int channel;  // analog channel, for the values it has held
     };
-
-    PublicationWatch();
-    ~PublicationWatch() override;
-    PublicationWatch(const PublicationWatch&) = delete;
-    PublicationWatch& operator=(const PublicationWatch&) = delete;
 
     // The input events `driver` may publish.
     void expectInputs(const CSI_base* driver, std::map<uint32_t, Input> inputs);
@@ -60,6 +56,7 @@ private:
     std::map<const CSI_base*, Counts> counts_;
     std::set<uint32_t> heldValues_[2];  // bit patterns of the floats each channel has held
     Findings findings_;
+    orbel::ObserverRegistration registration_{*this};
 };
 
 }  // namespace fuzz

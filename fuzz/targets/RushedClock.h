@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "orbel/PauseClock.h"
+#include "orbel/PauseClockInstallation.h"
 
 namespace fuzz {
 
@@ -12,15 +13,13 @@ namespace fuzz {
 // Installed while it lives.
 class RushedClock final : public orbel::PauseClock {
 public:
-    RushedClock();
-    ~RushedClock() override;
-    RushedClock(const RushedClock&) = delete;
-    RushedClock& operator=(const RushedClock&) = delete;
-
     void threadStarting() override {}
     void threadEnding() override {}
     void pause(const timespec& request) override;
     void wakeAll() override {}
+
+private:
+    orbel::PauseClockInstallation installation_{*this};
 };
 
 }  // namespace fuzz

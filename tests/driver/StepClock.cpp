@@ -5,14 +5,6 @@
 
 namespace drivertest {
 
-StepClock::StepClock() {
-    orbel::setPauseClock(this);
-}
-
-StepClock::~StepClock() {
-    orbel::setPauseClock(nullptr);
-}
-
 void StepClock::waitUntilPaused() {
     std::unique_lock lock(mutex_);
     changed_.wait(lock, [this] { return paused_; });

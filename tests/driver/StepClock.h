@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "orbel/PauseClock.h"
+#include "orbel/PauseClockInstallation.h"
 
 namespace drivertest {
 
@@ -14,11 +15,6 @@ namespace drivertest {
 // that count allocations on that thread use it. Installed while it lives.
 class StepClock final : public orbel::PauseClock {
 public:
-    StepClock();
-    ~StepClock() override;
-    StepClock(const StepClock&) = delete;
-    StepClock& operator=(const StepClock&) = delete;
-
     // Waits until the driver thread is paused.
     void waitUntilPaused();
 
@@ -37,6 +33,7 @@ private:
     bool paused_ = false;
     long long entered_ = 0;
     long long allowed_ = 0;
+    orbel::PauseClockInstallation installation_{*this};
 };
 
 }  // namespace drivertest

@@ -5,14 +5,6 @@
 
 namespace hosttest {
 
-TestPauseClock::TestPauseClock() {
-    orbel::setPauseClock(this);
-}
-
-TestPauseClock::~TestPauseClock() {
-    orbel::setPauseClock(nullptr);
-}
-
 void TestPauseClock::threadStarting() {
     std::lock_guard lock(mutex_);
     ++started_;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "orbel/PauseClock.h"
+#include "orbel/PauseClockInstallation.h"
 
 namespace hosttest {
 
@@ -16,9 +17,6 @@ namespace hosttest {
 // Installed for its lifetime.
 class TestPauseClock final : public orbel::PauseClock {
 public:
-    TestPauseClock();
-    ~TestPauseClock() override;
-
     void threadStarting() override;
     void threadEnding() override;
     void pause(const timespec& request) override;
@@ -41,6 +39,7 @@ private:
     int ended_ = 0;
     uint64_t releases_ = 0;
     std::vector<timespec> requests_;
+    orbel::PauseClockInstallation installation_{*this};
 };
 
 }  // namespace hosttest

@@ -3,14 +3,6 @@
 
 namespace orbel {
 
-FailureCounter::FailureCounter() {
-    addObserver(*this);
-}
-
-FailureCounter::~FailureCounter() {
-    removeObserver(*this);
-}
-
 void FailureCounter::logged(const CSI_base*, int level, std::string_view, std::string_view) {
     if (level == kFailureLevel) {
         failureLines_.fetch_add(1);

@@ -35,6 +35,8 @@ extern "C" void logMessage(int level, const char* format, ...) {
     if (!rendered) {
         return;
     }
-    orbel::ObserverHub::instance().logged(attributedDriver(), level,
-                                          format != nullptr ? format : "", text);
+    const CSI_base* driver = attributedDriver();
+    const std::string_view shape = format != nullptr ? format : "";
+    orbel::ObserverHub::instance().report(
+        [&](orbel::HostObserver& o) { o.logged(driver, level, shape, text); });
 }

@@ -18,10 +18,9 @@ void refuseInsideCallback() {
     }
 }
 
-template <class Report>
-void deliver(const Report& report, HostObserver& observer) noexcept {
+void deliverTo(HostObserver& observer, ObserverHub::Delivery delivery, const void* call) noexcept {
     try {
-        report(observer);
+        delivery(observer, call);
     } catch (...) {
     }
 }
@@ -47,20 +46,19 @@ void ObserverHub::remove(HostObserver& observer) {
                      observers_.end());
 }
 
-template <class Report>
-void ObserverHub::notify(const Report& report) noexcept {
+void ObserverHub::deliver(Delivery delivery, const void* call) noexcept {
     if (insideCallback) {
-        deliver(report, fallback_);
+        deliverTo(fallback_, delivery, call);
         return;
     }
     try {
         std::lock_guard lock(mutex_);
         insideCallback = true;
         if (observers_.empty()) {
-            deliver(report, fallback_);
+            deliverTo(fallback_, delivery, call);
         }
         for (HostObserver* observer : observers_) {
-            deliver(report, *observer);
+            deliverTo(*observer, delivery, call);
         }
         insideCallback = false;
     } catch (...) {
@@ -68,31 +66,8 @@ void ObserverHub::notify(const Report& report) noexcept {
     }
 }
 
-void ObserverHub::logged(const CSI_base* driver, int level, std::string_view format,
-                         std::string_view text) noexcept {
-    notify([&](HostObserver& o) { o.logged(driver, level, format, text); });
-}
-
-void ObserverHub::published(const CSI_base* driver, uint32_t id, uint32_t size,
-                            std::span<const uint8_t> payload) noexcept {
-    notify([&](HostObserver& o) { o.published(driver, id, size, payload); });
-}
-
-void ObserverHub::stopped(const CSI_base* driver, const stServiceParams_t* service,
-                          std::string_view message) noexcept {
-    notify([&](HostObserver& o) { o.stopped(driver, service, message); });
-}
-
-void ObserverHub::threadStarted(const CSI_base* driver) noexcept {
-    notify([&](HostObserver& o) { o.threadStarted(driver); });
-}
-
-void ObserverHub::threadEnded(const CSI_base* driver, std::string_view how) noexcept {
-    notify([&](HostObserver& o) { o.threadEnded(driver, how); });
-}
-
 void ObserverHub::warn(const CSI_base* driver, std::string_view text) noexcept {
-    logged(driver, kHostWarningLevel, text, text);
+    report([&](HostObserver& o) { o.logged(driver, kHostWarningLevel, text, text); });
 }
 
 }  // namespace orbel

@@ -25,14 +25,15 @@ public:
     void add(HostObserver& observer);
     void remove(HostObserver& observer);
 
-    void logged(const CSI_base* driver, int level, std::string_view format,
-                std::string_view text) noexcept;
-    void published(const CSI_base* driver, uint32_t id, uint32_t size,
-                   std::span<const uint8_t> payload) noexcept;
-    void stopped(const CSI_base* driver, const stServiceParams_t* service,
-                 std::string_view message) noexcept;
-    void threadStarted(const CSI_base* driver) noexcept;
-    void threadEnded(const CSI_base* driver, std::string_view how) noexcept;
+    // Calls a report's callback on one observer (`call` is the report's own lambda).
+    using Delivery = void (*)(HostObserver& observer, const void* call);
+
+    // Hands one report to the observers: `call(observer)` makes it, e.g.
+    // `report([&](HostObserver& o) { o.threadStarted(driver); })`.
+    template <class Call>
+    void report(const Call& call) noexcept {
+        deliver([](HostObserver& o, const void* c) { (*static_cast<const Call*>(c))(o); }, &call);
+    }
 
     // A line of the library's own about a driver, reported as a log line at kHostWarningLevel.
     void warn(const CSI_base* driver, std::string_view text) noexcept;
@@ -40,8 +41,7 @@ public:
 private:
     ObserverHub() = default;
 
-    template <class Report>
-    void notify(const Report& report) noexcept;
+    void deliver(Delivery delivery, const void* call) noexcept;
 
     std::mutex mutex_;
     std::vector<HostObserver*> observers_;

@@ -20,14 +20,6 @@ std::vector<Record> ofDriver(const std::vector<Record>& records, const CSI_base*
 
 }  // namespace
 
-Recorder::Recorder() {
-    addObserver(*this);
-}
-
-Recorder::~Recorder() {
-    removeObserver(*this);
-}
-
 std::vector<LogLine> Recorder::logs() const {
     std::lock_guard lock(mutex_);
     return logs_;

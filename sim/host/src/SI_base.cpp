@@ -41,19 +41,22 @@ void CSI_base::publishEvent(const stEventParams_t& event) {
     if (event.pData != nullptr) {
         payload = std::span<const uint8_t>(event.pData, event.nSize);
     }
-    orbel::ObserverHub::instance().published(this, event.nId, event.nSize, payload);
+    orbel::ObserverHub::instance().report(
+        [&](orbel::HostObserver& o) { o.published(this, event.nId, event.nSize, payload); });
 }
 
 void CSI_base::stopWithError(const stServiceParams_t& service, const std::string& sMessage) {
     if (orbel::stopSetsStopFlag()) {
         m_bStopped = true;
     }
-    orbel::ObserverHub::instance().stopped(this, &service, sMessage);
+    orbel::ObserverHub::instance().report(
+        [&](orbel::HostObserver& o) { o.stopped(this, &service, sMessage); });
 }
 
 void CSI_base::stopWithError(const std::string& sMessage) {
     if (orbel::stopSetsStopFlag()) {
         m_bStopped = true;
     }
-    orbel::ObserverHub::instance().stopped(this, nullptr, sMessage);
+    orbel::ObserverHub::instance().report(
+        [&](orbel::HostObserver& o) { o.stopped(this, nullptr, sMessage); });
 }

@@ -127,7 +127,7 @@ void ThreadState::runOnFiber() {
 }
 
 void ThreadState::runDriver() {
-    ObserverHub::instance().threadStarted(driver_);
+    ObserverHub::instance().report([&](HostObserver& o) { o.threadStarted(driver_); });
     std::string how;
     {
         SanitizerFiber runFiber;
@@ -168,7 +168,7 @@ void ThreadState::finish(std::string_view how) noexcept {
         std::lock_guard lock(mutex_);
         runFinished_ = true;
     }
-    ObserverHub::instance().threadEnded(driver_, how);
+    ObserverHub::instance().report([&](HostObserver& o) { o.threadEnded(driver_, how); });
 }
 
 void ThreadState::join() {

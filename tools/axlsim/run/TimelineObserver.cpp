@@ -12,13 +12,7 @@ constexpr std::string_view kEndedByHost = "ended by the host";
 
 }  // namespace
 
-TimelineObserver::TimelineObserver(Timeline& timeline) : timeline_(timeline) {
-    orbel::addObserver(*this);
-}
-
-TimelineObserver::~TimelineObserver() {
-    orbel::removeObserver(*this);
-}
+TimelineObserver::TimelineObserver(Timeline& timeline) : timeline_(timeline) {}
 
 void TimelineObserver::attach(const CSI_base* driver, int index) {
     std::lock_guard lock(mutex_);

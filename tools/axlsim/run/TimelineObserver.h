@@ -7,6 +7,7 @@
 
 #include "axlsim/run/Timeline.h"
 #include "orbel/HostObserver.h"
+#include "orbel/ObserverRegistration.h"
 
 namespace axlsim {
 
@@ -15,9 +16,6 @@ namespace axlsim {
 class TimelineObserver final : public orbel::HostObserver {
 public:
     explicit TimelineObserver(Timeline& timeline);
-    ~TimelineObserver() override;
-    TimelineObserver(const TimelineObserver&) = delete;
-    TimelineObserver& operator=(const TimelineObserver&) = delete;
 
     void attach(const CSI_base* driver, int index);
 
@@ -43,6 +41,7 @@ private:
     mutable std::mutex mutex_;
     std::map<const CSI_base*, int> indices_;
     std::atomic<int> hostDriver_{-1};
+    orbel::ObserverRegistration registration_{*this};
 };
 
 }  // namespace axlsim

@@ -10,6 +10,7 @@
 
 #include "orbel/DriverFiber.h"
 #include "orbel/PauseClock.h"
+#include "orbel/PauseClockInstallation.h"
 
 class CSI_base;
 
@@ -56,10 +57,8 @@ public:
         Duration duration;       // the requested duration
     };
 
+    // Installs itself while it lives; std::logic_error while another clock is installed.
     explicit VirtualClock(Mode mode = defaultMode());
-    ~VirtualClock() override;
-    VirtualClock(const VirtualClock&) = delete;
-    VirtualClock& operator=(const VirtualClock&) = delete;
 
     Mode mode() const { return mode_; }
 
@@ -153,6 +152,7 @@ private:
     bool keepPauses_ = true;
     std::deque<Pause> pauses_;               // grows without moving what it holds
     std::deque<orbel::DriverFiber*> ready_;  // fibers to resume when settling, in order
+    orbel::PauseClockInstallation installation_{*this};
 };
 
 }  // namespace vplc

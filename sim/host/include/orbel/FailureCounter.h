@@ -4,6 +4,7 @@
 #include <atomic>
 
 #include "orbel/HostObserver.h"
+#include "orbel/ObserverRegistration.h"
 
 namespace orbel {
 
@@ -14,11 +15,6 @@ class FailureCounter final : public HostObserver {
 public:
     // The level of the driver's failure lines.
     static constexpr int kFailureLevel = 2;
-
-    FailureCounter();
-    ~FailureCounter() override;
-    FailureCounter(const FailureCounter&) = delete;
-    FailureCounter& operator=(const FailureCounter&) = delete;
 
     int failureLines() const { return failureLines_.load(); }
     int stops() const { return stops_.load(); }
@@ -35,6 +31,7 @@ private:
     std::atomic<int> failureLines_{0};
     std::atomic<int> stops_{0};
     std::atomic<int> exceptions_{0};
+    ObserverRegistration registration_{*this};
 };
 
 }  // namespace orbel

@@ -16,6 +16,7 @@
 
 #include "HostRecords.h"
 #include "orbel/HostObserver.h"
+#include "orbel/ObserverRegistration.h"
 
 class CSI_base;
 
@@ -58,11 +59,6 @@ struct ThreadExit {
 // with a driver keep only that driver's entries (null: the entries of no driver).
 class Recorder final : public HostObserver {
 public:
-    Recorder();
-    ~Recorder() override;
-    Recorder(const Recorder&) = delete;
-    Recorder& operator=(const Recorder&) = delete;
-
     std::vector<LogLine> logs() const;
     std::vector<LogLine> logs(const CSI_base* driver) const;
     std::vector<Publication> published() const;
@@ -102,6 +98,7 @@ private:
     std::vector<Stop> stops_;
     std::vector<ThreadStart> threadStarts_;
     std::vector<ThreadExit> threadExits_;
+    ObserverRegistration registration_{*this};
 };
 
 }  // namespace orbel

@@ -14,22 +14,15 @@ constexpr long kPauseNs = 100000000;
 }  // namespace
 
 SleepingThread::SleepingThread()
-    : thread_([this] {
-          while (!stop_.load()) {
+    : thread_([](const std::stop_token& stop) {
+          while (!stop.stop_requested()) {
               timespec pause{0, kPauseNs};
               nanosleep(&pause, nullptr);
           }
       }) {
     if (pthread_getcpuclockid(thread_.native_handle(), &clock_) != 0) {
-        stop_ = true;
-        thread_.join();
         throw std::runtime_error("cannot find the CPU-time clock of a thread");
     }
-}
-
-SleepingThread::~SleepingThread() {
-    stop_ = true;
-    thread_.join();
 }
 
 std::chrono::nanoseconds SleepingThread::cpuTime() const {

@@ -3,7 +3,6 @@
 
 #include <time.h>
 
-#include <atomic>
 #include <chrono>
 #include <thread>
 
@@ -15,15 +14,11 @@ namespace axlbench {
 class SleepingThread {
 public:
     SleepingThread();
-    ~SleepingThread();
-    SleepingThread(const SleepingThread&) = delete;
-    SleepingThread& operator=(const SleepingThread&) = delete;
 
     std::chrono::nanoseconds cpuTime() const;
 
 private:
-    std::atomic<bool> stop_{false};
-    std::thread thread_;
+    std::jthread thread_;  // asked to stop and joined when the object goes
     clockid_t clock_{};
 };
 

@@ -23,26 +23,18 @@ TGdsBuffer* acquire(const char* bufferId) {
 
 }  // namespace
 
-FloorFrames::FloorFrames() : in_(acquire("1:IN")) {
-    try {
-        out_ = acquire("1:OUT");
-    } catch (...) {
-        ArpPlcIo_ReleaseGdsBuffer(in_);
-        throw;
-    }
+void FloorFrames::Release::operator()(TGdsBuffer* buffer) const {
+    ArpPlcIo_ReleaseGdsBuffer(buffer);
 }
 
-FloorFrames::~FloorFrames() {
-    ArpPlcIo_ReleaseGdsBuffer(out_);
-    ArpPlcIo_ReleaseGdsBuffer(in_);
-}
+FloorFrames::FloorFrames() : in_(acquire("1:IN")), out_(acquire("1:OUT")) {}
 
 std::size_t FloorFrames::inputOffset(const std::string& port) const {
-    return offsetIn(in_, port);
+    return offsetIn(in_.get(), port);
 }
 
 std::size_t FloorFrames::outputOffset(const std::string& port) const {
-    return offsetIn(out_, port);
+    return offsetIn(out_.get(), port);
 }
 
 std::size_t FloorFrames::offsetIn(TGdsBuffer* buffer, const std::string& port) {

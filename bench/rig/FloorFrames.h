@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 
 #include "Arp/Plc/AnsiC/Gds/DataLayout.h"
@@ -14,12 +15,9 @@ namespace axlbench {
 class FloorFrames {
 public:
     FloorFrames();
-    ~FloorFrames();
-    FloorFrames(const FloorFrames&) = delete;
-    FloorFrames& operator=(const FloorFrames&) = delete;
 
-    TGdsBuffer* in() const { return in_; }
-    TGdsBuffer* out() const { return out_; }
+    TGdsBuffer* in() const { return in_.get(); }
+    TGdsBuffer* out() const { return out_.get(); }
 
     // Byte offsets of a port of the module at position 1.
     std::size_t inputOffset(const std::string& port) const;
@@ -28,8 +26,13 @@ public:
 private:
     static std::size_t offsetIn(TGdsBuffer* buffer, const std::string& port);
 
-    TGdsBuffer* in_ = nullptr;
-    TGdsBuffer* out_ = nullptr;
+    struct Release {
+        void operator()(TGdsBuffer* buffer) const;
+    };
+    using Handle = std::unique_ptr<TGdsBuffer, Release>;
+
+    Handle in_;
+    Handle out_;
 };
 
 }  // namespace axlbench

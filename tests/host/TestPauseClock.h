@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -28,15 +29,15 @@ public:
     // Ends the pauses under way.
     void release();
 
-    int started() const;
-    int ended() const;
+    int started() const { return started_.load(); }
+    int ended() const { return ended_.load(); }
     std::vector<timespec> requests() const;
 
 private:
     mutable std::mutex mutex_;
     std::condition_variable changed_;
-    int started_ = 0;
-    int ended_ = 0;
+    std::atomic<int> started_{0};
+    std::atomic<int> ended_{0};
     uint64_t releases_ = 0;
     std::vector<timespec> requests_;
     orbel::PauseClockInstallation installation_{*this};

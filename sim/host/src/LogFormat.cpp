@@ -31,13 +31,9 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-// Reads the conversion that starts at the '%' at `format[0]`.
-Conversion parseConversion(const char* format) {
-    Conversion conversion;
-    std::size_t i = 1;
-    while (isOneOf(format[i], "-+ #0'")) {
-        ++i;
-    }
+// Passes over a width or a precision at `format[i]`: a '*' (which takes an int argument) and
+// digits. Returns the index after it.
+std::size_t passCount(const char* format, std::size_t i, Conversion& conversion) {
     if (format[i] == '*') {
         ++conversion.stars;
         ++i;
@@ -45,15 +41,19 @@ Conversion parseConversion(const char* format) {
     while (isDigit(format[i])) {
         ++i;
     }
-    if (format[i] == '.') {
+    return i;
+}
+
+// Reads the conversion that starts at the '%' at `format[0]`.
+Conversion parseConversion(const char* format) {
+    Conversion conversion;
+    std::size_t i = 1;
+    while (isOneOf(format[i], "-+ #0'")) {
         ++i;
-        if (format[i] == '*') {
-            ++conversion.stars;
-            ++i;
-        }
-        while (isDigit(format[i])) {
-            ++i;
-        }
+    }
+    i = passCount(format, i, conversion);
+    if (format[i] == '.') {
+        i = passCount(format, i + 1, conversion);
     }
     conversion.body.assign(format + 1, i - 1);
     switch (format[i]) {

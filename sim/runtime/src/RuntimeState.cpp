@@ -49,24 +49,9 @@ void RuntimeState::setRestartObserver(std::function<void()> observer) {
     settings_.restartObserver = std::move(observer);
 }
 
-int RuntimeState::restarts() const {
+int RuntimeState::read(const int& counter) const {
     std::lock_guard lock(mutex_);
-    return restarts_;
-}
-
-int RuntimeState::factoryResets() const {
-    std::lock_guard lock(mutex_);
-    return factoryResets_;
-}
-
-int RuntimeState::servicesMade() const {
-    std::lock_guard lock(mutex_);
-    return servicesMade_;
-}
-
-int RuntimeState::liveServices() const {
-    std::lock_guard lock(mutex_);
-    return liveServices_;
+    return counter;
 }
 
 void RuntimeState::reset() {

@@ -26,10 +26,10 @@ public:
     std::vector<Runtime::Assignment> domainAssignments() const;
     void setServiceLookup(Runtime::Lookup lookup);
     void setRestartObserver(std::function<void()> observer);
-    int restarts() const;
-    int factoryResets() const;
-    int servicesMade() const;
-    int liveServices() const;
+    int restarts() const { return read(restarts_); }
+    int factoryResets() const { return read(factoryResets_); }
+    int servicesMade() const { return read(servicesMade_); }
+    int liveServices() const { return read(liveServices_); }
     void reset();
 
     // --- Runtime side.
@@ -51,6 +51,9 @@ public:
 
 private:
     RuntimeState() = default;
+
+    // A counter's value, read under the lock.
+    int read(const int& counter) const;
 
     struct Settings {
         Runtime::MainOutcome mainOutcome = Runtime::MainOutcome::Domain;

@@ -36,6 +36,15 @@ void Document::fail(const std::string& path, const std::string& reason) const {
     throw ConfigError(file_, path.empty() ? "/" : path, reason);
 }
 
+std::vector<std::string_view> Document::keysOf(
+    std::initializer_list<std::span<const std::string_view>> places) {
+    std::vector<std::string_view> all;
+    for (std::span<const std::string_view> place : places) {
+        all.insert(all.end(), place.begin(), place.end());
+    }
+    return all;
+}
+
 const Json& Document::object(const Json& node, const std::string& path,
                              std::span<const std::string_view> keys) const {
     if (!node.is_object()) {

@@ -3,11 +3,13 @@
 
 #include <chrono>
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace axlsim {
 
@@ -24,6 +26,10 @@ public:
     explicit Document(std::string file) : file_(std::move(file)) {}
 
     [[noreturn]] void fail(const std::string& path, const std::string& reason) const;
+
+    // The keys of several places, one after another: the keys a reader knows.
+    static std::vector<std::string_view> keysOf(
+        std::initializer_list<std::span<const std::string_view>> places);
 
     // The node as an object whose keys are all among `keys`.
     const Json& object(const Json& node, const std::string& path,

@@ -406,18 +406,9 @@ Scenario readScenario(const Document& doc, const Json& node, const std::vector<v
 }  // namespace
 
 std::vector<std::string_view> ConfigReader::keys() {
-    std::vector<std::string_view> all;
-    for (std::span<const std::string_view> place :
-         {std::span<const std::string_view>(kTopKeys),
-          std::span<const std::string_view>(kDriverKeys),
-          std::span<const std::string_view>(kMappingKeys),
-          std::span<const std::string_view>(kServiceKeys),
-          std::span<const std::string_view>(kDriversEntryKeys),
-          std::span<const std::string_view>(kStepKeys),
-          std::span<const std::string_view>(kInputKeys),
-          std::span<const std::string_view>(kEventKeys)}) {
-        all.insert(all.end(), place.begin(), place.end());
-    }
+    std::vector<std::string_view> all =
+        Document::keysOf({kTopKeys, kDriverKeys, kMappingKeys, kServiceKeys, kDriversEntryKeys,
+                          kStepKeys, kInputKeys, kEventKeys});
     const auto loop = LoopReader::keys();
     all.insert(all.end(), loop.begin(), loop.end());
     return all;

@@ -285,17 +285,8 @@ Route readRoute(const Document& doc, const Json& node, const std::string& at, in
 }  // namespace
 
 std::vector<std::string_view> LoopReader::keys() {
-    std::vector<std::string_view> all;
-    for (std::span<const std::string_view> place :
-         {std::span<const std::string_view>(kModelKeys),
-          std::span<const std::string_view>(kWireKeys),
-          std::span<const std::string_view>(kLinkKeys),
-          std::span<const std::string_view>(kSignalKeys),
-          std::span<const std::string_view>(kHostEntryKeys),
-          std::span<const std::string_view>(kRouteKeys)}) {
-        all.insert(all.end(), place.begin(), place.end());
-    }
-    return all;
+    return Document::keysOf(
+        {kModelKeys, kWireKeys, kLinkKeys, kSignalKeys, kHostEntryKeys, kRouteKeys});
 }
 
 std::vector<PlantModel> LoopReader::readPlant(const Document& doc, const Json& node,

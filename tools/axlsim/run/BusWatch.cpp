@@ -23,19 +23,19 @@ void BusWatch::recordSince(int before, int driver) const {
 }
 
 std::vector<std::vector<uint8_t>> BusWatch::busOutputs() const {
-    std::vector<std::vector<uint8_t>> outputs;
-    const int modules = static_cast<int>(plant_.modules().size());
-    for (int position = 1; position <= modules; ++position) {
-        outputs.push_back(plant_.outputsOnBus(position));
-    }
-    return outputs;
+    return ofEveryModule(&vplc::Plant::outputsOnBus);
 }
 
 std::vector<std::vector<uint8_t>> BusWatch::gdsOutputs() const {
+    return ofEveryModule(&vplc::Plant::outputsInGds);
+}
+
+std::vector<std::vector<uint8_t>> BusWatch::ofEveryModule(
+    std::vector<uint8_t> (vplc::Plant::*read)(int position) const) const {
     std::vector<std::vector<uint8_t>> outputs;
     const int modules = static_cast<int>(plant_.modules().size());
     for (int position = 1; position <= modules; ++position) {
-        outputs.push_back(plant_.outputsInGds(position));
+        outputs.push_back((plant_.*read)(position));
     }
     return outputs;
 }

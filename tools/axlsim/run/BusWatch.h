@@ -24,6 +24,10 @@ public:
     std::vector<std::vector<uint8_t>> gdsOutputs() const;
 
 private:
+    // What `read` gives for every module, by position from 1.
+    std::vector<std::vector<uint8_t>> ofEveryModule(
+        std::vector<uint8_t> (vplc::Plant::*read)(int position) const) const;
+
     vplc::Plant& plant_;
     Timeline& timeline_;
 };

@@ -109,17 +109,13 @@ RunResult ScenarioRun::finish() {
         result.drivers.push_back(RunResult::DriverState{driver->exists(), false, false, 0});
         driver->destroy();
     }
-    show(timeline_.settleAll(), true);
-    result.timeline = timeline_.ordered();
+    showSettled(true);
+    result.timeline = timeline_.takeOrdered();
     PlantModels::markShownMoves(config_, result.timeline, true);
     result.busOutputs = bus_.busOutputs();
     result.gdsOutputs = bus_.gdsOutputs();
     summarise(result);
     return result;
-}
-
-void ScenarioRun::showSettled() {
-    show(timeline_.settle());
 }
 
 // The driver threads are held at their first scan until time first passes, so that the steps at
@@ -162,7 +158,7 @@ void ScenarioRun::runNextInstant(std::chrono::nanoseconds t) {
         if (!options_.realTime && options_.progress) {
             options_.progress(reached, end_);
         }
-        show(timeline_.settle());
+        showSettled();
     }
 }
 
@@ -177,17 +173,20 @@ void ScenarioRun::advanceClockTo(std::chrono::nanoseconds t) {
         if (!options_.realTime && options_.progress) {
             options_.progress(clock_->now(), end_);
         }
-        show(timeline_.settle());
+        showSettled();
     }
 }
 
 // On the wall clock the listener has seen each happening as it came. An analog move of the
 // plant waits until what follows it on its channel says whether it is shown.
-void ScenarioRun::show(const std::vector<Happening>& happenings, bool all) {
+void ScenarioRun::showSettled(bool all) {
     if (options_.realTime || !options_.live) {
+        timeline_.settleUnseen(all);
         return;
     }
-    unshown_.insert(unshown_.end(), happenings.begin(), happenings.end());
+    std::vector<Happening> happenings = all ? timeline_.settleAll() : timeline_.settle();
+    unshown_.insert(unshown_.end(), std::make_move_iterator(happenings.begin()),
+                    std::make_move_iterator(happenings.end()));
     const std::size_t ready = PlantModels::markShownMoves(config_, unshown_, all);
     for (std::size_t i = 0; i < ready; ++i) {
         options_.live(unshown_[i]);

@@ -47,8 +47,9 @@ public:
     // Does one step now, as if the scenario had it at this time; what it causes comes after it.
     void perform(const Config::Step& step);
 
-    // Hands the options' live listener what the timeline has settled so far (virtual clock).
-    void showSettled();
+    // Hands the options' live listener what the timeline has settled so far (virtual clock); with
+    // `all`, everything.
+    void showSettled(bool all = false);
 
     // Deletes the drivers cleanly and tells what the run showed.
     RunResult finish();
@@ -65,7 +66,6 @@ private:
     void advanceTo(std::chrono::nanoseconds t);
     void runNextInstant(std::chrono::nanoseconds t);
     void advanceClockTo(std::chrono::nanoseconds t);
-    void show(const std::vector<Happening>& happenings, bool all = false);
     std::optional<std::chrono::nanoseconds> nextAction() const;
     void performDue();
     void routePublications();

@@ -48,7 +48,7 @@ void sortEntries(std::vector<Entry>& entries) {
 
 }  // namespace
 
-std::vector<Happening> Timeline::take(bool all) {
+std::vector<Happening> Timeline::take(bool all, bool handBack) {
     std::lock_guard lock(mutex_);
     const std::chrono::nanoseconds now = clock_();
     const auto rest = std::stable_partition(
@@ -60,22 +60,30 @@ std::vector<Happening> Timeline::take(bool all) {
     entries_.erase(entries_.begin(), rest);
     sortEntries(taken);
     std::vector<Happening> happenings;
-    happenings.reserve(taken.size());
-    for (Entry& entry : taken) {
-        happenings.push_back(std::move(entry.happening));
+    if (handBack) {
+        happenings.reserve(taken.size());
+        for (const Entry& entry : taken) {
+            happenings.push_back(entry.happening);
+        }
     }
     if (keepSettled_) {
-        settled_.insert(settled_.end(), happenings.begin(), happenings.end());
+        for (Entry& entry : taken) {
+            settled_.push_back(std::move(entry.happening));
+        }
     }
     return happenings;
 }
 
 std::vector<Happening> Timeline::settle() {
-    return take(false);
+    return take(false, true);
 }
 
 std::vector<Happening> Timeline::settleAll() {
-    return take(true);
+    return take(true, true);
+}
+
+void Timeline::settleUnseen(bool all) {
+    take(all, false);
 }
 
 std::vector<Happening> Timeline::ordered() const {
@@ -91,6 +99,19 @@ std::vector<Happening> Timeline::ordered() const {
     for (Entry& entry : entries) {
         happenings.push_back(std::move(entry.happening));
     }
+    return happenings;
+}
+
+std::vector<Happening> Timeline::takeOrdered() {
+    std::lock_guard lock(mutex_);
+    sortEntries(entries_);
+    std::vector<Happening> happenings = std::move(settled_);
+    settled_.clear();
+    happenings.reserve(happenings.size() + entries_.size());
+    for (Entry& entry : entries_) {
+        happenings.push_back(std::move(entry.happening));
+    }
+    entries_.clear();
     return happenings;
 }
 

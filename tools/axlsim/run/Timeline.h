@@ -41,8 +41,15 @@ public:
     // The same for all the rest; call when nothing more will be added.
     std::vector<Happening> settleAll();
 
+    // settle() and settleAll() for a run that shows nothing as it goes: nothing is handed back,
+    // so nothing is copied.
+    void settleUnseen(bool all);
+
     // Everything, in order.
     std::vector<Happening> ordered() const;
+
+    // The same, taken out of the timeline, which is left empty: for the end of a run.
+    std::vector<Happening> takeOrdered();
 
     // From now on settle() hands what it settles to its caller only, and ordered() no longer
     // shows it: a run without end keeps only what is still to be settled.
@@ -62,7 +69,8 @@ private:
     Clock clock_;
     mutable std::mutex mutex_;
     uint64_t segment_ = 0;
-    std::vector<Happening> take(bool all);
+    // Settles; hands back what it settles only if `handBack`.
+    std::vector<Happening> take(bool all, bool handBack);
 
     Listener listener_;
     std::vector<Entry> entries_;  // not yet settled, in the order they came

@@ -3,6 +3,7 @@
 
 #include "axlsim/configuration/ConfigError.h"
 #include "axlsim/configuration/EventCatalog.h"
+#include "axlsim/configuration/LoopNames.h"
 #include "axlsim/render/ValueText.h"
 #include "axlsim/run/HostRoutes.h"
 
@@ -13,22 +14,6 @@ namespace {
 using Receiver = EventCatalog::Receiver;
 
 constexpr const char* kRefused = "axlsim run refuses the configuration";
-
-std::string mapName(Route::Map map) {
-    switch (map) {
-        case Route::Map::Copy:
-            return "copy";
-        case Route::Map::Invert:
-            return "invert";
-        case Route::Map::Above:
-            return "above";
-        case Route::Map::Below:
-            return "below";
-        case Route::Map::Scale:
-            break;
-    }
-    return "scale";
-}
 
 std::string receiverText(Receiver receiver) {
     return receiver == Receiver::Analog ? "the float of an \"AnalogOut\" service"

@@ -3,11 +3,13 @@
 
 #include <array>
 #include <limits>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "axlsim/configuration/LoopNames.h"
 #include "axlsim/render/ValueText.h"
 
 namespace axlsim {
@@ -149,16 +151,12 @@ Signal readSignal(const Document& doc, const Json& node, const std::string& at,
                       {Kind::DigitalIn, Kind::AnalogIn});
     const std::string shape =
         doc.text(required(doc, node, at, "shape", "a signal"), member(at, "shape"));
-    if (shape == "square") {
-        signal.shape = Signal::Shape::Square;
-    } else if (shape == "sine") {
-        signal.shape = Signal::Shape::Sine;
-    } else if (shape == "ramp") {
-        signal.shape = Signal::Shape::Ramp;
-    } else {
+    const std::optional<Signal::Shape> known = shapeFromName(shape);
+    if (!known) {
         doc.fail(member(at, "shape"),
                  "unknown shape " + inQuotes(shape) + " (known: square, sine, ramp)");
     }
+    signal.shape = *known;
     if (signal.to.digital() && signal.shape != Signal::Shape::Square) {
         doc.fail(member(at, "shape"), "a digital input takes only a \"square\" signal");
     }
@@ -204,14 +202,6 @@ Signal readSignal(const Document& doc, const Json& node, const std::string& at,
     return signal;
 }
 
-constexpr std::array<std::pair<std::string_view, Route::Map>, 5> kMaps{{
-    {"copy", Route::Map::Copy},
-    {"invert", Route::Map::Invert},
-    {"above", Route::Map::Above},
-    {"below", Route::Map::Below},
-    {"scale", Route::Map::Scale},
-}};
-
 Route readRoute(const Document& doc, const Json& node, const std::string& at, int drivers) {
     doc.object(node, at, kRouteKeys);
     Route route;
@@ -230,17 +220,12 @@ Route readRoute(const Document& doc, const Json& node, const std::string& at, in
     }
     if (node.contains("map")) {
         const std::string map = doc.text(node.at("map"), member(at, "map"));
-        bool known = false;
-        for (const auto& [name, value] : kMaps) {
-            if (name == map) {
-                route.map = value;
-                known = true;
-            }
-        }
+        const std::optional<Route::Map> known = mapFromName(map);
         if (!known) {
             doc.fail(member(at, "map"), "unknown map " + inQuotes(map) +
                                             " (known: copy, invert, above, below, scale)");
         }
+        route.map = *known;
     }
     const bool compares = route.map == Route::Map::Above || route.map == Route::Map::Below;
     if (compares) {

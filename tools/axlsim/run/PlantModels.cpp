@@ -8,6 +8,7 @@
 
 #include "axlsim/Overloaded.h"
 #include "axlsim/configuration/DriverNumber.h"
+#include "axlsim/configuration/LoopNames.h"
 #include "axlsim/run/ProcessData.h"
 #include "modules/IbIlConversion.h"
 
@@ -55,18 +56,6 @@ double signalValue(const Signal& signal, Time t) {
     }
     const double part = milliseconds(since % period) / milliseconds(period);
     return signal.low + (signal.high - signal.low) * part;
-}
-
-std::string shapeName(Signal::Shape shape) {
-    switch (shape) {
-        case Signal::Shape::Square:
-            return "square";
-        case Signal::Shape::Sine:
-            return "sine";
-        case Signal::Shape::Ramp:
-            break;
-    }
-    return "ramp";
 }
 
 uint16_t wordOf(double value) {

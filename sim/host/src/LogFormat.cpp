@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "orbel/LogFormat.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -13,6 +14,20 @@ namespace orbel {
 namespace {
 
 enum class Length { None, Char, Short, Long, LongLong, Size, Max, PtrDiff, LongDouble };
+
+// The length modifiers, the doubled letters before the single ones.
+struct Modifier {
+    std::string_view text;
+    Length size;
+};
+constexpr std::array<Modifier, 8> kModifiers{{{"hh", Length::Char},
+                                              {"h", Length::Short},
+                                              {"ll", Length::LongLong},
+                                              {"l", Length::Long},
+                                              {"z", Length::Size},
+                                              {"j", Length::Max},
+                                              {"t", Length::PtrDiff},
+                                              {"L", Length::LongDouble}}};
 
 // One "%..." conversion of a format.
 struct Conversion {
@@ -56,33 +71,13 @@ Conversion parseConversion(const char* format) {
         i = passCount(format, i + 1, conversion);
     }
     conversion.body.assign(format + 1, i - 1);
-    switch (format[i]) {
-        case 'h':
-            conversion.size = format[i + 1] == 'h' ? Length::Char : Length::Short;
-            i += format[i + 1] == 'h' ? 2 : 1;
+    const std::string_view rest(format + i);
+    for (const Modifier& modifier : kModifiers) {
+        if (rest.starts_with(modifier.text)) {
+            conversion.size = modifier.size;
+            i += modifier.text.size();
             break;
-        case 'l':
-            conversion.size = format[i + 1] == 'l' ? Length::LongLong : Length::Long;
-            i += format[i + 1] == 'l' ? 2 : 1;
-            break;
-        case 'z':
-            conversion.size = Length::Size;
-            ++i;
-            break;
-        case 'j':
-            conversion.size = Length::Max;
-            ++i;
-            break;
-        case 't':
-            conversion.size = Length::PtrDiff;
-            ++i;
-            break;
-        case 'L':
-            conversion.size = Length::LongDouble;
-            ++i;
-            break;
-        default:
-            break;
+        }
     }
     if (isOneOf(format[i], "diouxXcspfFeEgGaAn%")) {
         conversion.type = format[i];

@@ -8,20 +8,6 @@ namespace axlsim {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, Signal::Shape>, 3> kShapes{{
-    {"square", Signal::Shape::Square},
-    {"sine", Signal::Shape::Sine},
-    {"ramp", Signal::Shape::Ramp},
-}};
-
-constexpr std::array<std::pair<std::string_view, Route::Map>, 5> kMaps{{
-    {"copy", Route::Map::Copy},
-    {"invert", Route::Map::Invert},
-    {"above", Route::Map::Above},
-    {"below", Route::Map::Below},
-    {"scale", Route::Map::Scale},
-}};
-
 template <class Value, std::size_t N>
 std::optional<Value> valueNamed(const std::array<std::pair<std::string_view, Value>, N>& names,
                                 std::string_view name) {
@@ -44,6 +30,20 @@ std::string_view nameOf(const std::array<std::pair<std::string_view, Value>, N>&
     }
     return names.front().first;
 }
+
+constexpr std::array<std::pair<std::string_view, Signal::Shape>, 3> kShapes{{
+    {"square", Signal::Shape::Square},
+    {"sine", Signal::Shape::Sine},
+    {"ramp", Signal::Shape::Ramp},
+}};
+
+constexpr std::array<std::pair<std::string_view, Route::Map>, 5> kMaps{{
+    {"copy", Route::Map::Copy},
+    {"invert", Route::Map::Invert},
+    {"above", Route::Map::Above},
+    {"below", Route::Map::Below},
+    {"scale", Route::Map::Scale},
+}};
 
 }  // namespace
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "axlsim/render/TextRenderer.h"
 
+#include <array>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
@@ -59,33 +60,15 @@ TextRenderer::TextRenderer(std::ostream& out, const Config& config, bool colour)
     : out_(out), config_(config), catalog_(config.drivers), colour_(colour) {}
 
 std::string TextRenderer::paint(Tone tone, const std::string& text) const {
+    // The terminal's colour code of each tone, in the order of Tone: Plain, Quiet (dim), Good
+    // (green), Bus (cyan), Step (yellow), Bad (bold red), Special (magenta).
+    static constexpr std::array<const char*, 7> kCodes{
+        "", "\033[2m", "\033[32m", "\033[36m", "\033[33m", "\033[1;31m", "\033[35m"};
+    static_assert(kCodes.size() == static_cast<std::size_t>(Tone::Special) + 1);
     if (!colour_ || tone == Tone::Plain) {
         return text;
     }
-    const char* code = "";
-    switch (tone) {
-        case Tone::Quiet:
-            code = "\033[2m";
-            break;
-        case Tone::Good:
-            code = "\033[32m";
-            break;
-        case Tone::Bus:
-            code = "\033[36m";
-            break;
-        case Tone::Step:
-            code = "\033[33m";
-            break;
-        case Tone::Bad:
-            code = "\033[1;31m";
-            break;
-        case Tone::Special:
-            code = "\033[35m";
-            break;
-        case Tone::Plain:
-            break;
-    }
-    return code + text + "\033[0m";
+    return kCodes[static_cast<std::size_t>(tone)] + text + "\033[0m";
 }
 
 void TextRenderer::header(bool realTime) {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <ostream>
 #include <sstream>
 
 #include "ReadError.h"
@@ -160,6 +159,24 @@ TEST(ConfigReader, ConvertsAnAnalogInputValueWithTheIbIlScale) {
     EXPECT_EQ(std::get<Config::Input>(config.scenario[0].action).value, 12375);
 }
 
+TEST(ConfigReader, RefusesAnInputOnAPositionTheBusDoesNotHave) {
+    const ConfigError error =
+        scenarioErrorOf(R"([ { "at_ms": 0, "input": { "module": 3, "pin": 0, "value": 1 } } ])");
+    EXPECT_EQ(error.place(), "/scenario/0/input/module");
+}
+
+TEST(ConfigReader, RefusesAPinTheModuleDoesNotHave) {
+    const ConfigError error =
+        scenarioErrorOf(R"([ { "at_ms": 0, "input": { "module": 2, "pin": 2, "raw": 1 } } ])");
+    EXPECT_EQ(error.place(), "/scenario/0/input/pin");
+}
+
+TEST(ConfigReader, RefusesARawWordForADigitalInput) {
+    const ConfigError error =
+        scenarioErrorOf(R"([ { "at_ms": 0, "input": { "module": 1, "pin": 0, "raw": 1 } } ])");
+    EXPECT_EQ(error.place(), "/scenario/0/input/raw");
+}
+
 TEST(ConfigReader, AnEventValueIsAByteForADigitalOutput) {
     const Config config = withScenario(R"([ { "at_ms": 0, "event": { "id": 101, "value": 1 } } ])");
     const auto& event = std::get<Config::Event>(config.scenario[0].action);
@@ -207,47 +224,17 @@ TEST(ConfigReader, ANullEventHasNoPayload) {
     EXPECT_EQ(event.size, 0U);
 }
 
-// A scenario the reader refuses, and the place its error names.
-struct RefusedScenario {
-    const char* name;
-    const char* scenario;
-    const char* place;
-    // A case shows as its name, also in the names of the tests.
-    friend std::ostream& operator<<(std::ostream& out, const RefusedScenario& row) {
-        return out << row.name;
-    }
-};
-
-class ConfigReaderScenario : public testing::TestWithParam<RefusedScenario> {};
-
-TEST_P(ConfigReaderScenario, IsRefusedAtThePlaceOfTheMistake) {
-    EXPECT_EQ(scenarioErrorOf(GetParam().scenario).place(), GetParam().place);
+TEST(ConfigReader, RefusesAnEventWithBothAValueAndBytes) {
+    const ConfigError error =
+        scenarioErrorOf(R"([ { "at_ms": 0, "event": { "id": 101, "value": 1, "bytes": "01" } } ])");
+    EXPECT_EQ(error.place(), "/scenario/0/event");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    ConfigReader, ConfigReaderScenario,
-    testing::Values(
-        RefusedScenario{"RefusesAnInputOnAPositionTheBusDoesNotHave",
-                        R"([ { "at_ms": 0, "input": { "module": 3, "pin": 0, "value": 1 } } ])",
-                        "/scenario/0/input/module"},
-        RefusedScenario{"RefusesAPinTheModuleDoesNotHave",
-                        R"([ { "at_ms": 0, "input": { "module": 2, "pin": 2, "raw": 1 } } ])",
-                        "/scenario/0/input/pin"},
-        RefusedScenario{"RefusesARawWordForADigitalInput",
-                        R"([ { "at_ms": 0, "input": { "module": 1, "pin": 0, "raw": 1 } } ])",
-                        "/scenario/0/input/raw"},
-        RefusedScenario{"RefusesAnEventWithBothAValueAndBytes",
-                        R"([ { "at_ms": 0, "event": { "id": 101, "value": 1, "bytes": "01" } } ])",
-                        "/scenario/0/event"},
-        RefusedScenario{"RefusesAnEventForADriverThatIsNotThere",
-                        R"([ { "at_ms": 0, "event": { "id": 101, "value": 1, "driver": 1 } } ])",
-                        "/scenario/0/event/driver"},
-        RefusedScenario{"RefusesAStepAfterTheEnd",
-                        R"([ { "at_ms": 100, "end": true }, { "at_ms": 200, "note": "late" } ])",
-                        "/scenario/1"}),
-    [](const testing::TestParamInfo<RefusedScenario>& info) {
-        return std::string(info.param.name);
-    });
+TEST(ConfigReader, RefusesAnEventForADriverThatIsNotThere) {
+    const ConfigError error =
+        scenarioErrorOf(R"([ { "at_ms": 0, "event": { "id": 101, "value": 1, "driver": 1 } } ])");
+    EXPECT_EQ(error.place(), "/scenario/0/event/driver");
+}
 
 TEST(ConfigReader, ReadsAPlcOperationByName) {
     const Config config = withScenario(R"([ { "at_ms": 5, "plc": "StartWarm" } ])");
@@ -273,6 +260,12 @@ TEST(ConfigReader, AnEndStepEndsTheRun) {
     const Config config =
         withScenario(R"([ { "at_ms": 400, "note": "x" }, { "at_ms": 2000, "end": true } ])");
     EXPECT_EQ(config.end, 2000ms);
+}
+
+TEST(ConfigReader, RefusesAStepAfterTheEnd) {
+    const ConfigError error =
+        scenarioErrorOf(R"([ { "at_ms": 100, "end": true }, { "at_ms": 200, "note": "late" } ])");
+    EXPECT_EQ(error.place(), "/scenario/1");
 }
 
 TEST(ConfigReader, ReadsWhetherAStopIsExpected) {

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <ostream>
 
 #include "TestRuns.h"
 
@@ -32,10 +33,8 @@ RunResult run(const std::string& host, const std::string& scenario,
                         "3": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } },
                         "4": { "eventId": 201, "type": "DigitalOut", "params": { "PinNum": "1", "InitVal": "0" } },
                         "5": { "eventId": 400, "type": "RestartDevice" } } },
-        { "driver": { "deviceType": "AXL_F_AI2_AO2", "params": { "Consecutive Number": "2" } },
-          "mappings": { "300": { "size": 4 }, "310": { "size": 4 } },
-          "services": { "1": { "eventId": 300, "type": "AnalogIn", "params": { "PinNum": "0" } },
-                        "2": { "eventId": 310, "type": "AnalogOut", "params": { "PinNum": "0", "InitVal": "0" } } } } ],
+)" + std::string(axlsimtest::kAnalogDriverAtPosition2) +
+                           R"( ],
       "bus": [ "AXL_F_DI8_1_DO8_1", "AXL_F_AI2_AO2" ],
       "plant": )" + plant + R"(, "host": )" +
                            host + R"(, "scenario": )" + scenario + "}"));
@@ -137,7 +136,7 @@ TEST(HostRoutes, DeliveriesDueAtOneTimeGoInTheOrderOfTheirPublications) {
 }
 
 // Driver 1's channel 0 reads `values` at 150, 250, ... ms; each is published at the scan after.
-std::string steps(std::initializer_list<double> values) {
+std::string steps(const std::vector<double>& values) {
     std::string text = "[ ";
     int t = 150;
     for (double value : values) {
@@ -159,37 +158,53 @@ std::vector<std::vector<uint8_t>> payloadsTo(const RunResult& result, uint32_t i
     return found;
 }
 
-TEST(HostRoutes, AboveWithHysteresisSwitchesOnAboveTheThresholdAndOffBelowItLessTheHysteresis) {
-    const RunResult result = run(
-        R"([ { "route": { "from": 300, "from_driver": 1, "to": 200, "map": "above", "threshold": 5.0, "hysteresis": 2.0 } } ])",
-        steps({6.0, 4.0, 2.5, 4.0, 5.5}));
-    EXPECT_EQ(payloadsTo(result, 200),
-              (std::vector<std::vector<uint8_t>>{{0}, {1}, {1}, {0}, {0}, {1}}));
+// A route from driver 1's channel 0 to output 0, and the payloads it sends to 200 for a run of
+// values.
+struct SwitchingRoute {
+    const char* name;
+    const char* route;
+    std::vector<double> values;
+    std::vector<std::vector<uint8_t>> sent;
+    // A case shows as its name, also in the names of the tests.
+    friend std::ostream& operator<<(std::ostream& out, const SwitchingRoute& row) {
+        return out << row.name;
+    }
+};
+
+class HostRouteSwitching : public testing::TestWithParam<SwitchingRoute> {};
+
+TEST_P(HostRouteSwitching, SendsWhatItsMapMakesOfEachValue) {
+    const RunResult result = run(GetParam().route, steps(GetParam().values));
+    EXPECT_EQ(payloadsTo(result, 200), GetParam().sent);
 }
 
-TEST(HostRoutes, BelowWithHysteresisSwitchesOnBelowTheThresholdAndOffAboveItPlusTheHysteresis) {
-    const RunResult result = run(
-        R"([ { "route": { "from": 300, "from_driver": 1, "to": 200, "map": "below", "threshold": 3.0, "hysteresis": 4.0 } } ])",
-        steps({2.0, 5.0, 8.0, 5.0, 2.5}));
-    EXPECT_EQ(payloadsTo(result, 200),
-              (std::vector<std::vector<uint8_t>>{{1}, {1}, {1}, {0}, {0}, {1}}));
-}
-
-TEST(HostRoutes, AboveWithoutHysteresisIsOnOnlyStrictlyAboveTheThreshold) {
-    const RunResult result = run(
-        R"([ { "route": { "from": 300, "from_driver": 1, "to": 200, "map": "above", "threshold": 5.0 } } ])",
-        steps({6.0, 5.0, 7.0, 4.5}));
-    EXPECT_EQ(payloadsTo(result, 200),
-              (std::vector<std::vector<uint8_t>>{{0}, {1}, {0}, {1}, {0}}));
-}
-
-TEST(HostRoutes, OnChangeSendsOnlyWhatDiffersFromTheRoutesLastDelivery) {
-    const RunResult result = run(
-        R"([ { "route": { "from": 300, "from_driver": 1, "to": 200, "map": "above", "threshold": 5.0,
+INSTANTIATE_TEST_SUITE_P(
+    HostRoutes, HostRouteSwitching,
+    testing::Values(
+        SwitchingRoute{
+            "AboveWithHysteresisSwitchesOnAboveTheThresholdAndOffBelowItLessTheHysteresis",
+            R"([ { "route": { "from": 300, "from_driver": 1, "to": 200, "map": "above", "threshold": 5.0, "hysteresis": 2.0 } } ])",
+            {6.0, 4.0, 2.5, 4.0, 5.5},
+            {{0}, {1}, {1}, {0}, {0}, {1}}},
+        SwitchingRoute{
+            "BelowWithHysteresisSwitchesOnBelowTheThresholdAndOffAboveItPlusTheHysteresis",
+            R"([ { "route": { "from": 300, "from_driver": 1, "to": 200, "map": "below", "threshold": 3.0, "hysteresis": 4.0 } } ])",
+            {2.0, 5.0, 8.0, 5.0, 2.5},
+            {{1}, {1}, {1}, {0}, {0}, {1}}},
+        SwitchingRoute{
+            "AboveWithoutHysteresisIsOnOnlyStrictlyAboveTheThreshold",
+            R"([ { "route": { "from": 300, "from_driver": 1, "to": 200, "map": "above", "threshold": 5.0 } } ])",
+            {6.0, 5.0, 7.0, 4.5},
+            {{0}, {1}, {0}, {1}, {0}}},
+        SwitchingRoute{
+            "OnChangeSendsOnlyWhatDiffersFromTheRoutesLastDelivery",
+            R"([ { "route": { "from": 300, "from_driver": 1, "to": 200, "map": "above", "threshold": 5.0,
                           "hysteresis": 2.0, "on_change": true } } ])",
-        steps({6.0, 4.0, 2.5, 4.0, 5.5}));
-    EXPECT_EQ(payloadsTo(result, 200), (std::vector<std::vector<uint8_t>>{{0}, {1}, {0}, {1}}));
-}
+            {6.0, 4.0, 2.5, 4.0, 5.5},
+            {{0}, {1}, {0}, {1}}}),
+    [](const testing::TestParamInfo<SwitchingRoute>& info) {
+        return std::string(info.param.name);
+    });
 
 TEST(HostRoutes, ScaleSendsGainTimesTheValuePlusOffsetAsAFloat) {
     const RunResult result = run(

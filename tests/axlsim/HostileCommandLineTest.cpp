@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <utility>
 
 #include "Program.h"
 
@@ -50,74 +51,46 @@ const std::string kUntilRange =
     " is not a time: expected whole milliseconds in decimal digits, from 0 to 10^12 ms (about 31 "
     "years)";
 
+// A command line that axlsim refuses with status 2 and this error, before any run.
+HostileCase refused(const char* name, std::vector<std::string> arguments, std::string err) {
+    return {name, std::move(arguments), "", 2, std::move(err), ""};
+}
+
+// A configuration in which check finds a problem, and a part of the report that names it.
+HostileCase checkFinds(const char* name, std::string config, std::string out) {
+    return {name, {"check", "$CONFIG"}, std::move(config), 1, "", std::move(out)};
+}
+
+// A --until that is not a time in the accepted range.
+HostileCase untilRefused(const char* name, const std::string& until) {
+    return refused(name, {"run", kFeedbackLoop, "--until", until},
+                   "--until: " + until + kUntilRange);
+}
+
 std::vector<HostileCase> cases() {
     return {
-        {"UntilBeyondTheLongestRun",
-         {"run", kFeedbackLoop, "--until", "9223372036855"},
-         "",
-         2,
-         "--until: 9223372036855 ms is beyond the longest run, 10^12 ms (about 31 years)",
-         ""},
-        {"UntilFarBeyondTheLongestRun",
-         {"run", kFeedbackLoop, "--until", "99999999999999999999999"},
-         "",
-         2,
-         "--until: 99999999999999999999999 ms is beyond the longest run",
-         ""},
-        {"UntilInExponentNotation",
-         {"run", kFeedbackLoop, "--until", "1e22"},
-         "",
-         2,
-         "--until: 1e22" + kUntilRange,
-         ""},
-        {"UntilNegative",
-         {"run", kFeedbackLoop, "--until", "-5"},
-         "",
-         2,
-         "--until: -5" + kUntilRange,
-         ""},
-        {"UntilNotANumber",
-         {"run", kFeedbackLoop, "--until", "abc"},
-         "",
-         2,
-         "--until: abc" + kUntilRange,
-         ""},
-        {"UntilInfinite",
-         {"run", kFeedbackLoop, "--until", "inf"},
-         "",
-         2,
-         "--until: inf" + kUntilRange,
-         ""},
-        {"UntilInHexadecimal",
-         {"run", kFeedbackLoop, "--until", "0x10"},
-         "",
-         2,
-         "--until: 0x10" + kUntilRange,
-         ""},
+        refused("UntilBeyondTheLongestRun", {"run", kFeedbackLoop, "--until", "9223372036855"},
+                "--until: 9223372036855 ms is beyond the longest run, 10^12 ms (about 31 years)"),
+        refused("UntilFarBeyondTheLongestRun",
+                {"run", kFeedbackLoop, "--until", "99999999999999999999999"},
+                "--until: 99999999999999999999999 ms is beyond the longest run"),
+        untilRefused("UntilInExponentNotation", "1e22"),
+        untilRefused("UntilNegative", "-5"),
+        untilRefused("UntilNotANumber", "abc"),
+        untilRefused("UntilInfinite", "inf"),
+        untilRefused("UntilInHexadecimal", "0x10"),
         {"UntilWithALeadingZeroIsDecimal",
          {"run", kFeedbackLoop, "--json", "--until", "010"},
          "",
          0,
          "",
          R"({"t_ms":10,"kind":"final")"},
-        {"ConfigurationFromDevZero",
-         {"run", "/dev/zero"},
-         "",
-         2,
-         "/dev/zero: is not a regular file",
-         ""},
-        {"ConfigurationFromDevUrandom",
-         {"check", "/dev/urandom"},
-         "",
-         2,
-         "/dev/urandom: is not a regular file",
-         ""},
-        {"ConfigurationIsADirectory",
-         {"run", AXLSIM_EXAMPLES},
-         "",
-         2,
-         AXLSIM_EXAMPLES ": is a directory",
-         ""},
+        refused("ConfigurationFromDevZero", {"run", "/dev/zero"},
+                "/dev/zero: is not a regular file"),
+        refused("ConfigurationFromDevUrandom", {"check", "/dev/urandom"},
+                "/dev/urandom: is not a regular file"),
+        refused("ConfigurationIsADirectory", {"run", AXLSIM_EXAMPLES},
+                AXLSIM_EXAMPLES ": is a directory"),
         {"ConfigurationFromStandardInput",
          {"check", "-"},
          "",
@@ -153,12 +126,9 @@ std::vector<HostileCase> cases() {
          "",
          {},
          true},
-        {"VcdInAMissingFolderIsRefusedBeforeTheRun",
-         {"run", kFeedbackLoop, "--vcd", "/nonexistent/folder/run.vcd"},
-         "",
-         2,
-         "cannot write /nonexistent/folder/run.vcd: No such file or directory",
-         ""},
+        refused("VcdInAMissingFolderIsRefusedBeforeTheRun",
+                {"run", kFeedbackLoop, "--vcd", "/nonexistent/folder/run.vcd"},
+                "cannot write /nonexistent/folder/run.vcd: No such file or directory"),
         {"StandardOutputOnAFullDevice",
          {"run", kFeedbackLoop},
          "",
@@ -201,35 +171,25 @@ std::vector<HostileCase> cases() {
          0,
          "axlsim: 1 problem that axlsim check explains; running anyway",
          ""},
-        {"MisspeltServiceKey",
-         {"check", "$CONFIG"},
-         R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+        checkFinds(
+            "MisspeltServiceKey",
+            R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
               "mappings": { "200": { "size": 1 } },
               "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0", "InitVall": "1" } } } })",
-         1,
-         "",
-         "InitVall: not a key the driver reads; did you mean InitVal?"},
-        {"MisspeltDriverKey",
-         {"check", "$CONFIG"},
-         R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1", "Consecutive Nr": "1" } } })",
-         1,
-         "",
-         "Consecutive Nr: not a key the driver reads; did you mean Consecutive Number?"},
-        {"EventSizeBeyondItsBytes",
-         {"check", "$CONFIG"},
-         std::string(kDigital).insert(
-             1,
-             R"("scenario": [ { "at_ms": 5, "event": { "id": 200, "value": 1, "size": 4294967295 } } ], )"),
-         1,
-         "",
-         "event 200 has the size 4294967295 but carries 1 byte"},
-        {"UnknownCommand",
-         {"bogus"},
-         "",
-         2,
-         std::string("axlsim: bogus is not a command; the commands are ") + kCommands +
-             " (axlsim --help shows them)",
-         ""},
+            "InitVall: not a key the driver reads; did you mean InitVal?"),
+        checkFinds(
+            "MisspeltDriverKey",
+            R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1", "Consecutive Nr": "1" } } })",
+            "Consecutive Nr: not a key the driver reads; did you mean Consecutive Number?"),
+        checkFinds(
+            "EventSizeBeyondItsBytes",
+            std::string(kDigital).insert(
+                1,
+                R"("scenario": [ { "at_ms": 5, "event": { "id": 200, "value": 1, "size": 4294967295 } } ], )"),
+            "event 200 has the size 4294967295 but carries 1 byte"),
+        refused("UnknownCommand", {"bogus"},
+                std::string("axlsim: bogus is not a command; the commands are ") + kCommands +
+                    " (axlsim --help shows them)"),
     };
 }
 

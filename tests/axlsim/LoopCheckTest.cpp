@@ -25,10 +25,8 @@ Config loop(const std::string& sections) {
           "services": { "1": { "eventId": 100, "type": "DigitalIn", "params": { "PinNum": "0" } },
                         "2": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } },
                         "3": { "eventId": 400, "type": "RestartDevice" } } },
-        { "driver": { "deviceType": "AXL_F_AI2_AO2", "params": { "Consecutive Number": "2" } },
-          "mappings": { "300": { "size": 4 }, "310": { "size": 4 } },
-          "services": { "1": { "eventId": 300, "type": "AnalogIn", "params": { "PinNum": "0" } },
-                        "2": { "eventId": 310, "type": "AnalogOut", "params": { "PinNum": "0", "InitVal": "0" } } } } ],
+)" + std::string(axlsimtest::kAnalogDriverAtPosition2) +
+                      R"( ],
       "bus": [ "AXL_F_DI8_1_DO8_1", "AXL_F_AI2_AO2" ], )" +
                       sections + "}");
 }

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "ReadError.h"
 #include "axlsim/configuration/ConfigError.h"
 #include "axlsim/configuration/ConfigReader.h"
 
@@ -27,13 +28,7 @@ Config read(const std::string& sections) {
 }
 
 ConfigError errorOf(const std::string& sections) {
-    try {
-        read(sections);
-    } catch (const ConfigError& error) {
-        return error;
-    }
-    ADD_FAILURE() << "no error for " << sections;
-    return ConfigError("", "", "");
+    return axlsimtest::readError(read, sections);
 }
 
 TEST(LoopReader, NamesPinsByPositionKindAndNumber) {

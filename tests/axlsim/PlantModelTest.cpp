@@ -21,23 +21,30 @@ using axlsimtest::play;
 using namespace std::chrono_literals;
 
 // A digital module at position 1: input pin 1 publishes event 101, event 200 drives output 0.
-std::string digital(const std::string& plant, const std::string& scenario) {
-    return R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+constexpr const char* kDigital =
+    R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
                 "mappings": { "101": { "size": 1 }, "200": { "size": 1 } },
                 "services": { "1": { "eventId": 101, "type": "DigitalIn", "params": { "PinNum": "1" } },
-                              "2": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } },
-                "plant": )" +
-           plant + R"(, "scenario": )" + scenario + "}";
-}
+                              "2": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } })";
 
 // An analog module at position 1: channel 0 publishes event 300, event 310 drives output 0.
-std::string analog(const std::string& plant, const std::string& scenario) {
-    return R"({ "driver": { "deviceType": "AXL_F_AI2_AO2", "params": { "Consecutive Number": "1" } },
+constexpr const char* kAnalog =
+    R"({ "driver": { "deviceType": "AXL_F_AI2_AO2", "params": { "Consecutive Number": "1" } },
                 "mappings": { "300": { "size": 4 }, "310": { "size": 4 } },
                 "services": { "1": { "eventId": 300, "type": "AnalogIn", "params": { "PinNum": "0" } },
-                              "2": { "eventId": 310, "type": "AnalogOut", "params": { "PinNum": "0", "InitVal": "0" } } },
-                "plant": )" +
-           plant + R"(, "scenario": )" + scenario + "}";
+                              "2": { "eventId": 310, "type": "AnalogOut", "params": { "PinNum": "0", "InitVal": "0" } } })";
+
+// One of the modules above with the plant and scenario sections.
+std::string withPlant(const char* module, const std::string& plant, const std::string& scenario) {
+    return std::string(module) + R"(, "plant": )" + plant + R"(, "scenario": )" + scenario + "}";
+}
+
+std::string digital(const std::string& plant, const std::string& scenario) {
+    return withPlant(kDigital, plant, scenario);
+}
+
+std::string analog(const std::string& plant, const std::string& scenario) {
+    return withPlant(kAnalog, plant, scenario);
 }
 
 struct Move {

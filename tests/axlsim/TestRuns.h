@@ -12,6 +12,14 @@
 
 namespace axlsimtest {
 
+// A driver of the analog module at position 2, behind the digital module at position 1: channel 0
+// publishes event 300, event 310 drives output 0. An element of "drivers".
+inline constexpr const char* kAnalogDriverAtPosition2 =
+    R"({ "driver": { "deviceType": "AXL_F_AI2_AO2", "params": { "Consecutive Number": "2" } },
+          "mappings": { "300": { "size": 4 }, "310": { "size": 4 } },
+          "services": { "1": { "eventId": 300, "type": "AnalogIn", "params": { "PinNum": "0" } },
+                        "2": { "eventId": 310, "type": "AnalogOut", "params": { "PinNum": "0", "InitVal": "0" } } } })";
+
 // The driver library built with the tests, loaded once per process.
 const axlsim::DriverLibrary& driverLibrary();
 

@@ -3,7 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <ostream>
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "TestRuns.h"
 #include "VcdReader.h"
@@ -46,21 +50,46 @@ TEST(Vcd, DeclaresEveryPinOfEveryModuleAndEveryPublishedEvent) {
     EXPECT_EQ(vcd.variable("axlsim.driver1.ev301")->type, "real");
 }
 
-TEST(Vcd, ShowsAnOutputChangeAtTheTimeOfItsBusWrite) {
-    const Dumped dumped = dumpOf("feedback_loop.json");
-    const std::vector<Change> expected{{0, "axlsim.m1_AXL_F_DI8_1_DO8_1.out0", "0"},
-                                       {310000, "axlsim.m1_AXL_F_DI8_1_DO8_1.out0", "1"},
-                                       {610000, "axlsim.m1_AXL_F_DI8_1_DO8_1.out0", "0"}};
-    EXPECT_EQ(dumped.vcd.changesOf("axlsim.m1_AXL_F_DI8_1_DO8_1.out0"), expected);
+// The changes of one variable in the dump of an example: their times in microseconds and their
+// values.
+struct VariableChanges {
+    const char* name;
+    const char* example;
+    const char* variable;
+    std::vector<std::pair<int64_t, std::string>> changes;
+    // A case shows as its name, also in the names of the tests.
+    friend std::ostream& operator<<(std::ostream& out, const VariableChanges& row) {
+        return out << row.name;
+    }
+};
+
+class VcdChanges : public testing::TestWithParam<VariableChanges> {};
+
+TEST_P(VcdChanges, AreDumpedAtTheirTimes) {
+    std::vector<Change> expected;
+    for (const auto& [time, value] : GetParam().changes) {
+        expected.push_back(Change{time, GetParam().variable, value});
+    }
+    EXPECT_EQ(dumpOf(GetParam().example).vcd.changesOf(GetParam().variable), expected);
 }
 
-TEST(Vcd, ShowsAnInputChangeAtTheTimeOfItsStep) {
-    const Dumped dumped = dumpOf("two_drivers.json");
-    const std::vector<Change> expected{
-        {0, "axlsim.m2_AXL_F_AI2_AO2.ai0", "b0000000000000000"},
-        {150000, "axlsim.m2_AXL_F_AI2_AO2.ai0", "b0011010010111100"}};
-    EXPECT_EQ(dumped.vcd.changesOf("axlsim.m2_AXL_F_AI2_AO2.ai0"), expected);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Vcd, VcdChanges,
+    testing::Values(VariableChanges{"ShowsAnOutputChangeAtTheTimeOfItsBusWrite",
+                                    "feedback_loop.json",
+                                    "axlsim.m1_AXL_F_DI8_1_DO8_1.out0",
+                                    {{0, "0"}, {310000, "1"}, {610000, "0"}}},
+                    VariableChanges{"ShowsAnInputChangeAtTheTimeOfItsStep",
+                                    "two_drivers.json",
+                                    "axlsim.m2_AXL_F_AI2_AO2.ai0",
+                                    {{0, "b0000000000000000"}, {150000, "b0011010010111100"}}},
+                    VariableChanges{"ADigitalEventIsUnknownUntilItsFirstPublication",
+                                    "restart.json",
+                                    "axlsim.events.ev100",
+                                    {{0, "x"}, {0, "0"}, {701000, "1"}}}),
+    [](const testing::TestParamInfo<VariableChanges>& info) {
+        return std::string(info.param.name);
+    });
 
 TEST(Vcd, ShowsEveryPublishedAnalogValueOfTheTimeline) {
     const Dumped dumped = dumpOf("analog_ramp.json");
@@ -77,14 +106,6 @@ TEST(Vcd, ShowsEveryPublishedAnalogValueOfTheTimeline) {
     }
     EXPECT_EQ(published.size(), 6U);
     EXPECT_EQ(dumped.vcd.changesOf("axlsim.events.ev300"), published);
-}
-
-TEST(Vcd, ADigitalEventIsUnknownUntilItsFirstPublication) {
-    const Dumped dumped = dumpOf("restart.json");
-    const std::vector<Change> expected{{0, "axlsim.events.ev100", "x"},
-                                       {0, "axlsim.events.ev100", "0"},
-                                       {701000, "axlsim.events.ev100", "1"}};
-    EXPECT_EQ(dumped.vcd.changesOf("axlsim.events.ev100"), expected);
 }
 
 TEST(Vcd, AFileNameThatLooksLikeVcdSyntaxCannotBreakTheHeader) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <string>
 
 #include "Arp/Plc/AnsiC/Gds/DataLayout.h"
 #include "Arp/Plc/AnsiC/Io/Axio.h"
@@ -20,6 +21,18 @@ std::size_t offsetIn(TGdsBuffer* handle, const char* variable) {
     std::size_t offset = 9999;
     EXPECT_TRUE(ArpPlcGds_GetVariableOffset(handle, variable, &offset)) << lastError();
     return offset;
+}
+
+// Asks the frame for a variable it does not hold: the call fails with the error text and leaves
+// the offset as it was.
+void expectNoSuchVariable(const char* frame, const char* variable, const std::string& error) {
+    TGdsBuffer* handle = acquire(frame);
+    std::size_t offset = 12345;
+
+    EXPECT_FALSE(ArpPlcGds_GetVariableOffset(handle, variable, &offset));
+    EXPECT_EQ(lastError(), error);
+    EXPECT_EQ(offset, 12345u);
+    ArpPlcIo_ReleaseGdsBuffer(handle);
 }
 
 }  // namespace
@@ -78,24 +91,14 @@ TEST(GdsFrames, ThePlantFindsPortVariablesOfBothFrames) {
 
 TEST(GdsFrames, AnInputPortIsNoVariableOfTheOutputFrame) {
     auto plant = Plant::of({Module::DI8_DO8});
-    TGdsBuffer* out = acquire("1:OUT");
-    std::size_t offset = 12345;
-
-    EXPECT_FALSE(ArpPlcGds_GetVariableOffset(out, "Arp.Io.AxlC/0.~DI8", &offset));
-    EXPECT_EQ(lastError(), "Variable 'Arp.Io.AxlC/0.~DI8' does not exist in buffer '1:OUT'");
-    EXPECT_EQ(offset, 12345u);
-    ArpPlcIo_ReleaseGdsBuffer(out);
+    expectNoSuchVariable("1:OUT", "Arp.Io.AxlC/0.~DI8",
+                         "Variable 'Arp.Io.AxlC/0.~DI8' does not exist in buffer '1:OUT'");
 }
 
 TEST(GdsFrames, AnUnknownVariableFailsWithItsNameAndLeavesTheOffsetUntouched) {
     auto plant = Plant::of({Module::DI8_DO8});
-    TGdsBuffer* in = acquire("1:IN");
-    std::size_t offset = 12345;
-
-    EXPECT_FALSE(ArpPlcGds_GetVariableOffset(in, "Arp.Io.AxlC/7.~DI8", &offset));
-    EXPECT_EQ(lastError(), "Variable 'Arp.Io.AxlC/7.~DI8' does not exist in buffer '1:IN'");
-    EXPECT_EQ(offset, 12345u);
-    ArpPlcIo_ReleaseGdsBuffer(in);
+    expectNoSuchVariable("1:IN", "Arp.Io.AxlC/7.~DI8",
+                         "Variable 'Arp.Io.AxlC/7.~DI8' does not exist in buffer '1:IN'");
 }
 
 TEST(GdsFrames, AVariableNameIsMatchedExactly) {

@@ -39,22 +39,25 @@ bool builtWithThreadSanitizer() {
 #endif
 }
 
+class PlantedRace : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!builtWithThreadSanitizer()) {
+            GTEST_SKIP() << "only meaningful under ThreadSanitizer";
+        }
+    }
+};
+
 }  // namespace
 
-TEST(PlantedRace, ThreadSanitizerReportsTwoThreadsWritingAFrameByteWithoutItsLock) {
-    if (!builtWithThreadSanitizer()) {
-        GTEST_SKIP() << "only meaningful under ThreadSanitizer";
-    }
+TEST_F(PlantedRace, ThreadSanitizerReportsTwoThreadsWritingAFrameByteWithoutItsLock) {
     const Outcome racy = runPlantedRace("");
     EXPECT_EQ(racy.status, 66) << racy.output;
     EXPECT_NE(racy.output.find("ThreadSanitizer: data race"), std::string::npos) << racy.output;
     EXPECT_NE(racy.output.find("PlantedRace.cpp"), std::string::npos) << racy.output;
 }
 
-TEST(PlantedRace, ThreadSanitizerReportsNothingWhenTheModuleTakesTheFrameLock) {
-    if (!builtWithThreadSanitizer()) {
-        GTEST_SKIP() << "only meaningful under ThreadSanitizer";
-    }
+TEST_F(PlantedRace, ThreadSanitizerReportsNothingWhenTheModuleTakesTheFrameLock) {
     const Outcome locked = runPlantedRace("locked");
     EXPECT_EQ(locked.status, 0) << locked.output;
     EXPECT_EQ(locked.output.find("ThreadSanitizer"), std::string::npos) << locked.output;

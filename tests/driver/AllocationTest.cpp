@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <new>
+#include <ostream>
 #include <span>
 #include <string>
 #include <string_view>
@@ -137,6 +138,36 @@ stEventParams_t eventWith(uint32_t id, uint8_t* payload, uint32_t size) {
     return event;
 }
 
+// The allocations of the driver threads over 20 scan passes, each after `change(pass)`.
+template <class Change>
+long allocationsOfTwentyPasses(StepClock& clock, Change change) {
+    allocations = 0;
+    measuringDriverThreads = true;
+    for (int pass = 0; pass < 20; ++pass) {
+        change(pass);
+        clock.step();
+    }
+    measuringDriverThreads = false;
+    return allocations.load();
+}
+
+// The allocations of 20 deliveries of the event on this thread, each after `change(delivery)`.
+template <class Change>
+long allocationsOfTwentyDeliveries(CSI_base& driver, const stEventParams_t& event, Change change) {
+    allocations = 0;
+    {
+        CountingScope counting;
+        for (int delivery = 0; delivery < 20; ++delivery) {
+            change(delivery);
+            driver.receiveEvent(event);
+        }
+    }
+    return allocations.load();
+}
+
+// For deliveries that change nothing in between.
+void noChange(int) {}
+
 }  // namespace
 
 void* operator new(std::size_t size) {
@@ -179,53 +210,58 @@ TEST(Allocation, TheCounterSeesAnAllocationOnACountingThread) {
     EXPECT_EQ(allocations.load(), 1);
 }
 
-TEST(Allocation, ASteadyDigitalScanAllocatesNothingAlsoWhenItPublishes) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+// A driver scanning two inputs of one module: the first is changed once before the measured
+// passes, the second at every measured pass, so that each of them publishes.
+struct SteadyScan {
+    const char* name;
+    vplc::Module module;
+    DriverConfig (*config)();
+    void (*changeFirstInput)(vplc::Plant&);
+    void (*changeSecondInput)(vplc::Plant&, int pass);
+
+    // A case shows as its name, also in the names of the tests.
+    friend std::ostream& operator<<(std::ostream& out, const SteadyScan& row) {
+        return out << row.name;
+    }
+};
+
+class AllocationOfAScan : public testing::TestWithParam<SteadyScan> {};
+
+TEST_P(AllocationOfAScan, IsNoneAlsoWhenItPublishes) {
+    const SteadyScan& scan = GetParam();
+    auto plant = vplc::Plant::of({scan.module});
     StepClock clock;
     DriverThreadMarker marker;
-    auto driver = TestHost::create(DriverConfig::digital().digitalIn(1, "0").digitalIn(2, "4"));
+    auto driver = TestHost::create(scan.config());
     TestHost::initialize(*driver);
     // Through the two initial pauses and two passes, one of them publishing, so that everything
     // the platform sets up on first use is in place.
     clock.step(2);
-    plant.setDigitalInput(1, 0, true);
+    scan.changeFirstInput(plant);
     clock.step(2);
     const int publicationsBefore = marker.publications();
-    allocations = 0;
 
-    measuringDriverThreads = true;
-    for (int pass = 0; pass < 20; ++pass) {
-        plant.setDigitalInput(1, 4, pass % 2 == 0);
-        clock.step();
-    }
-    measuringDriverThreads = false;
-
-    EXPECT_EQ(allocations.load(), 0);
+    EXPECT_EQ(
+        allocationsOfTwentyPasses(clock, [&](int pass) { scan.changeSecondInput(plant, pass); }),
+        0);
     EXPECT_EQ(marker.publications() - publicationsBefore, 20);
 }
 
-TEST(Allocation, ASteadyAnalogScanAllocatesNothingAlsoWhenItPublishes) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
-    StepClock clock;
-    DriverThreadMarker marker;
-    auto driver = TestHost::create(DriverConfig::analog().analogIn(1, "0").analogIn(2, "1"));
-    TestHost::initialize(*driver);
-    clock.step(2);
-    plant.setAnalogInput(1, 0, 3000);
-    clock.step(2);
-    const int publicationsBefore = marker.publications();
-    allocations = 0;
-
-    measuringDriverThreads = true;
-    for (int pass = 0; pass < 20; ++pass) {
-        plant.setAnalogInput(1, 1, pass % 2 == 0 ? 30000 : 0);
-        clock.step();
-    }
-    measuringDriverThreads = false;
-
-    EXPECT_EQ(allocations.load(), 0);
-    EXPECT_EQ(marker.publications() - publicationsBefore, 20);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Allocation, AllocationOfAScan,
+    testing::Values(
+        SteadyScan{
+            "ASteadyDigitalScanAllocatesNothingAlsoWhenItPublishes", vplc::Module::DI8_DO8,
+            [] { return DriverConfig::digital().digitalIn(1, "0").digitalIn(2, "4"); },
+            [](vplc::Plant& plant) { plant.setDigitalInput(1, 0, true); },
+            [](vplc::Plant& plant, int pass) { plant.setDigitalInput(1, 4, pass % 2 == 0); }},
+        SteadyScan{"ASteadyAnalogScanAllocatesNothingAlsoWhenItPublishes", vplc::Module::AI2_AO2,
+                   [] { return DriverConfig::analog().analogIn(1, "0").analogIn(2, "1"); },
+                   [](vplc::Plant& plant) { plant.setAnalogInput(1, 0, 3000); },
+                   [](vplc::Plant& plant, int pass) {
+                       plant.setAnalogInput(1, 1, pass % 2 == 0 ? 30000 : 0);
+                   }}),
+    [](const testing::TestParamInfo<SteadyScan>& info) { return std::string(info.param.name); });
 
 TEST(Allocation, DigitalOutputEventsAllocateNothing) {
     auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
@@ -240,17 +276,11 @@ TEST(Allocation, DigitalOutputEventsAllocateNothing) {
     uint8_t payload = 1;
     const stEventParams_t event = eventWith(20, &payload, 1);
     driver->receiveEvent(event);
-    allocations = 0;
 
-    {
-        CountingScope counting;
-        for (int i = 0; i < 20; ++i) {
-            payload = static_cast<uint8_t>(i % 2);
-            driver->receiveEvent(event);
-        }
-    }
-
-    EXPECT_EQ(allocations.load(), 0);
+    EXPECT_EQ(
+        allocationsOfTwentyDeliveries(
+            *driver, event, [&](int delivery) { payload = static_cast<uint8_t>(delivery % 2); }),
+        0);
     EXPECT_EQ(plant.digitalOutputsOnBus(1), 0x28);
 }
 
@@ -263,17 +293,10 @@ TEST(Allocation, AnalogOutputEventsAllocateNothing) {
     float value = 1.0f;
     const stEventParams_t event = eventWith(20, reinterpret_cast<uint8_t*>(&value), sizeof value);
     driver->receiveEvent(event);
-    allocations = 0;
 
-    {
-        CountingScope counting;
-        for (int i = 0; i < 20; ++i) {
-            value = static_cast<float>(i);
-            driver->receiveEvent(event);
-        }
-    }
-
-    EXPECT_EQ(allocations.load(), 0);
+    EXPECT_EQ(allocationsOfTwentyDeliveries(
+                  *driver, event, [&](int delivery) { value = static_cast<float>(delivery); }),
+              0);
     EXPECT_EQ(plant.analogOutputOnBus(1, 1), 57000);
 }
 
@@ -294,16 +317,8 @@ TEST(Allocation, AnUnsubscribedEventAllocatesNothingOnItsWayPastTheRestartServic
     const int stopsBefore = marker.stops();
     const int busCopiesBefore = plant.calls("ArpPlcAxio_WriteFromGdsToAxio");
     const int restartsBefore = vplc::Runtime::restarts();
-    allocations = 0;
 
-    {
-        CountingScope counting;
-        for (int i = 0; i < 20; ++i) {
-            driver->receiveEvent(event);
-        }
-    }
-
-    EXPECT_EQ(allocations.load(), 0);
+    EXPECT_EQ(allocationsOfTwentyDeliveries(*driver, event, noChange), 0);
     EXPECT_EQ(marker.stops() - stopsBefore, 20);
     EXPECT_EQ(plant.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesBefore, 20);
     EXPECT_EQ(vplc::Runtime::restarts() - restartsBefore, 0);
@@ -319,16 +334,8 @@ TEST(Allocation, AnEventWithoutDataAllocatesNothing) {
     const stEventParams_t event = eventWith(20, nullptr, 1);
     driver->receiveEvent(event);
     const int stopsBefore = marker.stops();
-    allocations = 0;
 
-    {
-        CountingScope counting;
-        for (int i = 0; i < 20; ++i) {
-            driver->receiveEvent(event);
-        }
-    }
-
-    EXPECT_EQ(allocations.load(), 0);
+    EXPECT_EQ(allocationsOfTwentyDeliveries(*driver, event, noChange), 0);
     EXPECT_EQ(marker.stops() - stopsBefore, 20);
 }
 

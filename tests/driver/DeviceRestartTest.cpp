@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -43,6 +44,18 @@ protected:
     }
 
     void restart() { TestHost::deliverBytes(*driver_, 30, {0}); }
+
+    // Restarts: the message of the exception of type E that reaches the host, or nothing if none
+    // does.
+    template <class E>
+    std::optional<std::string> restartFailure() {
+        try {
+            restart();
+        } catch (const E& error) {
+            return std::string(error.GetMessage());
+        }
+        return std::nullopt;
+    }
 
     std::vector<LoggedLine> logs() const {
         std::vector<LoggedLine> lines;
@@ -90,15 +103,10 @@ TEST_F(DeviceRestart, TwoRestartEventsObtainAndReleaseTwoSeparateServiceObjects)
 TEST_F(DeviceRestart, WhenNoServiceIsFoundTheLineIsLoggedAndTheLookupExceptionReachesTheHost) {
     vplc::Runtime::setServiceLookup(vplc::Runtime::Lookup::NoService);
 
-    try {
-        restart();
-        FAIL() << "nothing thrown";
-    } catch (const Arp::System::Commons::InvalidOperationException& error) {
-        EXPECT_EQ(error.GetMessage(),
-                  "Could not retrieve service "
-                  "'Arp::Device::Interface::Services::IDeviceControlService' from service provider "
-                  "'Arp'.");
-    }
+    EXPECT_EQ(restartFailure<Arp::System::Commons::InvalidOperationException>(),
+              "Could not retrieve service "
+              "'Arp::Device::Interface::Services::IDeviceControlService' from service provider "
+              "'Arp'.");
 
     EXPECT_EQ(logs(), std::vector<LoggedLine>{kRestartLine});
     EXPECT_EQ(vplc::Runtime::restarts(), 0);
@@ -133,14 +141,9 @@ TEST_F(DeviceRestart, AFactoryWithANullProviderNameFailsWithALogicError) {
 TEST_F(DeviceRestart, AServiceOfTheWrongTypeFailsWithAnInvalidCastException) {
     vplc::Runtime::setServiceLookup(vplc::Runtime::Lookup::WrongType);
 
-    try {
-        restart();
-        FAIL() << "nothing thrown";
-    } catch (const Arp::System::Commons::InvalidCastException& error) {
-        EXPECT_EQ(error.GetMessage(),
-                  "The service does not implement service interface "
-                  "'Arp.Device.Interface.Services.IDeviceControlService'.");
-    }
+    EXPECT_EQ(restartFailure<Arp::System::Commons::InvalidCastException>(),
+              "The service does not implement service interface "
+              "'Arp.Device.Interface.Services.IDeviceControlService'.");
 
     EXPECT_EQ(vplc::Runtime::restarts(), 0);
     EXPECT_EQ(busCopies(), 0);
@@ -150,12 +153,7 @@ TEST_F(DeviceRestart, AFailingRestartPassesItsExceptionOnAndStillReleasesTheServ
     const int liveBefore = vplc::Runtime::liveServices();
     vplc::inject(vplc::Runtime::kRestartDevice, vplc::Fault::next("device busy"));
 
-    try {
-        restart();
-        FAIL() << "nothing thrown";
-    } catch (const Arp::Exception& error) {
-        EXPECT_EQ(error.GetMessage(), "device busy");
-    }
+    EXPECT_EQ(restartFailure<Arp::Exception>(), "device busy");
 
     EXPECT_EQ(vplc::Runtime::liveServices(), liveBefore);
     EXPECT_EQ(busCopies(), 0);

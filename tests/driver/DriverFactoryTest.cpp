@@ -42,6 +42,16 @@ std::string whatTheFactoryThrows(const DriverConfig& config) {
     return "nothing thrown";
 }
 
+// Creates a driver through the factory, expecting it to throw E from "stoi" without stopping:
+// the lines it logged before.
+template <class Exception>
+std::vector<LoggedLine> linesBeforeStoiThrows(const DriverConfig& config) {
+    orbel::Recorder recorder;
+    EXPECT_EQ(whatTheFactoryThrows<Exception>(config), "stoi");
+    EXPECT_TRUE(recorder.stops().empty());
+    return loggedLines(recorder);
+}
+
 }  // namespace
 
 TEST(DriverFactory, ConsecutiveNumber3Yields3) {
@@ -61,25 +71,15 @@ TEST(DriverFactory, ConsecutiveNumber0x10Yields0) {
 }
 
 TEST(DriverFactory, AnEmptyConsecutiveNumberThrowsInvalidArgumentAfterLoggingTheVersionOnce) {
-    orbel::Recorder recorder;
-
-    EXPECT_EQ(whatTheFactoryThrows<std::invalid_argument>(
+    EXPECT_EQ(linesBeforeStoiThrows<std::invalid_argument>(
                   DriverConfig::digital().param("Consecutive Number", "")),
-              "stoi");
-
-    EXPECT_EQ(loggedLines(recorder), std::vector<LoggedLine>{kVersionLine});
-    EXPECT_TRUE(recorder.stops().empty());
+              std::vector<LoggedLine>{kVersionLine});
 }
 
 TEST(DriverFactory, AnAbsentConsecutiveNumberThrowsInvalidArgumentAfterLoggingTheVersionOnce) {
-    orbel::Recorder recorder;
-
-    EXPECT_EQ(whatTheFactoryThrows<std::invalid_argument>(
+    EXPECT_EQ(linesBeforeStoiThrows<std::invalid_argument>(
                   DriverConfig::digital().withoutParam("Consecutive Number")),
-              "stoi");
-
-    EXPECT_EQ(loggedLines(recorder), std::vector<LoggedLine>{kVersionLine});
-    EXPECT_TRUE(recorder.stops().empty());
+              std::vector<LoggedLine>{kVersionLine});
 }
 
 TEST(DriverFactory, AConsecutiveNumberWithoutDigitsThrowsInvalidArgument) {
@@ -92,13 +92,9 @@ TEST(DriverFactory, AConsecutiveNumberWithoutDigitsThrowsInvalidArgument) {
 }
 
 TEST(DriverFactory, ConsecutiveNumber4294967296ThrowsOutOfRange) {
-    orbel::Recorder recorder;
-
-    EXPECT_EQ(whatTheFactoryThrows<std::out_of_range>(
+    EXPECT_EQ(linesBeforeStoiThrows<std::out_of_range>(
                   DriverConfig::digital().param("Consecutive Number", "4294967296")),
-              "stoi");
-
-    EXPECT_EQ(loggedLines(recorder), std::vector<LoggedLine>{kVersionLine});
+              std::vector<LoggedLine>{kVersionLine});
 }
 
 TEST(DriverFactory, ConsecutiveNumbersAtTheEndsOfTheIntRangeAreAccepted) {

@@ -16,7 +16,7 @@
 #include "vplc/Runtime.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::CombinedModule;
+using drivertest::combinedModule;
 using drivertest::DriverPtr;
 using drivertest::TestHost;
 using hosting::DriverConfig;
@@ -160,7 +160,7 @@ TEST_F(EventReception, AnEventBoundToAnAnalogAndADigitalPinFeedsEachAsItsKind) {
               .service(1, "AnalogOut", 30, {{"PinNum", "1"}, {"InitVal", "0"}})
               .service(2, "DigitalOut", 30, {{"PinNum", "0"}, {"InitVal", "0"}})
               .mapping(30, 4),
-          new CombinedModule(1, 2));
+          combinedModule(1, 2).release());
 
     // The digital pin takes the first payload byte, which for 1.0f in the controller's
     // little-endian order is 0x00, so the pin that was switched on goes off.

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <ostream>
+#include <string>
 #include <vector>
 
 #include "modules/IbIlConversion.h"
@@ -26,35 +28,61 @@ float floatWithBits(uint32_t bits) {
 // The scale step: the float nearest to 1/3000.
 const float kStep = floatWithBits(0x39AEC33Eu);
 
+// A word from the bus and the value it stands for.
+struct WordAndValue {
+    const char* name;
+    unsigned short word;
+    float value;
+    // A case shows as its name, also in the names of the tests.
+    friend std::ostream& operator<<(std::ostream& out, const WordAndValue& row) {
+        return out << row.name;
+    }
+};
+
+class IbIlWordRead : public testing::TestWithParam<WordAndValue> {};
+
+class IbIlValueSent : public testing::TestWithParam<WordAndValue> {};
+
+std::string nameOf(const testing::TestParamInfo<WordAndValue>& info) {
+    return info.param.name;
+}
+
 }  // namespace
 
-TEST(IbIlConversion, WordZeroIsZero) {
-    EXPECT_EQ(bitsOf(from_ib_il(0)), bitsOf(0.0f));
+TEST_P(IbIlWordRead, StandsForItsValueToTheBit) {
+    EXPECT_EQ(bitsOf(from_ib_il(GetParam().word)), bitsOf(GetParam().value));
 }
+
+INSTANTIATE_TEST_SUITE_P(IbIlConversion, IbIlWordRead,
+                         testing::Values(WordAndValue{"WordZeroIsZero", 0, 0.0f},
+                                         WordAndValue{"Word3000IsOne", 3000, 1.0f},
+                                         WordAndValue{"Word15000IsFive", 15000, 5.0f},
+                                         WordAndValue{"Word30000IsTen", 30000, 10.0f},
+                                         WordAndValue{"Word65535Is21_844999", 65535, 21.844999f},
+                                         WordAndValue{"WordsFrom0x8000UpAreLargePositiveValues",
+                                                      32768, 10.922667f}),
+                         nameOf);
+
+TEST_P(IbIlValueSent, AsItsWord) {
+    EXPECT_EQ(to_ib_il(GetParam().value), GetParam().word);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    IbIlConversion, IbIlValueSent,
+    testing::Values(WordAndValue{"OneIsSentAs3000", 3000, 1.0f},
+                    WordAndValue{"TenIsSentAs30000", 30000, 10.0f},
+                    WordAndValue{"AValueBetweenStepsIsTruncatedNotRounded", 9999, 3.3333f},
+                    WordAndValue{"OnePoint23456IsSentAs3703", 3703, 1.23456f},
+                    WordAndValue{"AValueBelowOneStepIsSentAsZero", 0, 0.0001f},
+                    WordAndValue{"TwentyOnePoint845IsSentAs65535", 65535, 21.845f},
+                    WordAndValue{"TwentyOnePoint846WrapsAroundTo2", 2, 21.846f},
+                    WordAndValue{"TwentyTwoIsSentAs464BecauseTheCountWraps", 464, 22.0f},
+                    WordAndValue{"OneHundredIsSentAs37856BecauseTheCountWraps", 37856, 100.0f}),
+    nameOf);
 
 TEST(IbIlConversion, WordOneIsExactlyTheScaleStep) {
     EXPECT_EQ(bitsOf(from_ib_il(1)), 0x39AEC33Eu);
     EXPECT_EQ(bitsOf(from_ib_il(1)), bitsOf(kStep));
-}
-
-TEST(IbIlConversion, Word3000IsOne) {
-    EXPECT_EQ(bitsOf(from_ib_il(3000)), bitsOf(1.0f));
-}
-
-TEST(IbIlConversion, Word15000IsFive) {
-    EXPECT_EQ(bitsOf(from_ib_il(15000)), bitsOf(5.0f));
-}
-
-TEST(IbIlConversion, Word30000IsTen) {
-    EXPECT_EQ(bitsOf(from_ib_il(30000)), bitsOf(10.0f));
-}
-
-TEST(IbIlConversion, Word65535Is21_844999) {
-    EXPECT_EQ(bitsOf(from_ib_il(65535)), bitsOf(21.844999f));
-}
-
-TEST(IbIlConversion, WordsFrom0x8000UpAreLargePositiveValues) {
-    EXPECT_EQ(bitsOf(from_ib_il(32768)), bitsOf(10.922667f));
 }
 
 TEST(IbIlConversion, EveryWordIsTheSinglePrecisionProductOfWordAndStep) {
@@ -63,42 +91,6 @@ TEST(IbIlConversion, EveryWordIsTheSinglePrecisionProductOfWordAndStep) {
         ASSERT_EQ(bitsOf(from_ib_il(static_cast<unsigned short>(word))), bitsOf(expected))
             << "word " << word;
     }
-}
-
-TEST(IbIlConversion, OneIsSentAs3000) {
-    EXPECT_EQ(to_ib_il(1.0f), 3000);
-}
-
-TEST(IbIlConversion, TenIsSentAs30000) {
-    EXPECT_EQ(to_ib_il(10.0f), 30000);
-}
-
-TEST(IbIlConversion, AValueBetweenStepsIsTruncatedNotRounded) {
-    EXPECT_EQ(to_ib_il(3.3333f), 9999);
-}
-
-TEST(IbIlConversion, OnePoint23456IsSentAs3703) {
-    EXPECT_EQ(to_ib_il(1.23456f), 3703);
-}
-
-TEST(IbIlConversion, AValueBelowOneStepIsSentAsZero) {
-    EXPECT_EQ(to_ib_il(0.0001f), 0);
-}
-
-TEST(IbIlConversion, TwentyOnePoint845IsSentAs65535) {
-    EXPECT_EQ(to_ib_il(21.845f), 65535);
-}
-
-TEST(IbIlConversion, TwentyOnePoint846WrapsAroundTo2) {
-    EXPECT_EQ(to_ib_il(21.846f), 2);
-}
-
-TEST(IbIlConversion, TwentyTwoIsSentAs464BecauseTheCountWraps) {
-    EXPECT_EQ(to_ib_il(22.0f), 464);
-}
-
-TEST(IbIlConversion, OneHundredIsSentAs37856BecauseTheCountWraps) {
-    EXPECT_EQ(to_ib_il(100.0f), 37856);
 }
 
 TEST(IbIlConversion, ANegativeValueIsSentAsZero) {

@@ -15,7 +15,7 @@
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::CombinedModule;
+using drivertest::combinedModule;
 using drivertest::DriverPtr;
 using drivertest::TestHost;
 using hosting::DriverConfig;
@@ -45,6 +45,16 @@ protected:
         }
         TestHost::initialize(*driver_);
         clock_.settle();
+    }
+
+    // Serves channel 0 of the analog module as event 5, with the channel at `from` until the
+    // second scan has run, then moves it to `to`.
+    void moveAnalogInputAfterStart(unsigned short from, unsigned short to) {
+        plant_.setAnalogInput(2, 0, from);
+        start(DriverConfig::analog(2).analogIn(5, "0"));
+        clock_.runUntil(scanTime(2));
+
+        plant_.setAnalogInput(2, 0, to);
     }
 
     std::vector<uint32_t> publishedIds() const {
@@ -136,7 +146,7 @@ TEST_F(Scan, DigitalInputsArePublishedBeforeAnalogInputs) {
               .digitalIn(2, "4")
               .analogIn(3, "0")
               .digitalIn(4, "2"),
-          new CombinedModule(1, 2));
+          combinedModule(1, 2).release());
     clock_.runUntil(50ms);
 
     EXPECT_EQ(publishedIds(), (std::vector<uint32_t>{4, 2, 3, 1}));
@@ -229,22 +239,14 @@ TEST_F(Scan, OnlyTheInputThatChangedIsPublished) {
 }
 
 TEST_F(Scan, AnAnalogInputMovingFrom4_0To4_1IsNotPublished) {
-    plant_.setAnalogInput(2, 0, 12000);
-    start(DriverConfig::analog(2).analogIn(5, "0"));
-    clock_.runUntil(scanTime(2));
-
-    plant_.setAnalogInput(2, 0, 12300);
+    moveAnalogInputAfterStart(12000, 12300);
     clock_.runUntil(scanTime(6));
 
     EXPECT_EQ(publishedPayloads(), std::vector<std::vector<uint8_t>>{floatBytes(4.0f)});
 }
 
 TEST_F(Scan, AnAnalogInputMovingFrom4_0To4_125IsPublishedAndBecomesTheReference) {
-    plant_.setAnalogInput(2, 0, 12000);
-    start(DriverConfig::analog(2).analogIn(5, "0"));
-    clock_.runUntil(scanTime(2));
-
-    plant_.setAnalogInput(2, 0, 12375);
+    moveAnalogInputAfterStart(12000, 12375);
     clock_.runUntil(scanTime(4));
     ASSERT_EQ(publishedPayloads(),
               (std::vector<std::vector<uint8_t>>{floatBytes(4.0f), floatBytes(4.125f)}));
@@ -260,10 +262,7 @@ TEST_F(Scan, AnAnalogInputMovingFrom4_0To4_125IsPublishedAndBecomesTheReference)
 TEST_F(Scan, ARawStepFrom0To300IsPublishedBecauseTheDeadBandIsComparedInDoublePrecision) {
     // The step is exactly the float 0.1f, which is above the double 0.1 but not above 0.1f.
     ASSERT_EQ(from_ib_il(300), 0.1f);
-    start(DriverConfig::analog(2).analogIn(5, "0"));
-    clock_.runUntil(scanTime(2));
-
-    plant_.setAnalogInput(2, 0, 300);
+    moveAnalogInputAfterStart(0, 300);
     clock_.runUntil(scanTime(3));
 
     EXPECT_EQ(publishedPayloads(),

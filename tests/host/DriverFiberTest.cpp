@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "DriverFiber.h"
@@ -37,6 +39,19 @@ struct Witness {
     int& destroyed_;
 };
 
+// A body that records each of the names in `steps`, suspending between one and the next.
+std::function<void()> recordingWithSuspensions(std::vector<std::string>& steps,
+                                               std::vector<std::string> names) {
+    return [&steps, names = std::move(names)] {
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            if (i > 0) {
+                orbel::suspendFiber();
+            }
+            steps.push_back(names[i]);
+        }
+    };
+}
+
 }  // namespace
 
 TEST_F(DriverFiberTest, RunsNothingUntilItIsResumed) {
@@ -49,13 +64,7 @@ TEST_F(DriverFiberTest, RunsNothingUntilItIsResumed) {
 
 TEST_F(DriverFiberTest, ResumeRunsTheBodyUpToItsSuspensionAndTheNextResumeGoesOnFromThere) {
     std::vector<std::string> steps;
-    DriverFiber fiber(owner_, [&] {
-        steps.push_back("first");
-        orbel::suspendFiber();
-        steps.push_back("second");
-        orbel::suspendFiber();
-        steps.push_back("third");
-    });
+    DriverFiber fiber(owner_, recordingWithSuspensions(steps, {"first", "second", "third"}));
 
     fiber.resume();
     EXPECT_EQ(steps, (std::vector<std::string>{"first"}));
@@ -235,11 +244,7 @@ TEST_F(DriverFiberTest, ManyFibersTakeTurnsInTheOrderTheyAreResumed) {
 
 TEST_F(DriverFiberTest, AFiberResumedFromAnotherFiberGivesTheThreadBackToThatFiber) {
     std::vector<std::string> steps;
-    DriverFiber inner(owner_, [&] {
-        steps.push_back("inner");
-        orbel::suspendFiber();
-        steps.push_back("inner again");
-    });
+    DriverFiber inner(owner_, recordingWithSuspensions(steps, {"inner", "inner again"}));
     DriverFiber outer(owner_, [&] {
         steps.push_back("outer");
         inner.resume();

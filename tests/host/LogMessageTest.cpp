@@ -5,7 +5,9 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <ostream>
 #include <string>
+#include <tuple>
 
 #include "LogMessage.h"
 #include "orbel/LogFormat.h"
@@ -21,6 +23,30 @@ std::string render(const char* format, ...) {
     return text;
 }
 
+// The recorder holds one line, with this level, format and text.
+void expectOnlyLine(const orbel::Recorder& recorder, int level, const std::string& format,
+                    const std::string& text) {
+    const auto logs = recorder.logs();
+    ASSERT_EQ(logs.size(), 1u);
+    const orbel::LogLine& line = logs[0];
+    EXPECT_EQ(std::tie(line.level, line.format, line.text), std::tie(level, format, text));
+}
+
+// A refusal of a pin, whose format writes the pin's place as "&d", and the line it renders.
+struct PinRefusal {
+    const char* name;
+    const char* format;
+    int pin;
+    const char* range;
+    const char* text;
+    // A case shows as its name, also in the names of the tests.
+    friend std::ostream& operator<<(std::ostream& out, const PinRefusal& row) {
+        return out << row.name;
+    }
+};
+
+class LogMessagePinRefusal : public testing::TestWithParam<PinRefusal> {};
+
 }  // namespace
 
 TEST(LogMessage, ALineKeepsItsLevelItsFormatAndItsRenderedText) {
@@ -28,77 +54,54 @@ TEST(LogMessage, ALineKeepsItsLevelItsFormatAndItsRenderedText) {
 
     logMessage(2, "Can't begin read: %s", "buffer locked");
 
-    const auto logs = recorder.logs();
-    ASSERT_EQ(logs.size(), 1u);
-    EXPECT_EQ(logs[0].level, 2);
-    EXPECT_EQ(logs[0].format, "Can't begin read: %s");
-    EXPECT_EQ(logs[0].text, "Can't begin read: buffer locked");
+    expectOnlyLine(recorder, 2, "Can't begin read: %s", "Can't begin read: buffer locked");
 }
 
 TEST(LogMessage, TheVersionLineShowsNameVersionAndService) {
     orbel::Recorder recorder;
+    const char* format = "CPLCNext: Drivername[%s]-Version [%d.%d.%d] - Service[%s]";
 
-    logMessage(4, "CPLCNext: Drivername[%s]-Version [%d.%d.%d] - Service[%s]", "Plc Next", 1, 3, 2,
-               "IO1");
+    logMessage(4, format, "Plc Next", 1, 3, 2, "IO1");
 
-    ASSERT_EQ(recorder.logs().size(), 1u);
-    EXPECT_EQ(recorder.logs()[0].text,
-              "CPLCNext: Drivername[Plc Next]-Version [1.3.2] - Service[IO1]");
+    expectOnlyLine(recorder, 4, format,
+                   "CPLCNext: Drivername[Plc Next]-Version [1.3.2] - Service[IO1]");
 }
 
-TEST(LogMessage, TheDigitalInputFormatWithAmpersandDShowsThePinAndThenTheRange) {
-    orbel::Recorder recorder;
-    const char* format = "Digital input pin with number &d is not available. Valid numbers are %s.";
-
-    logMessage(2, format, 8, "0 - 7");
-
-    ASSERT_EQ(recorder.logs().size(), 1u);
-    EXPECT_EQ(recorder.logs()[0].format, format);
-    EXPECT_EQ(recorder.logs()[0].text,
-              "Digital input pin with number 8 is not available. Valid numbers are 0 - 7.");
-}
-
-TEST(LogMessage, TheAnalogInputFormatWithAmpersandDShowsThePinAndThenTheRange) {
+TEST_P(LogMessagePinRefusal, ShowsThePinAndThenTheRange) {
     orbel::Recorder recorder;
 
-    logMessage(2, "Analog input pin with number &d is not available. Valid numbers are %s", 2,
-               "0 - 1");
+    logMessage(2, GetParam().format, GetParam().pin, GetParam().range);
 
-    ASSERT_EQ(recorder.logs().size(), 1u);
-    EXPECT_EQ(recorder.logs()[0].text,
-              "Analog input pin with number 2 is not available. Valid numbers are 0 - 1");
+    expectOnlyLine(recorder, 2, GetParam().format, GetParam().text);
 }
 
-TEST(LogMessage, TheDigitalOutputFormatWithAmpersandDShowsThePinAndThenTheRange) {
-    orbel::Recorder recorder;
-
-    logMessage(2, "Digital output pin with number &d is not available. Valid numbers are %s.", 12,
-               "0 - 7");
-
-    ASSERT_EQ(recorder.logs().size(), 1u);
-    EXPECT_EQ(recorder.logs()[0].text,
-              "Digital output pin with number 12 is not available. Valid numbers are 0 - 7.");
-}
-
-TEST(LogMessage, TheAnalogOutputFormatWithAmpersandDShowsThePinAndThenTheRange) {
-    orbel::Recorder recorder;
-
-    logMessage(2, "Analog output pin with number &d is not available. Valid numbers are %s.", -1,
-               "0 - 1");
-
-    ASSERT_EQ(recorder.logs().size(), 1u);
-    EXPECT_EQ(recorder.logs()[0].text,
-              "Analog output pin with number -1 is not available. Valid numbers are 0 - 1.");
-}
+INSTANTIATE_TEST_SUITE_P(
+    LogMessage, LogMessagePinRefusal,
+    testing::Values(
+        PinRefusal{"TheDigitalInputFormatWithAmpersandDShowsThePinAndThenTheRange",
+                   "Digital input pin with number &d is not available. Valid numbers are %s.", 8,
+                   "0 - 7",
+                   "Digital input pin with number 8 is not available. Valid numbers are 0 - 7."},
+        PinRefusal{"TheAnalogInputFormatWithAmpersandDShowsThePinAndThenTheRange",
+                   "Analog input pin with number &d is not available. Valid numbers are %s", 2,
+                   "0 - 1",
+                   "Analog input pin with number 2 is not available. Valid numbers are 0 - 1"},
+        PinRefusal{"TheDigitalOutputFormatWithAmpersandDShowsThePinAndThenTheRange",
+                   "Digital output pin with number &d is not available. Valid numbers are %s.", 12,
+                   "0 - 7",
+                   "Digital output pin with number 12 is not available. Valid numbers are 0 - 7."},
+        PinRefusal{"TheAnalogOutputFormatWithAmpersandDShowsThePinAndThenTheRange",
+                   "Analog output pin with number &d is not available. Valid numbers are %s.", -1,
+                   "0 - 1",
+                   "Analog output pin with number -1 is not available. Valid numbers are 0 - 1."}),
+    [](const testing::TestParamInfo<PinRefusal>& info) { return std::string(info.param.name); });
 
 TEST(LogMessage, ANullFormatGivesAnEmptyLine) {
     orbel::Recorder recorder;
 
     logMessage(2, nullptr);
 
-    ASSERT_EQ(recorder.logs().size(), 1u);
-    EXPECT_EQ(recorder.logs()[0].format, "");
-    EXPECT_EQ(recorder.logs()[0].text, "");
+    expectOnlyLine(recorder, 2, "", "");
 }
 
 TEST(LogFormat, PercentIShowsASignedDecimal) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <stdexcept>
@@ -41,6 +42,13 @@ public:
     }
     bool refused = false;
 };
+
+// What a failure counter has counted: failure lines, stops, exceptions, and their total.
+std::array<int, 4> countsOf(const orbel::FailureCounter& failures) {
+    return {failures.failureLines(), failures.stops(), failures.exceptions(), failures.total()};
+}
+
+using Counts = std::array<int, 4>;
 
 }  // namespace
 
@@ -189,8 +197,7 @@ TEST(FailureCounter, CountsFailureLinesButNotNoticesNorHostWarnings) {
     logMessage(4, "a notice");
     logMessage(orbel::kHostWarningLevel, "a host warning");
 
-    EXPECT_EQ(failures.failureLines(), 1);
-    EXPECT_EQ(failures.total(), 1);
+    EXPECT_EQ(countsOf(failures), (Counts{1, 0, 0, 1}));
 }
 
 TEST(FailureCounter, CountsEveryStop) {
@@ -200,8 +207,7 @@ TEST(FailureCounter, CountsEveryStop) {
     driver.stopWithError("stopped");
     driver.stopWithError("stopped again");
 
-    EXPECT_EQ(failures.stops(), 2);
-    EXPECT_EQ(failures.total(), 2);
+    EXPECT_EQ(countsOf(failures), (Counts{0, 2, 0, 2}));
 }
 
 TEST(FailureCounter, CountsAThreadEndedByAnExceptionButNotOneWhoseRunReturned) {
@@ -215,8 +221,7 @@ TEST(FailureCounter, CountsAThreadEndedByAnExceptionButNotOneWhoseRunReturned) {
     throwing.initialize();
     throwing.joinThread();
 
-    EXPECT_EQ(failures.exceptions(), 1);
-    EXPECT_EQ(failures.total(), 1);
+    EXPECT_EQ(countsOf(failures), (Counts{0, 0, 1, 1}));
 }
 
 TEST(Recorder, ClearForgetsEverythingRecorded) {

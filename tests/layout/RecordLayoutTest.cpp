@@ -53,63 +53,52 @@ bool startAtZeroAndIncrease(const std::vector<std::ptrdiff_t>& offsets) {
     return true;
 }
 
-// The field order holds on every target; size and offsets are compared with the pinned layout
-// of the target this test is built for.
-void expectLayout(std::size_t size, const std::vector<std::ptrdiff_t>& offsets,
-                  RecordLayout PinnedLayout::*record) {
+// The given fields, in the order of the arguments, lie in that order on every target; the
+// record's size and their offsets are compared with the pinned layout of the target this test is
+// built for.
+template <class Record, class... Fields>
+void expectLayout(RecordLayout PinnedLayout::*record, Fields Record::*... fields) {
+    const std::vector<std::ptrdiff_t> offsets = offsetsOf<Record>(fields...);
     EXPECT_TRUE(startAtZeroAndIncrease(offsets));
     const PinnedLayout* pinned = layouttest::pinnedLayout();
     ASSERT_NE(pinned, nullptr) << "no layout of the host contract is pinned for this target ABI";
-    EXPECT_EQ(size, (pinned->*record).size) << pinned->abi;
+    EXPECT_EQ(sizeof(Record), (pinned->*record).size) << pinned->abi;
     EXPECT_EQ(offsets, (pinned->*record).offsets) << pinned->abi;
 }
 
 }  // namespace
 
 TEST(HostRecordLayout, TagElementFieldsLieInContractOrderWithThePinnedSize) {
-    expectLayout(sizeof(stTagElem_t),
-                 offsetsOf<stTagElem_t>(&stTagElem_t::nHostWord, &stTagElem_t::sHostText1,
-                                        &stTagElem_t::sHostText2, &stTagElem_t::sHostText3),
-                 &PinnedLayout::tagElem);
+    expectLayout(&PinnedLayout::tagElem, &stTagElem_t::nHostWord, &stTagElem_t::sHostText1,
+                 &stTagElem_t::sHostText2, &stTagElem_t::sHostText3);
 }
 
 TEST(HostRecordLayout, AppBlocInfoFieldsLieInContractOrderWithThePinnedSize) {
-    expectLayout(
-        sizeof(stAppBlocInfo_t),
-        offsetsOf<stAppBlocInfo_t>(&stAppBlocInfo_t::sHostText1, &stAppBlocInfo_t::sHostText2,
-                                   &stAppBlocInfo_t::sHostText3),
-        &PinnedLayout::appBlocInfo);
+    expectLayout(&PinnedLayout::appBlocInfo, &stAppBlocInfo_t::sHostText1,
+                 &stAppBlocInfo_t::sHostText2, &stAppBlocInfo_t::sHostText3);
 }
 
 TEST(HostRecordLayout, MappingElementFieldsLieInContractOrderWithThePinnedSize) {
-    expectLayout(
-        sizeof(stMappingElem_t),
-        offsetsOf<stMappingElem_t>(&stMappingElem_t::nDataSize, &stMappingElem_t::sHostText1,
-                                   &stMappingElem_t::sHostText2, &stMappingElem_t::vecTags),
-        &PinnedLayout::mappingElem);
+    expectLayout(&PinnedLayout::mappingElem, &stMappingElem_t::nDataSize,
+                 &stMappingElem_t::sHostText1, &stMappingElem_t::sHostText2,
+                 &stMappingElem_t::vecTags);
 }
 
 TEST(HostRecordLayout, ServiceParamsFieldsLieInContractOrderWithThePinnedSize) {
-    expectLayout(sizeof(stServiceParams_t),
-                 offsetsOf<stServiceParams_t>(
-                     &stServiceParams_t::byHost1, &stServiceParams_t::byHost2,
-                     &stServiceParams_t::nEventId, &stServiceParams_t::sName,
-                     &stServiceParams_t::sServiceType, &stServiceParams_t::mapParams),
-                 &PinnedLayout::serviceParams);
+    expectLayout(&PinnedLayout::serviceParams, &stServiceParams_t::byHost1,
+                 &stServiceParams_t::byHost2, &stServiceParams_t::nEventId,
+                 &stServiceParams_t::sName, &stServiceParams_t::sServiceType,
+                 &stServiceParams_t::mapParams);
 }
 
 TEST(HostRecordLayout, DriverParamsFieldsLieInContractOrderWithThePinnedSize) {
-    expectLayout(sizeof(stSP_Params_t),
-                 offsetsOf<stSP_Params_t>(&stSP_Params_t::sName, &stSP_Params_t::sServiceName,
-                                          &stSP_Params_t::sDeviceType, &stSP_Params_t::mapParams),
-                 &PinnedLayout::spParams);
+    expectLayout(&PinnedLayout::spParams, &stSP_Params_t::sName, &stSP_Params_t::sServiceName,
+                 &stSP_Params_t::sDeviceType, &stSP_Params_t::mapParams);
 }
 
 TEST(HostRecordLayout, EventParamsFieldsLieInContractOrderWithThePinnedSize) {
-    expectLayout(sizeof(stEventParams_t),
-                 offsetsOf<stEventParams_t>(&stEventParams_t::pData, &stEventParams_t::nId,
-                                            &stEventParams_t::nSize),
-                 &PinnedLayout::eventParams);
+    expectLayout(&PinnedLayout::eventParams, &stEventParams_t::pData, &stEventParams_t::nId,
+                 &stEventParams_t::nSize);
 }
 
 TEST(HostRecordLayout, ServiceTypesAreFourByteIntsWithTheirFixedValues) {

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <mutex>
+#include <ostream>
 #include <string>
 #include <thread>
 
@@ -32,6 +33,16 @@ std::string selfDirectory() {
     path[length < 0 ? 0 : length] = '\0';
     std::string text(path);
     return text.substr(0, text.rfind('/') + 1);
+}
+
+// Initialises the loader in a child after `prepare` has set up the runtime there; the child
+// exits with 0 if the loader set its error status and returned.
+hosting::ChildResult initializeInChild(void (*prepare)()) {
+    return runInChild([prepare] {
+        prepare();
+        ArpModuleLoader::initialize();
+        return ArpModuleLoader::m_bErrorStatus ? 0 : 1;
+    });
 }
 
 }  // namespace
@@ -70,62 +81,62 @@ TEST(ModuleLoad, AProcessDomainSetBeforeTheLoadIsKeptAndTheManagersGetTheLoadedO
     EXPECT_EQ(child.output, "");
 }
 
-TEST(ModuleLoad, ANullDomainGivesResult3WithoutALine) {
-    auto child = runInChild([] {
-        Runtime::setModuleMain(Runtime::MainOutcome::NullDomain);
+// How the module's main ends, set up in the child before the load, and what the load then
+// returns and prints.
+struct LoadOutcome {
+    const char* name;
+    void (*mainEnds)();
+    int result;
+    const char* output;
+    // A case shows as its name, also in the names of the tests.
+    friend std::ostream& operator<<(std::ostream& out, const LoadOutcome& row) {
+        return out << row.name;
+    }
+};
+
+class ModuleLoadEnding : public testing::TestWithParam<LoadOutcome> {};
+
+TEST_P(ModuleLoadEnding, GivesItsResultAndLine) {
+    const auto child = runInChild([mainEnds = GetParam().mainEnds] {
+        mainEnds();
         return ArpSystemModule_Load("/usr/lib", "tarnwick", kLoadSettings);
     });
-    EXPECT_EQ(child.exitCode, 3);
-    EXPECT_EQ(child.output, "");
+    EXPECT_EQ(child.exitCode, GetParam().result);
+    EXPECT_EQ(child.output, GetParam().output);
 }
 
-TEST(ModuleLoad, AnArpExceptionPrintsItsLineAndGivesResult4) {
-    auto child = runInChild([] {
-        vplc::inject(Runtime::kModuleMain, vplc::Fault::next("settings file not found"));
-        return ArpSystemModule_Load("/usr/lib", "tarnwick", kLoadSettings);
-    });
-    EXPECT_EQ(child.exitCode, 4);
-    EXPECT_EQ(child.output,
-              "Exception of type Arp::Exception occured during call of ArpSystemModule_Load : "
-              "settings file not found\n");
-}
-
-TEST(ModuleLoad, AStandardExceptionPrintsItsLineAndGivesResult4) {
-    auto child = runInChild([] {
-        Runtime::setModuleMain(Runtime::MainOutcome::StdException, "bad settings");
-        return ArpSystemModule_Load("/usr/lib", "tarnwick", kLoadSettings);
-    });
-    EXPECT_EQ(child.exitCode, 4);
-    EXPECT_EQ(child.output,
-              "Exception of type std::exception occured during call of ArpSystemModule_Load : "
-              "bad settings\n");
-}
-
-TEST(ModuleLoad, AnExceptionOfAnotherTypePrintsItsLineAndGivesResult4) {
-    auto child = runInChild([] {
-        Runtime::setModuleMain(Runtime::MainOutcome::UnknownException);
-        return ArpSystemModule_Load("/usr/lib", "tarnwick", kLoadSettings);
-    });
-    EXPECT_EQ(child.exitCode, 4);
-    EXPECT_EQ(child.output,
-              "Exception of unknown type occured during call of ArpSystemModule_Load\n");
-}
+INSTANTIATE_TEST_SUITE_P(
+    ModuleLoad, ModuleLoadEnding,
+    testing::Values(
+        LoadOutcome{"ANullDomainGivesResult3WithoutALine",
+                    [] { Runtime::setModuleMain(Runtime::MainOutcome::NullDomain); }, 3, ""},
+        LoadOutcome{"AnArpExceptionPrintsItsLineAndGivesResult4",
+                    [] {
+                        vplc::inject(Runtime::kModuleMain,
+                                     vplc::Fault::next("settings file not found"));
+                    },
+                    4,
+                    "Exception of type Arp::Exception occured during call of "
+                    "ArpSystemModule_Load : settings file not found\n"},
+        LoadOutcome{
+            "AStandardExceptionPrintsItsLineAndGivesResult4",
+            [] { Runtime::setModuleMain(Runtime::MainOutcome::StdException, "bad settings"); }, 4,
+            "Exception of type std::exception occured during call of "
+            "ArpSystemModule_Load : bad settings\n"},
+        LoadOutcome{"AnExceptionOfAnotherTypePrintsItsLineAndGivesResult4",
+                    [] { Runtime::setModuleMain(Runtime::MainOutcome::UnknownException); }, 4,
+                    "Exception of unknown type occured during call of ArpSystemModule_Load\n"}),
+    [](const testing::TestParamInfo<LoadOutcome>& info) { return std::string(info.param.name); });
 
 TEST(ModuleLoader, ANullDomainSetsTheErrorStatusAndDoesNotWait) {
-    auto child = runInChild([] {
-        Runtime::setModuleMain(Runtime::MainOutcome::NullDomain);
-        ArpModuleLoader::initialize();
-        return ArpModuleLoader::m_bErrorStatus ? 0 : 1;
-    });
+    const auto child =
+        initializeInChild([] { Runtime::setModuleMain(Runtime::MainOutcome::NullDomain); });
     EXPECT_EQ(child.exitCode, 0);
 }
 
 TEST(ModuleLoader, AnExceptionSetsTheErrorStatusAndDoesNotWait) {
-    auto child = runInChild([] {
-        Runtime::setModuleMain(Runtime::MainOutcome::StdException, "no runtime");
-        ArpModuleLoader::initialize();
-        return ArpModuleLoader::m_bErrorStatus ? 0 : 1;
-    });
+    const auto child = initializeInChild(
+        [] { Runtime::setModuleMain(Runtime::MainOutcome::StdException, "no runtime"); });
     EXPECT_EQ(child.exitCode, 0);
     EXPECT_EQ(child.output,
               "Exception of type std::exception occured during call of ArpSystemModule_Load : "

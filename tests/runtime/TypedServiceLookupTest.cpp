@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -42,6 +43,18 @@ private:
     std::string serviceName_;
 };
 
+// Makes the lookup fail this way, then restarts: the message of the exception of type E that the
+// restart throws, or nothing if it throws none.
+template <class E>
+std::optional<std::string> restartFailureWith(Runtime::Lookup lookup) {
+    Runtime::setServiceLookup(lookup);
+    const auto e = caught<E>(restartclient::restartDevice);
+    if (!e.has_value()) {
+        return std::nullopt;
+    }
+    return std::string(e->GetMessage());
+}
+
 TEST_F(TypedServiceLookup, FindsTheDeviceControlServiceOfTheProviderArp) {
     auto service = restartclient::lookUpDeviceControl();
 
@@ -72,12 +85,7 @@ TEST_F(TypedServiceLookup, ANullProviderNameThrowsTheStandardLibrarysLogicError)
 }
 
 TEST_F(TypedServiceLookup, NoServiceThrowsAnInvalidOperationExceptionNamingInterfaceAndProvider) {
-    Runtime::setServiceLookup(Runtime::Lookup::NoService);
-
-    auto e = caught<InvalidOperationException>(restartclient::restartDevice);
-
-    ASSERT_TRUE(e.has_value());
-    EXPECT_EQ(e->GetMessage(),
+    EXPECT_EQ(restartFailureWith<InvalidOperationException>(Runtime::Lookup::NoService),
               "Could not retrieve service "
               "'Arp::Device::Interface::Services::IDeviceControlService' from service provider "
               "'Arp'.");
@@ -86,12 +94,7 @@ TEST_F(TypedServiceLookup, NoServiceThrowsAnInvalidOperationExceptionNamingInter
 }
 
 TEST_F(TypedServiceLookup, AServiceOfTheWrongTypeThrowsAnInvalidCastExceptionAndIsDeleted) {
-    Runtime::setServiceLookup(Runtime::Lookup::WrongType);
-
-    auto e = caught<InvalidCastException>(restartclient::restartDevice);
-
-    ASSERT_TRUE(e.has_value());
-    EXPECT_EQ(e->GetMessage(),
+    EXPECT_EQ(restartFailureWith<InvalidCastException>(Runtime::Lookup::WrongType),
               "The service does not implement service interface "
               "'Arp.Device.Interface.Services.IDeviceControlService'.");
     EXPECT_EQ(Runtime::servicesMade(), 1);

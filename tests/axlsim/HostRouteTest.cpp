@@ -17,9 +17,7 @@ namespace {
 
 using axlsim::Happening;
 using axlsim::RunResult;
-using axlsimtest::configFrom;
-using axlsimtest::happeningsOf;
-using axlsimtest::play;
+using namespace axlsimtest;
 using namespace std::chrono_literals;
 
 RunResult run(const std::string& host, const std::string& scenario,

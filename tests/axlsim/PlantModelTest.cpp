@@ -15,9 +15,7 @@ namespace {
 
 using axlsim::Happening;
 using axlsim::RunResult;
-using axlsimtest::configFrom;
-using axlsimtest::happeningsOf;
-using axlsimtest::play;
+using namespace axlsimtest;
 using namespace std::chrono_literals;
 
 // A digital module at position 1: input pin 1 publishes event 101, event 200 drives output 0.

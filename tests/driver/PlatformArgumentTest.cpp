@@ -17,10 +17,8 @@
 #include "vplc/Runtime.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::DriverPtr;
-using drivertest::TestHost;
-using hosting::DriverConfig;
-using hosting::ExposedDriver;
+using namespace drivertest;
+using namespace hosting;
 using namespace std::chrono_literals;
 
 namespace {

@@ -15,11 +15,8 @@
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::combinedModule;
-using drivertest::DriverPtr;
-using drivertest::TestHost;
-using hosting::DriverConfig;
-using hosting::ExposedDriver;
+using namespace drivertest;
+using namespace hosting;
 using namespace std::chrono_literals;
 
 namespace {

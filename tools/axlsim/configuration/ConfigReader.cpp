@@ -59,6 +59,23 @@ std::string tooLarge(std::size_t limit) {
     return "is larger than " + size + ", the most axlsim reads as a configuration";
 }
 
+// Calls `read` with the number, the value and the place of each entry of a table ("mappings",
+// "services") whose keys are unsigned numbers written as texts, once the table has proved an
+// object (else `expected`) and the entry's keys are among `keys`.
+template <class Read>
+void forEachEntry(const Document& doc, const Json& table, const std::string& at,
+                  const char* expected, std::span<const std::string_view> keys, Read read) {
+    if (!table.is_object()) {
+        doc.fail(at, expected);
+    }
+    for (const auto& [key, value] : table.items()) {
+        const std::string entry = member(at, key);
+        const unsigned number = doc.tableKey(key, entry);
+        doc.object(value, entry, keys);
+        read(number, value, entry);
+    }
+}
+
 Config::Driver readDriver(const Document& doc, const Json* driver, const Json* mappings,
                           const Json* services, const std::string& path) {
     Config::Driver result;
@@ -80,49 +97,39 @@ Config::Driver readDriver(const Document& doc, const Json* driver, const Json* m
         }
     }
     if (mappings != nullptr) {
-        const std::string at = member(path, "mappings");
-        if (!mappings->is_object()) {
-            doc.fail(at, "expected an object of event ids");
-        }
-        for (const auto& [key, value] : mappings->items()) {
-            const std::string entry = member(at, key);
-            const unsigned id = doc.tableKey(key, entry);
-            doc.object(value, entry, kMappingKeys);
-            if (!value.contains("size")) {
-                doc.fail(entry, "a mapping needs its \"size\" (nDataSize, in bytes)");
-            }
-            result.mappings[id] = static_cast<uint16_t>(doc.integer(
-                value.at("size"), member(entry, "size"), 0, std::numeric_limits<uint16_t>::max()));
-        }
+        forEachEntry(doc, *mappings, member(path, "mappings"), "expected an object of event ids",
+                     kMappingKeys, [&](unsigned id, const Json& value, const std::string& entry) {
+                         if (!value.contains("size")) {
+                             doc.fail(entry, "a mapping needs its \"size\" (nDataSize, in bytes)");
+                         }
+                         result.mappings[id] = static_cast<uint16_t>(
+                             doc.integer(value.at("size"), member(entry, "size"), 0,
+                                         std::numeric_limits<uint16_t>::max()));
+                     });
     }
     if (services != nullptr) {
-        const std::string at = member(path, "services");
-        if (!services->is_object()) {
-            doc.fail(at, "expected an object of services");
-        }
-        for (const auto& [key, value] : services->items()) {
-            const std::string entry = member(at, key);
-            const unsigned serviceKey = doc.tableKey(key, entry);
-            doc.object(value, entry, kServiceKeys);
-            Config::Service service;
-            if (!value.contains("eventId")) {
-                doc.fail(entry, "a service needs its \"eventId\"");
-            }
-            service.eventId =
-                static_cast<uint32_t>(doc.integer(value.at("eventId"), member(entry, "eventId"), 0,
-                                                  std::numeric_limits<uint32_t>::max()));
-            if (!value.contains("type")) {
-                doc.fail(entry, "a service needs its \"type\" (the service text)");
-            }
-            service.type = doc.text(value.at("type"), member(entry, "type"));
-            if (value.contains("name")) {
-                service.name = doc.text(value.at("name"), member(entry, "name"));
-            }
-            if (value.contains("params")) {
-                service.params = doc.texts(value.at("params"), member(entry, "params"));
-            }
-            result.services[serviceKey] = std::move(service);
-        }
+        forEachEntry(
+            doc, *services, member(path, "services"), "expected an object of services",
+            kServiceKeys, [&](unsigned serviceKey, const Json& value, const std::string& entry) {
+                Config::Service service;
+                if (!value.contains("eventId")) {
+                    doc.fail(entry, "a service needs its \"eventId\"");
+                }
+                service.eventId =
+                    static_cast<uint32_t>(doc.integer(value.at("eventId"), member(entry, "eventId"),
+                                                      0, std::numeric_limits<uint32_t>::max()));
+                if (!value.contains("type")) {
+                    doc.fail(entry, "a service needs its \"type\" (the service text)");
+                }
+                service.type = doc.text(value.at("type"), member(entry, "type"));
+                if (value.contains("name")) {
+                    service.name = doc.text(value.at("name"), member(entry, "name"));
+                }
+                if (value.contains("params")) {
+                    service.params = doc.texts(value.at("params"), member(entry, "params"));
+                }
+                result.services[serviceKey] = std::move(service);
+            });
     }
     return result;
 }

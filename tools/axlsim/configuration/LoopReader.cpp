@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "axlsim/configuration/LoopNames.h"
@@ -103,6 +104,25 @@ double anyNumber(const Document& doc, const Json& node, const std::string& path)
     return doc.number(node, path, -kLargest, kLargest);
 }
 
+// Reads the member `key` of `node` into `field` when the member is there: a flag, any finite
+// number or a time in milliseconds, by the field's type.
+template <class Field>
+void readIfThere(const Document& doc, const Json& node, const std::string& at, const char* key,
+                 Field& field) {
+    if (!node.contains(key)) {
+        return;
+    }
+    const Json& value = node.at(key);
+    const std::string path = member(at, key);
+    if constexpr (std::is_same_v<Field, bool>) {
+        field = doc.flag(value, path);
+    } else if constexpr (std::is_same_v<Field, double>) {
+        field = anyNumber(doc, value, path);
+    } else {
+        field = doc.milliseconds(value, path);
+    }
+}
+
 Wire readWire(const Document& doc, const Json& node, const std::string& at,
               const std::vector<vplc::Module>& bus) {
     doc.object(node, at, kWireKeys);
@@ -111,12 +131,8 @@ Wire readWire(const Document& doc, const Json& node, const std::string& at,
                       {Kind::DigitalOut});
     wire.to = pinOf(doc, required(doc, node, at, "to", "a wire"), member(at, "to"), bus,
                     {Kind::DigitalIn});
-    if (node.contains("delay_ms")) {
-        wire.delay = doc.milliseconds(node.at("delay_ms"), member(at, "delay_ms"));
-    }
-    if (node.contains("invert")) {
-        wire.invert = doc.flag(node.at("invert"), member(at, "invert"));
-    }
+    readIfThere(doc, node, at, "delay_ms", wire.delay);
+    readIfThere(doc, node, at, "invert", wire.invert);
     return wire;
 }
 
@@ -128,18 +144,10 @@ Link readLink(const Document& doc, const Json& node, const std::string& at,
                       {Kind::AnalogOut, Kind::DigitalOut});
     link.to = pinOf(doc, required(doc, node, at, "to", "a link"), member(at, "to"), bus,
                     {Kind::AnalogIn});
-    if (node.contains("gain")) {
-        link.gain = anyNumber(doc, node.at("gain"), member(at, "gain"));
-    }
-    if (node.contains("offset")) {
-        link.offset = anyNumber(doc, node.at("offset"), member(at, "offset"));
-    }
-    if (node.contains("lag_ms")) {
-        link.lag = doc.milliseconds(node.at("lag_ms"), member(at, "lag_ms"));
-    }
-    if (node.contains("delay_ms")) {
-        link.delay = doc.milliseconds(node.at("delay_ms"), member(at, "delay_ms"));
-    }
+    readIfThere(doc, node, at, "gain", link.gain);
+    readIfThere(doc, node, at, "offset", link.offset);
+    readIfThere(doc, node, at, "lag_ms", link.lag);
+    readIfThere(doc, node, at, "delay_ms", link.delay);
     return link;
 }
 
@@ -164,12 +172,8 @@ Signal readSignal(const Document& doc, const Json& node, const std::string& at,
         doc.fail(member(at, node.contains("low") ? "low" : "high"),
                  "a digital input is on or off; \"low\" and \"high\" are for analog inputs");
     }
-    if (node.contains("low")) {
-        signal.low = anyNumber(doc, node.at("low"), member(at, "low"));
-    }
-    if (node.contains("high")) {
-        signal.high = anyNumber(doc, node.at("high"), member(at, "high"));
-    }
+    readIfThere(doc, node, at, "low", signal.low);
+    readIfThere(doc, node, at, "high", signal.high);
     signal.period =
         doc.milliseconds(required(doc, node, at, "period_ms", "a signal"), member(at, "period_ms"));
     if (signal.period.count() == 0) {
@@ -187,9 +191,7 @@ Signal readSignal(const Document& doc, const Json& node, const std::string& at,
         }
         signal.repeat = doc.flag(node.at("repeat"), member(at, "repeat"));
     }
-    if (node.contains("from_ms")) {
-        signal.from = doc.milliseconds(node.at("from_ms"), member(at, "from_ms"));
-    }
+    readIfThere(doc, node, at, "from_ms", signal.from);
     if (node.contains("until_ms")) {
         signal.until = doc.milliseconds(node.at("until_ms"), member(at, "until_ms"));
         if (*signal.until < signal.from) {
@@ -245,12 +247,8 @@ Route readRoute(const Document& doc, const Json& node, const std::string& at, in
         }
     }
     if (route.map == Route::Map::Scale) {
-        if (node.contains("gain")) {
-            route.gain = anyNumber(doc, node.at("gain"), member(at, "gain"));
-        }
-        if (node.contains("offset")) {
-            route.offset = anyNumber(doc, node.at("offset"), member(at, "offset"));
-        }
+        readIfThere(doc, node, at, "gain", route.gain);
+        readIfThere(doc, node, at, "offset", route.offset);
     } else {
         for (const char* key : {"gain", "offset"}) {
             if (node.contains(key)) {
@@ -258,12 +256,8 @@ Route readRoute(const Document& doc, const Json& node, const std::string& at, in
             }
         }
     }
-    if (node.contains("delay_ms")) {
-        route.delay = doc.milliseconds(node.at("delay_ms"), member(at, "delay_ms"));
-    }
-    if (node.contains("on_change")) {
-        route.onChange = doc.flag(node.at("on_change"), member(at, "on_change"));
-    }
+    readIfThere(doc, node, at, "delay_ms", route.delay);
+    readIfThere(doc, node, at, "on_change", route.onChange);
     return route;
 }
 

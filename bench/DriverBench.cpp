@@ -40,13 +40,20 @@ void setBatch(benchmark::State& state, double operations, const char* perOperati
         operations, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
-void scans(benchmark::State& state, ModuleKind module, Side side) {
-    std::unique_ptr<ScanRig> rig;
+// The rig of a benchmark; null, with the benchmark skipped and the reason shown, if setting it up
+// fails.
+template <class Rig, class... Arguments>
+std::unique_ptr<Rig> rigFor(benchmark::State& state, Arguments... arguments) {
     try {
-        rig = std::make_unique<ScanRig>(module, side);
+        return std::make_unique<Rig>(arguments...);
     } catch (const std::exception& error) {
         state.SkipWithError(error.what());
+        return nullptr;
     }
+}
+
+void scans(benchmark::State& state, ModuleKind module, Side side) {
+    const auto rig = rigFor<ScanRig>(state, module, side);
     for (auto _ : state) {
         const std::chrono::duration<double> elapsed = rig->run(kScansPerBatch);
         state.SetIterationTime(elapsed.count());
@@ -55,12 +62,7 @@ void scans(benchmark::State& state, ModuleKind module, Side side) {
 }
 
 void events(benchmark::State& state, EventKind kind, Side side) {
-    std::unique_ptr<EventRig> rig;
-    try {
-        rig = std::make_unique<EventRig>(kind, side);
-    } catch (const std::exception& error) {
-        state.SkipWithError(error.what());
-    }
+    const auto rig = rigFor<EventRig>(state, kind, side);
     for (auto _ : state) {
         rig->deliver();
     }

@@ -38,10 +38,9 @@ namespace fuzz {
 // it let out; publications are checked as they are made.
 class EventFuzzer {
 public:
+    // Not copyable, as its watch and its drivers are not.
     EventFuzzer();
     ~EventFuzzer();
-    EventFuzzer(const EventFuzzer&) = delete;
-    EventFuzzer& operator=(const EventFuzzer&) = delete;
 
     // The findings for one input, one per line; empty when the drivers behaved.
     std::string run(std::span<const uint8_t> input);

@@ -270,4 +270,12 @@ std::string renderLogLine(const char* format, va_list args) {
     return out;
 }
 
+std::string logLineOf(const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    std::string line = renderLogLine(format, args);
+    va_end(args);
+    return line;
+}
+
 }  // namespace orbel

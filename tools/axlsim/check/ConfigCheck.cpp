@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cstdarg>
 #include <map>
 #include <set>
 #include <string_view>
@@ -109,15 +108,6 @@ ServiceType serviceTypeOf(const std::string& text) {
         }
     }
     return Unsupported;
-}
-
-// A log line as the host renders it.
-std::string logLine(const char* format, ...) {
-    va_list args;
-    va_start(args, format);
-    std::string line = orbel::renderLogLine(format, args);
-    va_end(args);
-    return line;
 }
 
 std::string folded(std::string_view text) {
@@ -436,7 +426,7 @@ private:
                                            std::string(model_->deviceType) + " has " +
                                            kindName(kind) + " pins " + model_->range,
                                        refusal.notAvailable, service.eventId);
-            finding.log = logLine(refusal.notAvailableFormat, pin, model_->range);
+            finding.log = orbel::logLineOf(refusal.notAvailableFormat, pin, model_->range);
             finding.fix = "use a pin from 0 to " + std::to_string(model_->pins - 1);
             return false;
         }
@@ -447,7 +437,7 @@ private:
                         kindName(kind) + " pin " + std::to_string(pin) +
                             " is already used by service " + std::to_string(user->second),
                         refusal.inUse, service.eventId);
-            finding.log = logLine(refusal.inUseFormat, pin);
+            finding.log = orbel::logLineOf(refusal.inUseFormat, pin);
             finding.fix = "give each " + kindName(kind) + " service a pin of its own";
             return false;
         }

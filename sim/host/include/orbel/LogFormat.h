@@ -11,4 +11,7 @@ namespace orbel {
 // value, so that the formats that contain it still give "%s" the text argument meant for it.
 std::string renderLogLine(const char* format, va_list args);
 
+// The same for the arguments that follow the format: a line as the host renders it.
+std::string logLineOf(const char* format, ...);
+
 }  // namespace orbel

@@ -22,18 +22,9 @@ std::vector<FaultRow> moduleRows() {
             .neutral = "pin 3 (on) is never read and published as 0",
             .teardown = "1:OUT released; releasing the missing 1:IN handle fails and is logged",
             .next = "outputs unaffected: InitVal and events reach the bus",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    EXPECT_EQ(s.calls(kBeginRead), 0);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
+            .steps = {createDigital, failNext, initialize, digitalOnBus(0x20), passGate,
+                      publishedDigital(0), calls(kBeginRead, 0), deliver(kPin6, 1),
+                      digitalOnBus(0x60)},
         },
         {
             .name = "DigitalConstructorGetBufferOfInAndOutFail",
@@ -48,18 +39,9 @@ std::vector<FaultRow> moduleRows() {
                 "no frame is touched: pin 3 published as 0, InitVal and events write nothing",
             .teardown = "both releases of the missing handles fail and are logged",
             .next = "the driver runs without process data; events are accepted",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failTimes(2);
-                    s.initialize();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalInGds(), 0x00);
-                    EXPECT_EQ(s.digitalOnBus(), 0x00);
-                    EXPECT_EQ(s.calls(kBeginRead) + s.calls(kBeginWrite), 0);
-                },
+            .steps = {createDigital, failTwice, initialize, passGate, publishedDigital(0),
+                      deliver(kPin6, 1), digitalInGds(0x00), digitalOnBus(0x00),
+                      calls(kBeginRead, 0), calls(kBeginWrite, 0)},
         },
         {
             .name = "AnalogConstructorGetBufferOfInFails",
@@ -71,17 +53,8 @@ std::vector<FaultRow> moduleRows() {
             .neutral = "channel 0 (10.0) is never read and published as 0.0",
             .teardown = "1:OUT released; releasing the missing 1:IN handle fails and is logged",
             .next = "outputs unaffected: InitVal and events reach the bus",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_EQ(s.analogOnBus(1), 15000);
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(0.0f)}}));
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogOnBus(1), 7500);
-                },
+            .steps = {createAnalog, failNext, initialize, analogOnBus(1, 15000), passGate,
+                      publishedAnalog(0.0f), deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
         },
         {
             .name = "AnalogConstructorGetBufferOfInAndOutFail",
@@ -95,18 +68,9 @@ std::vector<FaultRow> moduleRows() {
             .neutral = "no frame is touched: 0.0 published, InitVal and events write nothing",
             .teardown = "both releases of the missing handles fail and are logged",
             .next = "the driver runs without process data; events are accepted",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.failTimes(2);
-                    s.initialize();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(0.0f)}}));
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogInGds(1), 0);
-                    EXPECT_EQ(s.analogOnBus(1), 0);
-                    EXPECT_EQ(s.calls(kBeginRead) + s.calls(kBeginWrite), 0);
-                },
+            .steps = {createAnalog, failTwice, initialize, passGate, publishedAnalog(0.0f),
+                      deliverFloat(kChannel1, 2.5f), analogInGds(1, 0), analogOnBus(1, 0),
+                      calls(kBeginRead, 0), calls(kBeginWrite, 0)},
         },
         {
             .name = "DigitalConstructorOffsetOfDI8Fails",
@@ -117,17 +81,8 @@ std::vector<FaultRow> moduleRows() {
             .neutral = "pin 3 (on) is never read and published as 0",
             .teardown = kBothReleased,
             .next = "outputs unaffected: InitVal and events reach the bus",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failNext();
-                    s.initialize();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    EXPECT_EQ(s.calls(kBeginRead), 0);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
+            .steps = {createDigital, failNext, initialize, passGate, publishedDigital(0),
+                      calls(kBeginRead, 0), deliver(kPin6, 1), digitalOnBus(0x60)},
         },
         {
             .name = "DigitalConstructorOffsetsOfDI8AndDO8Fail",
@@ -139,18 +94,9 @@ std::vector<FaultRow> moduleRows() {
             .neutral = "pin 3 published as 0; InitVal and events write nothing, bus stays 0x00",
             .teardown = kBothReleased,
             .next = "the driver runs without process data; events are accepted",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failTimes(2);
-                    s.initialize();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalInGds(), 0x00);
-                    EXPECT_EQ(s.digitalOnBus(), 0x00);
-                    EXPECT_EQ(s.calls(kBeginRead) + s.calls(kBeginWrite), 0);
-                },
+            .steps = {createDigital, failTwice, initialize, passGate, publishedDigital(0),
+                      deliver(kPin6, 1), digitalInGds(0x00), digitalOnBus(0x00),
+                      calls(kBeginRead, 0), calls(kBeginWrite, 0)},
         },
         {
             .name = "AnalogConstructorOffsetOfAI32Fails",
@@ -161,17 +107,8 @@ std::vector<FaultRow> moduleRows() {
             .neutral = "channel 0 (10.0) is never read and published as 0.0",
             .teardown = kBothReleased,
             .next = "outputs unaffected: InitVal and events reach the bus",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.failNext();
-                    s.initialize();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(0.0f)}}));
-                    EXPECT_EQ(s.calls(kBeginRead), 0);
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogOnBus(1), 7500);
-                },
+            .steps = {createAnalog, failNext, initialize, passGate, publishedAnalog(0.0f),
+                      calls(kBeginRead, 0), deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
         },
         {
             .name = "AnalogConstructorOffsetsOfAI32AndAQ32Fail",
@@ -183,18 +120,9 @@ std::vector<FaultRow> moduleRows() {
             .neutral = "0.0 published; InitVal and events write nothing, bus stays 0",
             .teardown = kBothReleased,
             .next = "the driver runs without process data; events are accepted",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.failTimes(2);
-                    s.initialize();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(0.0f)}}));
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogInGds(1), 0);
-                    EXPECT_EQ(s.analogOnBus(1), 0);
-                    EXPECT_EQ(s.calls(kBeginRead) + s.calls(kBeginWrite), 0);
-                },
+            .steps = {createAnalog, failTwice, initialize, passGate, publishedAnalog(0.0f),
+                      deliverFloat(kChannel1, 2.5f), analogInGds(1, 0), analogOnBus(1, 0),
+                      calls(kBeginRead, 0), calls(kBeginWrite, 0)},
         },
     };
 }

@@ -6,10 +6,8 @@
 #include <vector>
 
 #include "FaultRowTest.h"
-#include "vplc/Runtime.h"
 
 using namespace faultmatrix;
-using vplc::Runtime;
 
 namespace {
 
@@ -24,16 +22,8 @@ std::vector<FaultRow> eventRows() {
             .neutral = "EndWrite still called; GDS and bus keep 0x20",
             .teardown = kBothReleased,
             .next = "pin 5's 0 is remembered: the next event (pin 6 <- 1) puts 0x40 on the bus",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.failNext();
-                    s.deliver(kPin5, 0);
-                    EXPECT_EQ(s.digitalInGds(), 0x20);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x40);
-                },
+            .steps = {startDigital, failNext, deliver(kPin5, 0), digitalInGds(0x20),
+                      digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x40)},
         },
         {
             .name = "DigitalOutputEventEndWriteFails",
@@ -47,18 +37,9 @@ std::vector<FaultRow> eventRows() {
             .teardown = kBothReleased,
             .next = "next event: its Begin is refused, its End frees the lock, its copy brings "
                     "0x00; the one after is written (0x40)",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.failNext();
-                    s.deliver(kPin5, 0);
-                    EXPECT_EQ(s.digitalInGds(), 0x00);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x00);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x40);
-                },
+            .steps = {startDigital, failNext, deliver(kPin5, 0), digitalInGds(0x00),
+                      digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x00), deliver(kPin6, 1),
+                      digitalOnBus(0x40)},
         },
         {
             .name = "AnalogOutputEventBeginWriteFails",
@@ -69,16 +50,8 @@ std::vector<FaultRow> eventRows() {
             .neutral = "EndWrite still called; GDS and bus keep 15000",
             .teardown = kBothReleased,
             .next = "the next event (2.5) is written: 7500 on the bus",
-            .run =
-                [](Scenario& s) {
-                    s.startAnalog();
-                    s.failNext();
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogInGds(1), 15000);
-                    EXPECT_EQ(s.analogOnBus(1), 15000);
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogOnBus(1), 7500);
-                },
+            .steps = {startAnalog, failNext, deliverFloat(kChannel1, 2.5f), analogInGds(1, 15000),
+                      analogOnBus(1, 15000), deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
         },
         {
             .name = "AnalogOutputEventEndWriteFails",
@@ -92,18 +65,9 @@ std::vector<FaultRow> eventRows() {
             .teardown = kBothReleased,
             .next = "next event (1.0): its Begin is refused, its End frees the lock, its copy "
                     "brings 7500; the one after is written (3000)",
-            .run =
-                [](Scenario& s) {
-                    s.startAnalog();
-                    s.failNext();
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogInGds(1), 7500);
-                    EXPECT_EQ(s.analogOnBus(1), 15000);
-                    s.deliverFloat(kChannel1, 1.0f);
-                    EXPECT_EQ(s.analogOnBus(1), 7500);
-                    s.deliverFloat(kChannel1, 1.0f);
-                    EXPECT_EQ(s.analogOnBus(1), 3000);
-                },
+            .steps = {startAnalog, failNext, deliverFloat(kChannel1, 2.5f), analogInGds(1, 7500),
+                      analogOnBus(1, 15000), deliverFloat(kChannel1, 1.0f), analogOnBus(1, 7500),
+                      deliverFloat(kChannel1, 1.0f), analogOnBus(1, 3000)},
         },
         {
             .name = "DigitalOutputEventWriteOutputsFails",
@@ -114,16 +78,8 @@ std::vector<FaultRow> eventRows() {
             .neutral = "result ignored, nothing logged; GDS 0x00, bus keeps 0x20",
             .teardown = kBothReleased,
             .next = "the next event (pin 6 <- 1) brings both: 0x40",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.failNext();
-                    s.deliver(kPin5, 0);
-                    EXPECT_EQ(s.digitalInGds(), 0x00);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x40);
-                },
+            .steps = {startDigital, failNext, deliver(kPin5, 0), digitalInGds(0x00),
+                      digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x40)},
         },
         {
             .name = "AnalogOutputEventWriteOutputsFails",
@@ -134,16 +90,8 @@ std::vector<FaultRow> eventRows() {
             .neutral = "result ignored, nothing logged; GDS 7500, bus keeps 15000",
             .teardown = kBothReleased,
             .next = "the next event (1.0) is copied: 3000",
-            .run =
-                [](Scenario& s) {
-                    s.startAnalog();
-                    s.failNext();
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogInGds(1), 7500);
-                    EXPECT_EQ(s.analogOnBus(1), 15000);
-                    s.deliverFloat(kChannel1, 1.0f);
-                    EXPECT_EQ(s.analogOnBus(1), 3000);
-                },
+            .steps = {startAnalog, failNext, deliverFloat(kChannel1, 2.5f), analogInGds(1, 7500),
+                      analogOnBus(1, 15000), deliverFloat(kChannel1, 1.0f), analogOnBus(1, 3000)},
         },
         {
             .name = "RestartEventWriteOutputsFails",
@@ -154,16 +102,8 @@ std::vector<FaultRow> eventRows() {
             .neutral = "result ignored; the restart is made, outputs unchanged",
             .teardown = kBothReleased,
             .next = "the next output event is written and copied",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.failNext();
-                    s.deliver(kRestart, 1);
-                    EXPECT_EQ(Runtime::restarts(), 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
+            .steps = {startDigital, failNext, deliver(kRestart, 1), restarts(1), digitalOnBus(0x20),
+                      deliver(kPin6, 1), digitalOnBus(0x60)},
         },
         {
             .name = "UnsubscribedEventWriteOutputsFails",
@@ -174,15 +114,8 @@ std::vector<FaultRow> eventRows() {
             .neutral = "result ignored; the event is reported, outputs unchanged",
             .teardown = kBothReleased,
             .next = "the next output event is written and copied",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.failNext();
-                    s.deliver(kUnsubscribed, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
+            .steps = {startDigital, failNext, deliver(kUnsubscribed, 1), digitalOnBus(0x20),
+                      deliver(kPin6, 1), digitalOnBus(0x60)},
             .stops = {"Unsubscribed event received"},
         },
     };

@@ -78,8 +78,11 @@ LoggedLine notice(const char* text);
 
 class Scenario;
 
-// One row of the matrix. `run` drives the driver to the call site, injects the failure and goes
-// on past it; its own expectations check the neutral result and what follows.
+// One thing a row does to its driver, or checks on the way.
+using Step = std::function<void(Scenario&)>;
+
+// One row of the matrix. Its steps drive the driver to the call site, inject the failure and go
+// on past it, checking the neutral result and what follows.
 struct FaultRow {
     std::string name = {};  // the call and the place, as the test case is named
     std::string call = {};
@@ -90,7 +93,7 @@ struct FaultRow {
     std::string neutral = {};
     std::string teardown = {};
     std::string next = {};
-    std::function<void(Scenario&)> run = {};
+    std::vector<Step> steps = {};
     std::vector<std::string> stops = {};  // stopWithError messages, in order
     int buffersKept = 0;                  // buffers the platform still holds after teardown
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "FaultRowTest.h"
 
+#include <cstddef>
 #include <vector>
 
 #include "MatrixPrinter.h"
@@ -31,7 +32,10 @@ void FaultRowTest::runRow() {
     MatrixPrinter& printer = MatrixPrinter::instance();
     DriverRig rig;
     Scenario scenario(row, rig);
-    row.run(scenario);
+    for (std::size_t step = 0; step < row.steps.size(); ++step) {
+        SCOPED_TRACE("step " + std::to_string(step + 1));
+        row.steps[step](scenario);
+    }
 
     const vplc::Plant& plant = rig.plant();
     EXPECT_EQ(plant.openLocks(), 0);

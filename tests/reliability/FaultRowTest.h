@@ -7,6 +7,7 @@
 
 #include "FaultRow.h"
 #include "Scenario.h"
+#include "Steps.h"
 
 namespace faultmatrix {
 

@@ -22,15 +22,8 @@ std::vector<FaultRow> initialisationRows() {
             .neutral = "result ignored, nothing logged; registration goes on",
             .teardown = kBothReleased,
             .next = "the thread's initial publication copies the inputs itself: pin 3 published 1",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_TRUE(s.rig().threadStarted());
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {1}}}));
-                },
+            .steps = {createDigital, failNext, initialize, threadStarted(true), passGate,
+                      publishedDigital(1)},
         },
         {
             .name = "InitDigitalOutBeginWriteFails",
@@ -42,17 +35,9 @@ std::vector<FaultRow> initialisationRows() {
                        "pin 6's initial write carries it: 0x20",
             .teardown = kBothReleased,
             .next = "the next event (pin 6 <- 1) puts 0x60 on the bus",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_EQ(s.calls(kBeginWrite), 2);
-                    EXPECT_EQ(s.digitalInGds(), 0x20);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
+            .steps = {createDigital, failNext, initialize, calls(kBeginWrite, 2),
+                      digitalInGds(0x20), digitalOnBus(0x20), deliver(kPin6, 1),
+                      digitalOnBus(0x60)},
         },
         {
             .name = "InitDigitalOutEndWriteFails",
@@ -66,17 +51,8 @@ std::vector<FaultRow> initialisationRows() {
             .teardown = kBothReleased,
             .next = "the initial copy brings 0x20 to the bus; the next event (pin 6 <- 1) gives "
                     "0x60",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_EQ(s.rig().plant().nestedBegins(), 1);
-                    EXPECT_EQ(s.digitalInGds(), 0x20);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
+            .steps = {createDigital, failNext, initialize, nestedBegins(1), digitalInGds(0x20),
+                      digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x60)},
         },
         {
             .name = "InitAnalogOutBeginWriteFails",
@@ -87,16 +63,8 @@ std::vector<FaultRow> initialisationRows() {
             .neutral = "EndWrite still called; GDS and bus keep 0",
             .teardown = kBothReleased,
             .next = "the next event (2.5) is written: 7500 on the bus",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_EQ(s.analogInGds(1), 0);
-                    EXPECT_EQ(s.analogOnBus(1), 0);
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogOnBus(1), 7500);
-                },
+            .steps = {createAnalog, failNext, initialize, analogInGds(1, 0), analogOnBus(1, 0),
+                      deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
         },
         {
             .name = "InitAnalogOutEndWriteFails",
@@ -110,18 +78,9 @@ std::vector<FaultRow> initialisationRows() {
             .teardown = kBothReleased,
             .next = "next event: its Begin is refused, its End frees the lock, its copy brings "
                     "15000; the one after is written (7500)",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_EQ(s.analogInGds(1), 15000);
-                    EXPECT_EQ(s.analogOnBus(1), 0);
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogOnBus(1), 15000);
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogOnBus(1), 7500);
-                },
+            .steps = {createAnalog, failNext, initialize, analogInGds(1, 15000), analogOnBus(1, 0),
+                      deliverFloat(kChannel1, 2.5f), analogOnBus(1, 15000),
+                      deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
         },
         {
             .name = "InitializeWriteOutputsFails",
@@ -132,17 +91,8 @@ std::vector<FaultRow> initialisationRows() {
             .neutral = "result ignored, nothing logged; GDS holds 0x20, bus 0x00; thread starts",
             .teardown = kBothReleased,
             .next = "the next output event's copy brings both outputs: 0x60",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_TRUE(s.rig().threadStarted());
-                    EXPECT_EQ(s.digitalInGds(), 0x20);
-                    EXPECT_EQ(s.digitalOnBus(), 0x00);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
+            .steps = {createDigital, failNext, initialize, threadStarted(true), digitalInGds(0x20),
+                      digitalOnBus(0x00), deliver(kPin6, 1), digitalOnBus(0x60)},
         },
     };
 }

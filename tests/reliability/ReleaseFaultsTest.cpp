@@ -13,18 +13,6 @@ namespace {
 std::vector<FaultRow> releaseRows() {
     const std::string neutral = "the destructor goes on; nothing is thrown";
     const std::string next = "the driver is gone; the platform keeps what it could not release";
-    const auto destroyAfterStart = [](void (Scenario::*start)(), int failures) {
-        return [start, failures](Scenario& s) {
-            (s.*start)();
-            if (failures == 1) {
-                s.failNext();
-            } else {
-                s.failTimes(failures);
-            }
-            s.rig().destroy();
-            EXPECT_EQ(s.calls(kRelease), 2);
-        };
-    };
     return {
         {
             .name = "DigitalDestructorReleaseOfOutFails",
@@ -35,7 +23,7 @@ std::vector<FaultRow> releaseRows() {
             .neutral = neutral,
             .teardown = "1:IN released, 1:OUT kept by the platform",
             .next = next,
-            .run = destroyAfterStart(&Scenario::startDigital, 1),
+            .steps = {startDigital, failNext, destroy, calls(kRelease, 2)},
             .buffersKept = 1,
         },
         {
@@ -48,7 +36,7 @@ std::vector<FaultRow> releaseRows() {
             .neutral = neutral,
             .teardown = "both kept by the platform",
             .next = next,
-            .run = destroyAfterStart(&Scenario::startDigital, 2),
+            .steps = {startDigital, failTwice, destroy, calls(kRelease, 2)},
             .buffersKept = 2,
         },
         {
@@ -60,7 +48,7 @@ std::vector<FaultRow> releaseRows() {
             .neutral = neutral,
             .teardown = "1:IN released, 1:OUT kept by the platform",
             .next = next,
-            .run = destroyAfterStart(&Scenario::startAnalog, 1),
+            .steps = {startAnalog, failNext, destroy, calls(kRelease, 2)},
             .buffersKept = 1,
         },
         {
@@ -73,7 +61,7 @@ std::vector<FaultRow> releaseRows() {
             .neutral = neutral,
             .teardown = "both kept by the platform",
             .next = next,
-            .run = destroyAfterStart(&Scenario::startAnalog, 2),
+            .steps = {startAnalog, failTwice, destroy, calls(kRelease, 2)},
             .buffersKept = 2,
         },
     };

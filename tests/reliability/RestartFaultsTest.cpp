@@ -13,26 +13,20 @@ using vplc::Runtime;
 namespace {
 
 // A restart whose service cannot be reached, or refuses: the notice is logged first, the
-// exception reaches the host, nothing is copied to the bus, and no service object is left.
-std::function<void(Scenario&)> failedRestart(const std::function<void(Scenario&)>& arm,
-                                             const std::string& expected) {
-    return [arm, expected](Scenario& s) {
-        s.startDigital();
-        const int copies = s.calls(kWriteOutputs);
-        arm(s);
-        EXPECT_EQ(s.restartFailure(), expected);
-        EXPECT_EQ(s.calls(kWriteOutputs), copies);
-        EXPECT_EQ(Runtime::restarts(), 0);
-        EXPECT_EQ(Runtime::liveServices(), 0);
-        Runtime::setServiceLookup(Runtime::Lookup::Normal);
-        s.deliver(kRestart, 1);
-        EXPECT_EQ(Runtime::restarts(), 1);
-        EXPECT_EQ(s.calls(kWriteOutputs), copies + 1);
-    };
-}
-
-std::function<void(Scenario&)> lookup(Runtime::Lookup mode) {
-    return [mode](Scenario&) { Runtime::setServiceLookup(mode); };
+// exception reaches the host, nothing is copied to the bus, and no service object is left. The
+// next restart event, with the service reachable, restarts once.
+std::vector<Step> refusedRestart(const Step& arm, const std::string& exception) {
+    return {startDigital,
+            markCalls(kWriteOutputs),
+            arm,
+            restartThrows(exception),
+            callsSinceMark(kWriteOutputs, 0),
+            restarts(0),
+            liveServices(0),
+            serviceLookup(Runtime::Lookup::Normal),
+            deliver(kRestart, 1),
+            restarts(1),
+            callsSinceMark(kWriteOutputs, 1)};
 }
 
 std::vector<FaultRow> restartRows() {
@@ -48,8 +42,7 @@ std::vector<FaultRow> restartRows() {
             .neutral = neutral + " (Arp::Exception)",
             .teardown = kBothReleased,
             .next = restartAgain,
-            .run = failedRestart([](Scenario& s) { s.failNext(); },
-                                 "Arp::Exception: RSC layer not ready"),
+            .steps = refusedRestart(failNext, "Arp::Exception: RSC layer not ready"),
         },
         {
             .name = "RestartGetServiceGivesAnEmptyProviderName",
@@ -59,8 +52,9 @@ std::vector<FaultRow> restartRows() {
             .neutral = neutral + " (ArgumentException)",
             .teardown = kBothReleased,
             .next = restartAgain,
-            .run = failedRestart(lookup(Runtime::Lookup::EmptyProviderName),
-                                 "ArgumentException: Service does not specify a service provider"),
+            .steps =
+                refusedRestart(serviceLookup(Runtime::Lookup::EmptyProviderName),
+                               "ArgumentException: Service does not specify a service provider"),
         },
         {
             .name = "RestartGetServiceGivesANullProviderName",
@@ -70,7 +64,8 @@ std::vector<FaultRow> restartRows() {
             .neutral = neutral + " (std::logic_error)",
             .teardown = kBothReleased,
             .next = restartAgain,
-            .run = failedRestart(lookup(Runtime::Lookup::NullProviderName), "std::logic_error"),
+            .steps = refusedRestart(serviceLookup(Runtime::Lookup::NullProviderName),
+                                    "std::logic_error"),
         },
         {
             .name = "RestartGetServiceGivesNoService",
@@ -80,8 +75,8 @@ std::vector<FaultRow> restartRows() {
             .neutral = neutral + " (InvalidOperationException)",
             .teardown = kBothReleased,
             .next = restartAgain,
-            .run = failedRestart(
-                lookup(Runtime::Lookup::NoService),
+            .steps = refusedRestart(
+                serviceLookup(Runtime::Lookup::NoService),
                 "InvalidOperationException: Could not retrieve service "
                 "'Arp::Device::Interface::Services::IDeviceControlService' from service provider "
                 "'Arp'."),
@@ -94,8 +89,8 @@ std::vector<FaultRow> restartRows() {
             .neutral = neutral + " (InvalidCastException)",
             .teardown = kBothReleased,
             .next = restartAgain,
-            .run = failedRestart(
-                lookup(Runtime::Lookup::WrongType),
+            .steps = refusedRestart(
+                serviceLookup(Runtime::Lookup::WrongType),
                 "InvalidCastException: The service does not implement service interface "
                 "'Arp.Device.Interface.Services.IDeviceControlService'."),
         },
@@ -108,8 +103,7 @@ std::vector<FaultRow> restartRows() {
             .neutral = neutral + " (Arp::Exception); the service object is still released",
             .teardown = kBothReleased,
             .next = restartAgain,
-            .run =
-                failedRestart([](Scenario& s) { s.failNext(); }, "Arp::Exception: Device is busy"),
+            .steps = refusedRestart(failNext, "Arp::Exception: Device is busy"),
         },
     };
 }

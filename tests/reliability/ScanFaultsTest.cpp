@@ -8,7 +8,6 @@
 #include "FaultRowTest.h"
 
 using namespace faultmatrix;
-using vplc::Fault;
 
 namespace {
 
@@ -23,18 +22,8 @@ std::vector<FaultRow> scanRows() {
             .neutral = "result ignored, nothing logged; the stale image publishes pin 3 as 0",
             .teardown = kBothReleased,
             .next = "the next scan sees pin 3 on and publishes 1",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.rig().plant().setDigitalInput(DriverRig::kDigitalPosition, 3, false);
-                    s.initialize();
-                    s.setDigitalInput(true);
-                    s.failNext();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {1}}}));
-                },
+            .steps = {createDigital, digitalInput(false), initialize, digitalInput(true), failNext,
+                      passGate, publishedDigital(0), passGate, publishedDigital(1)},
         },
         {
             .name = "SteadyScanReadInputsFails",
@@ -46,17 +35,8 @@ std::vector<FaultRow> scanRows() {
                        "published",
             .teardown = kBothReleased,
             .next = "the next scan publishes 0",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {1}}}));
-                    s.setDigitalInput(false);
-                    s.failNext();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), Publications{});
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                },
+            .steps = {startDigital, publishedDigital(1), digitalInput(false), failNext, passGate,
+                      published({}), passGate, publishedDigital(0)},
         },
         {
             .name = "InitialDigitalReadBeginReadFails",
@@ -67,16 +47,8 @@ std::vector<FaultRow> scanRows() {
             .neutral = "EndRead still called; pin 3 (on) published as 0",
             .teardown = kBothReleased,
             .next = "the next scan publishes 1",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.initialize();
-                    s.failNext();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {1}}}));
-                },
+            .steps = {createDigital, initialize, failNext, passGate, publishedDigital(0), passGate,
+                      publishedDigital(1)},
         },
         {
             .name = "SteadyDigitalReadBeginReadFails",
@@ -87,16 +59,8 @@ std::vector<FaultRow> scanRows() {
             .neutral = "EndRead still called; the read gives 0, published as a change",
             .teardown = kBothReleased,
             .next = "the next scan publishes 1 again",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.takePublished();
-                    s.failNext();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {1}}}));
-                },
+            .steps = {startDigital, forgetPublished, failNext, passGate, publishedDigital(0),
+                      passGate, publishedDigital(1)},
         },
         {
             .name = "InitialDigitalReadEndReadFails",
@@ -109,19 +73,8 @@ std::vector<FaultRow> scanRows() {
             .teardown = kBothReleased,
             .next = "next scan: the scan thread still holds the lock, its read is refused (0 "
                     "published) and its End frees the lock; the scan after publishes 1",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.initialize();
-                    s.failNext();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {1}}}));
-                    EXPECT_EQ(s.rig().plant().openLocks(), 1);
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {1}}}));
-                },
+            .steps = {createDigital, initialize, failNext, passGate, publishedDigital(1),
+                      openLocks(1), passGate, publishedDigital(0), passGate, publishedDigital(1)},
         },
         {
             .name = "SteadyDigitalReadEndReadFails",
@@ -134,20 +87,9 @@ std::vector<FaultRow> scanRows() {
             .teardown = kBothReleased,
             .next = "next scan: its read is refused and gives 0 (unchanged, nothing published), "
                     "its End frees the lock; pin 3 switched on then is published as 1",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.takePublished();
-                    s.setDigitalInput(false);
-                    s.failNext();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    s.setDigitalInput(true);
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), Publications{});
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {1}}}));
-                },
+            .steps = {startDigital, forgetPublished, digitalInput(false), failNext, passGate,
+                      publishedDigital(0), digitalInput(true), passGate, published({}), passGate,
+                      publishedDigital(1)},
         },
         {
             .name = "InitialAnalogReadBeginReadFails",
@@ -158,16 +100,8 @@ std::vector<FaultRow> scanRows() {
             .neutral = "EndRead still called; channel 0 (10.0) published as 0.0",
             .teardown = kBothReleased,
             .next = "the next scan publishes 10.0",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.initialize();
-                    s.failNext();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(0.0f)}}));
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(10.0f)}}));
-                },
+            .steps = {createAnalog, initialize, failNext, passGate, publishedAnalog(0.0f), passGate,
+                      publishedAnalog(10.0f)},
         },
         {
             .name = "SteadyAnalogReadBeginReadFails",
@@ -178,16 +112,8 @@ std::vector<FaultRow> scanRows() {
             .neutral = "EndRead still called; the read gives 0.0, published as a change",
             .teardown = kBothReleased,
             .next = "the next scan publishes 10.0 again",
-            .run =
-                [](Scenario& s) {
-                    s.startAnalog();
-                    s.takePublished();
-                    s.failNext();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(0.0f)}}));
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(10.0f)}}));
-                },
+            .steps = {startAnalog, forgetPublished, failNext, passGate, publishedAnalog(0.0f),
+                      passGate, publishedAnalog(10.0f)},
         },
         {
             .name = "InitialAnalogReadEndReadFails",
@@ -200,18 +126,8 @@ std::vector<FaultRow> scanRows() {
             .teardown = kBothReleased,
             .next = "next scan: its read is refused (0.0 published) and its End frees the lock; "
                     "the scan after publishes 10.0",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.initialize();
-                    s.failNext();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(10.0f)}}));
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(0.0f)}}));
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(10.0f)}}));
-                },
+            .steps = {createAnalog, initialize, failNext, passGate, publishedAnalog(10.0f),
+                      passGate, publishedAnalog(0.0f), passGate, publishedAnalog(10.0f)},
         },
         {
             .name = "SteadyAnalogReadEndReadFails",
@@ -224,19 +140,9 @@ std::vector<FaultRow> scanRows() {
             .teardown = kBothReleased,
             .next = "next scan: its read is refused (0.0 published) and its End frees the lock; "
                     "the scan after publishes 2.5",
-            .run =
-                [](Scenario& s) {
-                    s.startAnalog();
-                    s.takePublished();
-                    s.rig().plant().setAnalogInput(DriverRig::kAnalogPosition, 0, 7500);
-                    s.failNext();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(2.5f)}}));
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(0.0f)}}));
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(2.5f)}}));
-                },
+            .steps = {startAnalog, forgetPublished, analogInput(7500), failNext, passGate,
+                      publishedAnalog(2.5f), passGate, publishedAnalog(0.0f), passGate,
+                      publishedAnalog(2.5f)},
         },
         {
             .name = "FailureLineGetLastErrorFails",
@@ -247,17 +153,8 @@ std::vector<FaultRow> scanRows() {
             .neutral = "the line carries whatever ArpPlc_GetLastError hands out; 0 published",
             .teardown = kBothReleased,
             .next = "the next scan publishes 1 again",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.takePublished();
-                    s.fail(kBeginRead, Fault::next("IN frame being refreshed"));
-                    s.failNext();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {1}}}));
-                },
+            .steps = {startDigital, forgetPublished, fail(kBeginRead, "IN frame being refreshed"),
+                      failNext, passGate, publishedDigital(0), passGate, publishedDigital(1)},
         },
     };
 }

@@ -41,7 +41,7 @@ LoggedLine notice(const char* text) {
 }
 
 void PrintTo(const FaultRow& row, std::ostream* out) {
-    *out << row.call << " at " << row.site;
+    *out << row.fault.call << " at " << row.fault.site;
 }
 
 }  // namespace faultmatrix

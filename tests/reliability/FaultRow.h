@@ -81,19 +81,31 @@ class Scenario;
 // One thing a row does to its driver, or checks on the way.
 using Step = std::function<void(Scenario&)>;
 
+// The failure a row injects: the platform call, the place the driver makes it, and the error text
+// the controller reports for it (none where the call is made to misbehave otherwise).
+struct InjectedFault {
+    std::string call = {};
+    std::string site = {};
+    std::string error = {};
+};
+
+// What the printed matrix tells of a row beside what it observes: the neutral result, what
+// happens afterwards, and what teardown releases.
+struct MatrixCells {
+    std::string neutral = {};
+    std::string next = {};
+    std::string teardown = kBothReleased;
+};
+
 // One row of the matrix. Its steps drive the driver to the call site, inject the failure and go
 // on past it, checking the neutral result and what follows.
 struct FaultRow {
     std::string name = {};  // the call and the place, as the test case is named
-    std::string call = {};
-    std::string site = {};
-    std::string error = {};  // the error text the controller reports for the injected failure
+    InjectedFault fault = {};
+    std::vector<Step> steps = {};
     std::vector<LoggedLine> log =
         {};  // every line after the version line, in order, teardown included
-    std::string neutral = {};
-    std::string teardown = {};
-    std::string next = {};
-    std::vector<Step> steps = {};
+    MatrixCells cells = {};
     std::vector<std::string> stops = {};  // stopWithError messages, in order
     int buffersKept = 0;                  // buffers the platform still holds after teardown
 };

@@ -33,78 +33,53 @@ std::vector<FaultRow> restartRows() {
     const std::string restartAgain = "the next restart event restarts once";
     const std::string neutral = "exception reaches the host; no restart, no copy to the bus";
     return {
-        {
-            .name = "RestartGetServiceThrows",
-            .call = std::string(Runtime::kGetService),
-            .site = "restartDevice: restart event",
-            .error = "RSC layer not ready",
-            .log = {notice(kRestartNotice), notice(kRestartNotice)},
-            .neutral = neutral + " (Arp::Exception)",
-            .teardown = kBothReleased,
-            .next = restartAgain,
-            .steps = refusedRestart(failNext, "Arp::Exception: RSC layer not ready"),
-        },
-        {
-            .name = "RestartGetServiceGivesAnEmptyProviderName",
-            .call = std::string(Runtime::kGetService) + " (empty provider name)",
-            .site = "restartDevice: restart event",
-            .log = {notice(kRestartNotice), notice(kRestartNotice)},
-            .neutral = neutral + " (ArgumentException)",
-            .teardown = kBothReleased,
-            .next = restartAgain,
-            .steps =
-                refusedRestart(serviceLookup(Runtime::Lookup::EmptyProviderName),
-                               "ArgumentException: Service does not specify a service provider"),
-        },
-        {
-            .name = "RestartGetServiceGivesANullProviderName",
-            .call = std::string(Runtime::kGetService) + " (null provider name)",
-            .site = "restartDevice: restart event",
-            .log = {notice(kRestartNotice), notice(kRestartNotice)},
-            .neutral = neutral + " (std::logic_error)",
-            .teardown = kBothReleased,
-            .next = restartAgain,
-            .steps = refusedRestart(serviceLookup(Runtime::Lookup::NullProviderName),
-                                    "std::logic_error"),
-        },
-        {
-            .name = "RestartGetServiceGivesNoService",
-            .call = std::string(Runtime::kGetService) + " (no service)",
-            .site = "restartDevice: restart event",
-            .log = {notice(kRestartNotice), notice(kRestartNotice)},
-            .neutral = neutral + " (InvalidOperationException)",
-            .teardown = kBothReleased,
-            .next = restartAgain,
-            .steps = refusedRestart(
-                serviceLookup(Runtime::Lookup::NoService),
-                "InvalidOperationException: Could not retrieve service "
-                "'Arp::Device::Interface::Services::IDeviceControlService' from service provider "
-                "'Arp'."),
-        },
-        {
-            .name = "RestartGetServiceGivesAServiceOfAnotherType",
-            .call = std::string(Runtime::kGetService) + " (service of another type)",
-            .site = "restartDevice: restart event",
-            .log = {notice(kRestartNotice), notice(kRestartNotice)},
-            .neutral = neutral + " (InvalidCastException)",
-            .teardown = kBothReleased,
-            .next = restartAgain,
-            .steps = refusedRestart(
-                serviceLookup(Runtime::Lookup::WrongType),
-                "InvalidCastException: The service does not implement service interface "
-                "'Arp.Device.Interface.Services.IDeviceControlService'."),
-        },
-        {
-            .name = "RestartOperationFails",
-            .call = std::string(Runtime::kRestartDevice),
-            .site = "restartDevice: the restart operation",
-            .error = "Device is busy",
-            .log = {notice(kRestartNotice), notice(kRestartNotice)},
-            .neutral = neutral + " (Arp::Exception); the service object is still released",
-            .teardown = kBothReleased,
-            .next = restartAgain,
-            .steps = refusedRestart(failNext, "Arp::Exception: Device is busy"),
-        },
+        {.name = "RestartGetServiceThrows",
+         .fault = {std::string(Runtime::kGetService), "restartDevice: restart event",
+                   "RSC layer not ready"},
+         .steps = refusedRestart(failNext, "Arp::Exception: RSC layer not ready"),
+         .log = {notice(kRestartNotice), notice(kRestartNotice)},
+         .cells = {neutral + " (Arp::Exception)", restartAgain}},
+        {.name = "RestartGetServiceGivesAnEmptyProviderName",
+         .fault = {std::string(Runtime::kGetService) + " (empty provider name)",
+                   "restartDevice: restart event"},
+         .steps = refusedRestart(serviceLookup(Runtime::Lookup::EmptyProviderName),
+                                 "ArgumentException: Service does not specify a service provider"),
+         .log = {notice(kRestartNotice), notice(kRestartNotice)},
+         .cells = {neutral + " (ArgumentException)", restartAgain}},
+        {.name = "RestartGetServiceGivesANullProviderName",
+         .fault = {std::string(Runtime::kGetService) + " (null provider name)",
+                   "restartDevice: restart event"},
+         .steps =
+             refusedRestart(serviceLookup(Runtime::Lookup::NullProviderName), "std::logic_error"),
+         .log = {notice(kRestartNotice), notice(kRestartNotice)},
+         .cells = {neutral + " (std::logic_error)", restartAgain}},
+        {.name = "RestartGetServiceGivesNoService",
+         .fault = {std::string(Runtime::kGetService) + " (no service)",
+                   "restartDevice: restart event"},
+         .steps = refusedRestart(
+             serviceLookup(Runtime::Lookup::NoService),
+             "InvalidOperationException: Could not retrieve service "
+             "'Arp::Device::Interface::Services::IDeviceControlService' from service provider "
+             "'Arp'."),
+         .log = {notice(kRestartNotice), notice(kRestartNotice)},
+         .cells = {neutral + " (InvalidOperationException)", restartAgain}},
+        {.name = "RestartGetServiceGivesAServiceOfAnotherType",
+         .fault = {std::string(Runtime::kGetService) + " (service of another type)",
+                   "restartDevice: restart event"},
+         .steps = refusedRestart(
+             serviceLookup(Runtime::Lookup::WrongType),
+             "InvalidCastException: The service does not implement service interface "
+             "'Arp.Device.Interface.Services.IDeviceControlService'."),
+         .log = {notice(kRestartNotice), notice(kRestartNotice)},
+         .cells = {neutral + " (InvalidCastException)", restartAgain}},
+        {.name = "RestartOperationFails",
+         .fault = {std::string(Runtime::kRestartDevice), "restartDevice: the restart operation",
+                   "Device is busy"},
+         .steps = refusedRestart(failNext, "Arp::Exception: Device is busy"),
+         .log = {notice(kRestartNotice), notice(kRestartNotice)},
+         .cells = {neutral + " (Arp::Exception); the service object is still released",
+                   restartAgain}},
+
     };
 }
 

@@ -25,7 +25,7 @@ Step reads(const char* what, std::function<int(Scenario&)> read, int expected) {
 }
 
 void armRowFailure(Scenario& s, const Fault& fault) {
-    s.plant().inject(s.row().call, fault);
+    s.plant().inject(s.row().fault.call, fault);
 }
 
 // The exception a restart event lets out, as "type: message", or "" when it lets none out.
@@ -83,11 +83,11 @@ void destroy(Scenario& s) {
 }
 
 void failNext(Scenario& s) {
-    armRowFailure(s, Fault::next(s.row().error));
+    armRowFailure(s, Fault::next(s.row().fault.error));
 }
 
 void failTwice(Scenario& s) {
-    armRowFailure(s, Fault::times(2, s.row().error));
+    armRowFailure(s, Fault::times(2, s.row().fault.error));
 }
 
 Step fail(const char* function, const char* error) {

@@ -3,15 +3,12 @@
 // after every kind of event.
 
 #include <string>
-#include <vector>
 
 #include "FaultRowTest.h"
 
 using namespace faultmatrix;
 
-namespace {
-
-std::vector<FaultRow> eventRows() {
+FAULT_MATRIX_ROWS(Event) {
     return {
         {.name = "DigitalOutputEventBeginWriteFails",
          .fault = {kBeginWrite, "writeDigital: output event (pin 5 <- 0)", "OUT frame busy"},
@@ -21,13 +18,11 @@ std::vector<FaultRow> eventRows() {
          .cells = {"EndWrite still called; GDS and bus keep 0x20",
                    "pin 5's 0 is remembered: the next event (pin 6 <- 1) puts 0x40 on the bus"}},
         {.name = "DigitalOutputEventEndWriteFails",
-         .fault = {kEndWrite, "writeDigital: output event (pin 5 <- 0)",
-                   "OUT frame unlock timed out"},
+         .fault = {kEndWrite, "writeDigital: output event (pin 5 <- 0)", kOutUnlockTimedOut},
          .steps = {startDigital, failNext, deliver(kPin5, 0), digitalInGds(0x00),
                    digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x00), deliver(kPin6, 1),
                    digitalOnBus(0x40)},
-         .log = {failure(kNoUnlock, "OUT frame unlock timed out"),
-                 failure(kNoBeginWrite, kWriteLockStillHeld)},
+         .log = writeLockKept(),
          .cells = {"GDS holds 0x00; the copy to the bus fails while the host thread still "
                    "holds the lock, bus keeps 0x20",
                    "next event: its Begin is refused, its End frees the lock, its copy brings "
@@ -40,13 +35,11 @@ std::vector<FaultRow> eventRows() {
          .cells = {"EndWrite still called; GDS and bus keep 15000",
                    "the next event (2.5) is written: 7500 on the bus"}},
         {.name = "AnalogOutputEventEndWriteFails",
-         .fault = {kEndWrite, "writeAnalog: output event (channel 1 <- 2.5)",
-                   "OUT frame unlock timed out"},
+         .fault = {kEndWrite, "writeAnalog: output event (channel 1 <- 2.5)", kOutUnlockTimedOut},
          .steps = {startAnalog, failNext, deliverFloat(kChannel1, 2.5f), analogInGds(1, 7500),
                    analogOnBus(1, 15000), deliverFloat(kChannel1, 1.0f), analogOnBus(1, 7500),
                    deliverFloat(kChannel1, 1.0f), analogOnBus(1, 3000)},
-         .log = {failure(kNoUnlock, "OUT frame unlock timed out"),
-                 failure(kNoBeginWrite, kWriteLockStillHeld)},
+         .log = writeLockKept(),
          .cells = {"GDS holds 7500; the copy to the bus fails while the host thread still "
                    "holds the lock, bus keeps 15000",
                    "next event (1.0): its Begin is refused, its End frees the lock, its copy "
@@ -84,7 +77,3 @@ std::vector<FaultRow> eventRows() {
 
     };
 }
-
-}  // namespace
-
-FAULT_MATRIX_ROWS(Event, eventRows())

@@ -53,6 +53,10 @@ inline constexpr const char* kWriteLockStillHeld =
 
 inline constexpr const char* kBothReleased = "both frame buffers released, thread ended";
 
+// The error texts of a failed End of the input and of the output frame.
+inline constexpr const char* kInUnlockTimedOut = "IN frame unlock timed out";
+inline constexpr const char* kOutUnlockTimedOut = "OUT frame unlock timed out";
+
 // The driver under test. Digital: input pin 3 (event 10), outputs pin 5 (event 20, initial
 // value 1) and pin 6 (event 21, initial value 0), restart (event 90). Analog: input channel 0
 // (event 30), output channel 1 (event 40, initial value 5.0 = word 15000), restart (event 90).
@@ -75,6 +79,11 @@ Payload floatBytes(float value);
 // A failure line of `format` with the platform's error text in place of its "%s".
 LoggedLine failure(const char* format, const std::string& error);
 LoggedLine notice(const char* text);
+
+// A failed End leaves its frame's lock with the thread, so the thread's next Begin of that frame
+// is refused: the End's failure line, then the Begin's.
+std::vector<LoggedLine> readLockKept();
+std::vector<LoggedLine> writeLockKept();
 
 class Scenario;
 

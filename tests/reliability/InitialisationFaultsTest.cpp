@@ -3,15 +3,12 @@
 // initial output image.
 
 #include <string>
-#include <vector>
 
 #include "FaultRowTest.h"
 
 using namespace faultmatrix;
 
-namespace {
-
-std::vector<FaultRow> initialisationRows() {
+FAULT_MATRIX_ROWS(Initialisation) {
     return {
         {.name = "InitializeReadInputsFails",
          .fault = {kReadInputs, "initialize: input image before registration",
@@ -29,11 +26,10 @@ std::vector<FaultRow> initialisationRows() {
                    "pin 6's initial write carries it: 0x20",
                    "the next event (pin 6 <- 1) puts 0x60 on the bus"}},
         {.name = "InitDigitalOutEndWriteFails",
-         .fault = {kEndWrite, "initDigitalOut: InitVal of pin 5", "OUT frame unlock timed out"},
+         .fault = {kEndWrite, "initDigitalOut: InitVal of pin 5", kOutUnlockTimedOut},
          .steps = {createDigital, failNext, initialize, nestedBegins(1), digitalInGds(0x20),
                    digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x60)},
-         .log = {failure(kNoUnlock, "OUT frame unlock timed out"),
-                 failure(kNoBeginWrite, kWriteLockStillHeld)},
+         .log = writeLockKept(),
          .cells = {"GDS holds 0x20; pin 6's initial write is refused while the host thread "
                    "still holds the lock, and its End frees it",
                    "the initial copy brings 0x20 to the bus; the next event (pin 6 <- 1) gives "
@@ -46,12 +42,11 @@ std::vector<FaultRow> initialisationRows() {
          .cells = {"EndWrite still called; GDS and bus keep 0",
                    "the next event (2.5) is written: 7500 on the bus"}},
         {.name = "InitAnalogOutEndWriteFails",
-         .fault = {kEndWrite, "initAnalogOut: InitVal of channel 1", "OUT frame unlock timed out"},
+         .fault = {kEndWrite, "initAnalogOut: InitVal of channel 1", kOutUnlockTimedOut},
          .steps = {createAnalog, failNext, initialize, analogInGds(1, 15000), analogOnBus(1, 0),
                    deliverFloat(kChannel1, 2.5f), analogOnBus(1, 15000),
                    deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
-         .log = {failure(kNoUnlock, "OUT frame unlock timed out"),
-                 failure(kNoBeginWrite, kWriteLockStillHeld)},
+         .log = writeLockKept(),
          .cells = {"GDS holds 15000; the copy to the bus fails while the host thread still "
                    "holds the lock, bus 0",
                    "next event: its Begin is refused, its End frees the lock, its copy brings "
@@ -65,7 +60,3 @@ std::vector<FaultRow> initialisationRows() {
 
     };
 }
-
-}  // namespace
-
-FAULT_MATRIX_ROWS(Initialisation, initialisationRows())

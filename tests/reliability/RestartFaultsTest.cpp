@@ -2,7 +2,6 @@
 // Restart events: the device-control service lookup and the restart operation.
 
 #include <string>
-#include <vector>
 
 #include "FaultRowTest.h"
 #include "vplc/Runtime.h"
@@ -12,77 +11,58 @@ using vplc::Runtime;
 
 namespace {
 
-// A restart whose service cannot be reached, or refuses: the notice is logged first, the
-// exception reaches the host, nothing is copied to the bus, and no service object is left. The
-// next restart event, with the service reachable, restarts once.
-std::vector<Step> refusedRestart(const Step& arm, const std::string& exception) {
-    return {startDigital,
-            markCalls(kWriteOutputs),
-            arm,
-            restartThrows(exception),
-            callsSinceMark(kWriteOutputs, 0),
-            restarts(0),
-            liveServices(0),
-            serviceLookup(Runtime::Lookup::Normal),
-            deliver(kRestart, 1),
-            restarts(1),
-            callsSinceMark(kWriteOutputs, 1)};
-}
+constexpr const char* kRestartEvent = "restartDevice: restart event";
 
-std::vector<FaultRow> restartRows() {
-    const std::string restartAgain = "the next restart event restarts once";
-    const std::string neutral = "exception reaches the host; no restart, no copy to the bus";
-    return {
-        {.name = "RestartGetServiceThrows",
-         .fault = {std::string(Runtime::kGetService), "restartDevice: restart event",
-                   "RSC layer not ready"},
-         .steps = refusedRestart(failNext, "Arp::Exception: RSC layer not ready"),
-         .log = {notice(kRestartNotice), notice(kRestartNotice)},
-         .cells = {neutral + " (Arp::Exception)", restartAgain}},
-        {.name = "RestartGetServiceGivesAnEmptyProviderName",
-         .fault = {std::string(Runtime::kGetService) + " (empty provider name)",
-                   "restartDevice: restart event"},
-         .steps = refusedRestart(serviceLookup(Runtime::Lookup::EmptyProviderName),
-                                 "ArgumentException: Service does not specify a service provider"),
-         .log = {notice(kRestartNotice), notice(kRestartNotice)},
-         .cells = {neutral + " (ArgumentException)", restartAgain}},
-        {.name = "RestartGetServiceGivesANullProviderName",
-         .fault = {std::string(Runtime::kGetService) + " (null provider name)",
-                   "restartDevice: restart event"},
-         .steps =
-             refusedRestart(serviceLookup(Runtime::Lookup::NullProviderName), "std::logic_error"),
-         .log = {notice(kRestartNotice), notice(kRestartNotice)},
-         .cells = {neutral + " (std::logic_error)", restartAgain}},
-        {.name = "RestartGetServiceGivesNoService",
-         .fault = {std::string(Runtime::kGetService) + " (no service)",
-                   "restartDevice: restart event"},
-         .steps = refusedRestart(
-             serviceLookup(Runtime::Lookup::NoService),
-             "InvalidOperationException: Could not retrieve service "
-             "'Arp::Device::Interface::Services::IDeviceControlService' from service provider "
-             "'Arp'."),
-         .log = {notice(kRestartNotice), notice(kRestartNotice)},
-         .cells = {neutral + " (InvalidOperationException)", restartAgain}},
-        {.name = "RestartGetServiceGivesAServiceOfAnotherType",
-         .fault = {std::string(Runtime::kGetService) + " (service of another type)",
-                   "restartDevice: restart event"},
-         .steps = refusedRestart(
-             serviceLookup(Runtime::Lookup::WrongType),
-             "InvalidCastException: The service does not implement service interface "
-             "'Arp.Device.Interface.Services.IDeviceControlService'."),
-         .log = {notice(kRestartNotice), notice(kRestartNotice)},
-         .cells = {neutral + " (InvalidCastException)", restartAgain}},
-        {.name = "RestartOperationFails",
-         .fault = {std::string(Runtime::kRestartDevice), "restartDevice: the restart operation",
-                   "Device is busy"},
-         .steps = refusedRestart(failNext, "Arp::Exception: Device is busy"),
-         .log = {notice(kRestartNotice), notice(kRestartNotice)},
-         .cells = {neutral + " (Arp::Exception); the service object is still released",
-                   restartAgain}},
-
-    };
+// A restart whose service cannot be reached, or refuses, once `arm` has run: the notice is logged
+// first, the exception reaches the host, nothing is copied to the bus, and no service object is
+// left. The next restart event, with the service reachable, restarts once. `outcome` completes
+// the neutral result.
+FaultRow refusedRestart(const std::string& name, const InjectedFault& fault, const Step& arm,
+                        const std::string& exception, const std::string& outcome) {
+    return {.name = name,
+            .fault = fault,
+            .steps = {startDigital, markCalls(kWriteOutputs), arm, restartThrows(exception),
+                      callsSinceMark(kWriteOutputs, 0), restarts(0), liveServices(0),
+                      serviceLookup(Runtime::Lookup::Normal), deliver(kRestart, 1), restarts(1),
+                      callsSinceMark(kWriteOutputs, 1)},
+            .log = {notice(kRestartNotice), notice(kRestartNotice)},
+            .cells = {"exception reaches the host; no restart, no copy to the bus " + outcome,
+                      "the next restart event restarts once"}};
 }
 
 }  // namespace
 
-FAULT_MATRIX_ROWS(Restart, restartRows())
+FAULT_MATRIX_ROWS(Restart) {
+    const std::string service = std::string(Runtime::kGetService);
+    return {
+        refusedRestart("RestartGetServiceThrows", {service, kRestartEvent, "RSC layer not ready"},
+                       failNext, "Arp::Exception: RSC layer not ready", "(Arp::Exception)"),
+        refusedRestart("RestartGetServiceGivesAnEmptyProviderName",
+                       {service + " (empty provider name)", kRestartEvent},
+                       serviceLookup(Runtime::Lookup::EmptyProviderName),
+                       "ArgumentException: Service does not specify a service provider",
+                       "(ArgumentException)"),
+        refusedRestart("RestartGetServiceGivesANullProviderName",
+                       {service + " (null provider name)", kRestartEvent},
+                       serviceLookup(Runtime::Lookup::NullProviderName), "std::logic_error",
+                       "(std::logic_error)"),
+        refusedRestart("RestartGetServiceGivesNoService",
+                       {service + " (no service)", kRestartEvent},
+                       serviceLookup(Runtime::Lookup::NoService),
+                       "InvalidOperationException: Could not retrieve service "
+                       "'Arp::Device::Interface::Services::IDeviceControlService' from service "
+                       "provider 'Arp'.",
+                       "(InvalidOperationException)"),
+        refusedRestart("RestartGetServiceGivesAServiceOfAnotherType",
+                       {service + " (service of another type)", kRestartEvent},
+                       serviceLookup(Runtime::Lookup::WrongType),
+                       "InvalidCastException: The service does not implement service interface "
+                       "'Arp.Device.Interface.Services.IDeviceControlService'.",
+                       "(InvalidCastException)"),
+        refusedRestart("RestartOperationFails",
+                       {std::string(Runtime::kRestartDevice),
+                        "restartDevice: the restart operation", "Device is busy"},
+                       failNext, "Arp::Exception: Device is busy",
+                       "(Arp::Exception); the service object is still released"),
+    };
+}

@@ -3,15 +3,12 @@
 // initial publication and in a steady scan, and the platform's error text of a failure line.
 
 #include <string>
-#include <vector>
 
 #include "FaultRowTest.h"
 
 using namespace faultmatrix;
 
-namespace {
-
-std::vector<FaultRow> scanRows() {
+FAULT_MATRIX_ROWS(Scan) {
     return {
         {.name = "InitialPublicationReadInputsFails",
          .fault = {kReadInputs, "run: start of the initial publication",
@@ -41,21 +38,19 @@ std::vector<FaultRow> scanRows() {
          .cells = {"EndRead still called; the read gives 0, published as a change",
                    "the next scan publishes 1 again"}},
         {.name = "InitialDigitalReadEndReadFails",
-         .fault = {kEndRead, "readDigital: initial publication", "IN frame unlock timed out"},
+         .fault = {kEndRead, "readDigital: initial publication", kInUnlockTimedOut},
          .steps = {createDigital, initialize, failNext, passGate, publishedDigital(1), openLocks(1),
                    passGate, publishedDigital(0), passGate, publishedDigital(1)},
-         .log = {failure(kNoUnlock, "IN frame unlock timed out"),
-                 failure(kNoBeginRead, kReadLockStillHeld)},
+         .log = readLockKept(),
          .cells = {"the value read is kept: pin 3 published as 1",
                    "next scan: the scan thread still holds the lock, its read is refused (0 "
                    "published) and its End frees the lock; the scan after publishes 1"}},
         {.name = "SteadyDigitalReadEndReadFails",
-         .fault = {kEndRead, "readDigital: steady scan", "IN frame unlock timed out"},
+         .fault = {kEndRead, "readDigital: steady scan", kInUnlockTimedOut},
          .steps = {startDigital, forgetPublished, digitalInput(false), failNext, passGate,
                    publishedDigital(0), digitalInput(true), passGate, published({}), passGate,
                    publishedDigital(1)},
-         .log = {failure(kNoUnlock, "IN frame unlock timed out"),
-                 failure(kNoBeginRead, kReadLockStillHeld)},
+         .log = readLockKept(),
          .cells = {"the value read is kept: pin 3 switched off is published as 0",
                    "next scan: its read is refused and gives 0 (unchanged, nothing published), "
                    "its End frees the lock; pin 3 switched on then is published as 1"}},
@@ -74,21 +69,19 @@ std::vector<FaultRow> scanRows() {
          .cells = {"EndRead still called; the read gives 0.0, published as a change",
                    "the next scan publishes 10.0 again"}},
         {.name = "InitialAnalogReadEndReadFails",
-         .fault = {kEndRead, "readAnalog: initial publication", "IN frame unlock timed out"},
+         .fault = {kEndRead, "readAnalog: initial publication", kInUnlockTimedOut},
          .steps = {createAnalog, initialize, failNext, passGate, publishedAnalog(10.0f), passGate,
                    publishedAnalog(0.0f), passGate, publishedAnalog(10.0f)},
-         .log = {failure(kNoUnlock, "IN frame unlock timed out"),
-                 failure(kNoBeginRead, kReadLockStillHeld)},
+         .log = readLockKept(),
          .cells = {"the word read is kept: 10.0 published",
                    "next scan: its read is refused (0.0 published) and its End frees the lock; "
                    "the scan after publishes 10.0"}},
         {.name = "SteadyAnalogReadEndReadFails",
-         .fault = {kEndRead, "readAnalog: steady scan", "IN frame unlock timed out"},
+         .fault = {kEndRead, "readAnalog: steady scan", kInUnlockTimedOut},
          .steps = {startAnalog, forgetPublished, analogInput(7500), failNext, passGate,
                    publishedAnalog(2.5f), passGate, publishedAnalog(0.0f), passGate,
                    publishedAnalog(2.5f)},
-         .log = {failure(kNoUnlock, "IN frame unlock timed out"),
-                 failure(kNoBeginRead, kReadLockStillHeld)},
+         .log = readLockKept(),
          .cells = {"the word read is kept: a change to 2.5 is published",
                    "next scan: its read is refused (0.0 published) and its End frees the lock; "
                    "the scan after publishes 2.5"}},
@@ -103,7 +96,3 @@ std::vector<FaultRow> scanRows() {
 
     };
 }
-
-}  // namespace
-
-FAULT_MATRIX_ROWS(Scan, scanRows())

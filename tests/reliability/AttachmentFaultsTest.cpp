@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "Arp/Plc/AnsiC/Domain/PlcOperationHandler.h"
@@ -177,25 +178,42 @@ int missedStartChild() {
     return 0;
 }
 
-std::function<int()> failedLoad(std::function<void()> arm) {
-    return [arm] { return failedAttachmentChild(arm); };
-}
-
 std::function<void()> failNext(std::string_view function, const char* error) {
     return [function, error] { vplc::inject(function, Fault::next(error)); };
 }
 
+// A row whose load of the runtime fails once `arm` has run in the child: both drivers stop, nothing
+// is acquired, and the load is not tried again. `thrown` is the text of the exception the loader
+// prints, if it throws one.
+AttachmentRow failedLoadRow(const std::string& name, const std::string& call,
+                            const std::string& site, const std::string& thrown,
+                            std::function<void()> arm) {
+    const LoggedLine notAttached = {2, kNotAttached, kNotAttached};
+    std::vector<std::string> printed;
+    if (!thrown.empty()) {
+        printed.push_back(
+            "Exception of type Arp::Exception occured during call of "
+            "ArpSystemModule_Load : " +
+            thrown);
+    }
+    return {.name = name,
+            .call = call,
+            .site = site,
+            .printed = printed,
+            .log = {notAttached, notAttached},
+            .neutral = "no module, no GDS buffer, no thread; stopped",
+            .teardown = "nothing was acquired",
+            .next = "a second driver stops the same way; the load is not retried",
+            .child = [arm = std::move(arm)] { return failedAttachmentChild(arm); },
+            .stops = {"PLCnext runtime not available", "PLCnext runtime not available"},
+            .facts = {{"buffersAcquired", "0"},
+                      {"loads", "1"},
+                      {"threadsStarted", "0"},
+                      {"buffersHeld", "0"}}};
+}
+
 std::vector<AttachmentRow> attachmentRows() {
-    const std::vector<LoggedLine> notAttached = {{2, kNotAttached, kNotAttached},
-                                                 {2, kNotAttached, kNotAttached}};
-    const std::string neutral = "no module, no GDS buffer, no thread; stopped";
-    const std::string teardown = "nothing was acquired";
-    const std::string next = "a second driver stops the same way; the load is not retried";
-    const std::vector<std::string> stops = {"PLCnext runtime not available",
-                                            "PLCnext runtime not available"};
-    const std::map<std::string, std::string> facts = {
-        {"buffersAcquired", "0"}, {"loads", "1"}, {"threadsStarted", "0"}, {"buffersHeld", "0"}};
-    const std::string printed = "occured during call of ArpSystemModule_Load : ";
+    const std::string loading = "runtime attachment: loading the system module";
     return {
         {
             .name = "AttachmentSetHandlerFails",
@@ -214,58 +232,18 @@ std::vector<AttachmentRow> attachmentRows() {
                       {"threadAfterStart", "1"},
                       {"buffersHeld", "0"}},
         },
-        {
-            .name = "AttachmentModuleMainThrows",
-            .call = std::string(Runtime::kModuleMain),
-            .site = "runtime attachment: loading the system module",
-            .printed = {"Exception of type Arp::Exception " + printed + "settings file unreadable"},
-            .log = notAttached,
-            .neutral = neutral,
-            .teardown = teardown,
-            .next = next,
-            .child = failedLoad(failNext(Runtime::kModuleMain, "settings file unreadable")),
-            .stops = stops,
-            .facts = facts,
-        },
-        {
-            .name = "AttachmentModuleMainGivesNoApplicationDomain",
-            .call = std::string(Runtime::kModuleMain) + " (no application domain)",
-            .site = "runtime attachment: loading the system module",
-            .printed = {},
-            .log = notAttached,
-            .neutral = neutral,
-            .teardown = teardown,
-            .next = next,
-            .child = failedLoad([] { Runtime::setModuleMain(Runtime::MainOutcome::NullDomain); }),
-            .stops = stops,
-            .facts = facts,
-        },
-        {
-            .name = "AttachmentLogManagerBindingFails",
-            .call = std::string(Runtime::kLogAssignAppDomain),
-            .site = "runtime attachment: binding the log manager",
-            .printed = {"Exception of type Arp::Exception " + printed + "log manager unavailable"},
-            .log = notAttached,
-            .neutral = neutral,
-            .teardown = teardown,
-            .next = next,
-            .child = failedLoad(failNext(Runtime::kLogAssignAppDomain, "log manager unavailable")),
-            .stops = stops,
-            .facts = facts,
-        },
-        {
-            .name = "AttachmentRscManagerBindingFails",
-            .call = std::string(Runtime::kRscAssignAppDomain),
-            .site = "runtime attachment: binding the RSC manager",
-            .printed = {"Exception of type Arp::Exception " + printed + "RSC manager unavailable"},
-            .log = notAttached,
-            .neutral = neutral,
-            .teardown = teardown,
-            .next = next,
-            .child = failedLoad(failNext(Runtime::kRscAssignAppDomain, "RSC manager unavailable")),
-            .stops = stops,
-            .facts = facts,
-        },
+        failedLoadRow("AttachmentModuleMainThrows", std::string(Runtime::kModuleMain), loading,
+                      "settings file unreadable",
+                      failNext(Runtime::kModuleMain, "settings file unreadable")),
+        failedLoadRow("AttachmentModuleMainGivesNoApplicationDomain",
+                      std::string(Runtime::kModuleMain) + " (no application domain)", loading, "",
+                      [] { Runtime::setModuleMain(Runtime::MainOutcome::NullDomain); }),
+        failedLoadRow("AttachmentLogManagerBindingFails", std::string(Runtime::kLogAssignAppDomain),
+                      "runtime attachment: binding the log manager", "log manager unavailable",
+                      failNext(Runtime::kLogAssignAppDomain, "log manager unavailable")),
+        failedLoadRow("AttachmentRscManagerBindingFails", std::string(Runtime::kRscAssignAppDomain),
+                      "runtime attachment: binding the RSC manager", "RSC manager unavailable",
+                      failNext(Runtime::kRscAssignAppDomain, "RSC manager unavailable")),
     };
 }
 

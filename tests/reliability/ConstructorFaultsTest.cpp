@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The module constructors' acquisition of the GDS frame buffers and of their ports' offsets.
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -10,195 +11,87 @@ using namespace faultmatrix;
 
 namespace {
 
-std::vector<FaultRow> moduleRows() {
-    return {
-        {
-            .name = "DigitalConstructorGetBufferOfInFails",
-            .call = kGetBuffer,
-            .site = "digital module constructor: buffer 1:IN",
-            .error = "IN frame not ready",
-            .log = {failure(kNoBuffer, "IN frame not ready"), failure(kNoOffset, kNullOffsetHandle),
-                    failure(kNoRelease, kNullReleaseHandle)},
-            .neutral = "pin 3 (on) is never read and published as 0",
-            .teardown = "1:OUT released; releasing the missing 1:IN handle fails and is logged",
-            .next = "outputs unaffected: InitVal and events reach the bus",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    EXPECT_EQ(s.calls(kBeginRead), 0);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
-        },
-        {
-            .name = "DigitalConstructorGetBufferOfInAndOutFail",
-            .call = kGetBuffer,
-            .site = "digital module constructor: buffers 1:IN and 1:OUT",
-            .error = "GDS not configured",
-            .log = {failure(kNoBuffer, "GDS not configured"),
-                    failure(kNoBuffer, "GDS not configured"), failure(kNoOffset, kNullOffsetHandle),
-                    failure(kNoOffset, kNullOffsetHandle), failure(kNoRelease, kNullReleaseHandle),
-                    failure(kNoRelease, kNullReleaseHandle)},
-            .neutral =
-                "no frame is touched: pin 3 published as 0, InitVal and events write nothing",
-            .teardown = "both releases of the missing handles fail and are logged",
-            .next = "the driver runs without process data; events are accepted",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failTimes(2);
-                    s.initialize();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalInGds(), 0x00);
-                    EXPECT_EQ(s.digitalOnBus(), 0x00);
-                    EXPECT_EQ(s.calls(kBeginRead) + s.calls(kBeginWrite), 0);
-                },
-        },
-        {
-            .name = "AnalogConstructorGetBufferOfInFails",
-            .call = kGetBuffer,
-            .site = "analog module constructor: buffer 1:IN",
-            .error = "IN frame locked by firmware update",
-            .log = {failure(kNoBuffer, "IN frame locked by firmware update"),
-                    failure(kNoOffset, kNullOffsetHandle), failure(kNoRelease, kNullReleaseHandle)},
-            .neutral = "channel 0 (10.0) is never read and published as 0.0",
-            .teardown = "1:OUT released; releasing the missing 1:IN handle fails and is logged",
-            .next = "outputs unaffected: InitVal and events reach the bus",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_EQ(s.analogOnBus(1), 15000);
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(0.0f)}}));
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogOnBus(1), 7500);
-                },
-        },
-        {
-            .name = "AnalogConstructorGetBufferOfInAndOutFail",
-            .call = kGetBuffer,
-            .site = "analog module constructor: buffers 1:IN and 1:OUT",
-            .error = "GDS not configured",
-            .log = {failure(kNoBuffer, "GDS not configured"),
-                    failure(kNoBuffer, "GDS not configured"), failure(kNoOffset, kNullOffsetHandle),
-                    failure(kNoOffset, kNullOffsetHandle), failure(kNoRelease, kNullReleaseHandle),
-                    failure(kNoRelease, kNullReleaseHandle)},
-            .neutral = "no frame is touched: 0.0 published, InitVal and events write nothing",
-            .teardown = "both releases of the missing handles fail and are logged",
-            .next = "the driver runs without process data; events are accepted",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.failTimes(2);
-                    s.initialize();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(0.0f)}}));
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogInGds(1), 0);
-                    EXPECT_EQ(s.analogOnBus(1), 0);
-                    EXPECT_EQ(s.calls(kBeginRead) + s.calls(kBeginWrite), 0);
-                },
-        },
-        {
-            .name = "DigitalConstructorOffsetOfDI8Fails",
-            .call = kOffset,
-            .site = "digital module constructor: port DI8",
-            .error = "Variable table not loaded",
-            .log = {failure(kNoOffset, "Variable table not loaded")},
-            .neutral = "pin 3 (on) is never read and published as 0",
-            .teardown = kBothReleased,
-            .next = "outputs unaffected: InitVal and events reach the bus",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failNext();
-                    s.initialize();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    EXPECT_EQ(s.calls(kBeginRead), 0);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
-        },
-        {
-            .name = "DigitalConstructorOffsetsOfDI8AndDO8Fail",
-            .call = kOffset,
-            .site = "digital module constructor: ports DI8 and DO8",
-            .error = "Variable table not loaded",
-            .log = {failure(kNoOffset, "Variable table not loaded"),
-                    failure(kNoOffset, "Variable table not loaded")},
-            .neutral = "pin 3 published as 0; InitVal and events write nothing, bus stays 0x00",
-            .teardown = kBothReleased,
-            .next = "the driver runs without process data; events are accepted",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failTimes(2);
-                    s.initialize();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {0}}}));
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalInGds(), 0x00);
-                    EXPECT_EQ(s.digitalOnBus(), 0x00);
-                    EXPECT_EQ(s.calls(kBeginRead) + s.calls(kBeginWrite), 0);
-                },
-        },
-        {
-            .name = "AnalogConstructorOffsetOfAI32Fails",
-            .call = kOffset,
-            .site = "analog module constructor: port AI32",
-            .error = "Variable table not loaded",
-            .log = {failure(kNoOffset, "Variable table not loaded")},
-            .neutral = "channel 0 (10.0) is never read and published as 0.0",
-            .teardown = kBothReleased,
-            .next = "outputs unaffected: InitVal and events reach the bus",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.failNext();
-                    s.initialize();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(0.0f)}}));
-                    EXPECT_EQ(s.calls(kBeginRead), 0);
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogOnBus(1), 7500);
-                },
-        },
-        {
-            .name = "AnalogConstructorOffsetsOfAI32AndAQ32Fail",
-            .call = kOffset,
-            .site = "analog module constructor: ports AI32 and AQ32",
-            .error = "Variable table not loaded",
-            .log = {failure(kNoOffset, "Variable table not loaded"),
-                    failure(kNoOffset, "Variable table not loaded")},
-            .neutral = "0.0 published; InitVal and events write nothing, bus stays 0",
-            .teardown = kBothReleased,
-            .next = "the driver runs without process data; events are accepted",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.failTimes(2);
-                    s.initialize();
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kAnalogIn, floatBytes(0.0f)}}));
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogInGds(1), 0);
-                    EXPECT_EQ(s.analogOnBus(1), 0);
-                    EXPECT_EQ(s.calls(kBeginRead) + s.calls(kBeginWrite), 0);
-                },
-        },
-    };
+constexpr const char* kOutputsUnaffected = "outputs unaffected: InitVal and events reach the bus";
+constexpr const char* kNoProcessData = "the driver runs without process data; events are accepted";
+
+// The lines of `count` buffers that never came: each one's failure, then for each the offset of
+// its port and its release at teardown failing on the missing handle.
+std::vector<LoggedLine> missingBuffers(const std::string& error, std::size_t count) {
+    std::vector<LoggedLine> lines(count, failure(kNoBuffer, error));
+    lines.insert(lines.end(), count, failure(kNoOffset, kNullOffsetHandle));
+    lines.insert(lines.end(), count, failure(kNoRelease, kNullReleaseHandle));
+    return lines;
 }
 
 }  // namespace
 
-FAULT_MATRIX_ROWS(Constructor, moduleRows())
+FAULT_MATRIX_ROWS(Constructor) {
+    return {
+        {.name = "DigitalConstructorGetBufferOfInFails",
+         .fault = {kGetBuffer, "digital module constructor: buffer 1:IN", "IN frame not ready"},
+         .steps = {createDigital, failNext, initialize, digitalOnBus(0x20), passGate,
+                   publishedDigital(0), calls(kBeginRead, 0), deliver(kPin6, 1),
+                   digitalOnBus(0x60)},
+         .log = missingBuffers("IN frame not ready", 1),
+         .cells = {"pin 3 (on) is never read and published as 0", kOutputsUnaffected,
+                   "1:OUT released; releasing the missing 1:IN handle fails and is logged"}},
+        {.name = "DigitalConstructorGetBufferOfInAndOutFail",
+         .fault = {kGetBuffer, "digital module constructor: buffers 1:IN and 1:OUT",
+                   "GDS not configured"},
+         .steps = {createDigital, failTwice, initialize, passGate, publishedDigital(0),
+                   deliver(kPin6, 1), digitalInGds(0x00), digitalOnBus(0x00), calls(kBeginRead, 0),
+                   calls(kBeginWrite, 0)},
+         .log = missingBuffers("GDS not configured", 2),
+         .cells = {"no frame is touched: pin 3 published as 0, InitVal and events write nothing",
+                   kNoProcessData, "both releases of the missing handles fail and are logged"}},
+        {.name = "AnalogConstructorGetBufferOfInFails",
+         .fault = {kGetBuffer, "analog module constructor: buffer 1:IN",
+                   "IN frame locked by firmware update"},
+         .steps = {createAnalog, failNext, initialize, analogOnBus(1, 15000), passGate,
+                   publishedAnalog(0.0f), deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
+         .log = missingBuffers("IN frame locked by firmware update", 1),
+         .cells = {"channel 0 (10.0) is never read and published as 0.0", kOutputsUnaffected,
+                   "1:OUT released; releasing the missing 1:IN handle fails and is logged"}},
+        {.name = "AnalogConstructorGetBufferOfInAndOutFail",
+         .fault = {kGetBuffer, "analog module constructor: buffers 1:IN and 1:OUT",
+                   "GDS not configured"},
+         .steps = {createAnalog, failTwice, initialize, passGate, publishedAnalog(0.0f),
+                   deliverFloat(kChannel1, 2.5f), analogInGds(1, 0), analogOnBus(1, 0),
+                   calls(kBeginRead, 0), calls(kBeginWrite, 0)},
+         .log = missingBuffers("GDS not configured", 2),
+         .cells = {"no frame is touched: 0.0 published, InitVal and events write nothing",
+                   kNoProcessData, "both releases of the missing handles fail and are logged"}},
+        {.name = "DigitalConstructorOffsetOfDI8Fails",
+         .fault = {kOffset, "digital module constructor: port DI8", "Variable table not loaded"},
+         .steps = {createDigital, failNext, initialize, passGate, publishedDigital(0),
+                   calls(kBeginRead, 0), deliver(kPin6, 1), digitalOnBus(0x60)},
+         .log = {failure(kNoOffset, "Variable table not loaded")},
+         .cells = {"pin 3 (on) is never read and published as 0", kOutputsUnaffected}},
+        {.name = "DigitalConstructorOffsetsOfDI8AndDO8Fail",
+         .fault = {kOffset, "digital module constructor: ports DI8 and DO8",
+                   "Variable table not loaded"},
+         .steps = {createDigital, failTwice, initialize, passGate, publishedDigital(0),
+                   deliver(kPin6, 1), digitalInGds(0x00), digitalOnBus(0x00), calls(kBeginRead, 0),
+                   calls(kBeginWrite, 0)},
+         .log = {failure(kNoOffset, "Variable table not loaded"),
+                 failure(kNoOffset, "Variable table not loaded")},
+         .cells = {"pin 3 published as 0; InitVal and events write nothing, bus stays 0x00",
+                   kNoProcessData}},
+        {.name = "AnalogConstructorOffsetOfAI32Fails",
+         .fault = {kOffset, "analog module constructor: port AI32", "Variable table not loaded"},
+         .steps = {createAnalog, failNext, initialize, passGate, publishedAnalog(0.0f),
+                   calls(kBeginRead, 0), deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
+         .log = {failure(kNoOffset, "Variable table not loaded")},
+         .cells = {"channel 0 (10.0) is never read and published as 0.0", kOutputsUnaffected}},
+        {.name = "AnalogConstructorOffsetsOfAI32AndAQ32Fail",
+         .fault = {kOffset, "analog module constructor: ports AI32 and AQ32",
+                   "Variable table not loaded"},
+         .steps = {createAnalog, failTwice, initialize, passGate, publishedAnalog(0.0f),
+                   deliverFloat(kChannel1, 2.5f), analogInGds(1, 0), analogOnBus(1, 0),
+                   calls(kBeginRead, 0), calls(kBeginWrite, 0)},
+         .log = {failure(kNoOffset, "Variable table not loaded"),
+                 failure(kNoOffset, "Variable table not loaded")},
+         .cells = {"0.0 published; InitVal and events write nothing, bus stays 0", kNoProcessData}},
+
+    };
+}

@@ -3,191 +3,77 @@
 // after every kind of event.
 
 #include <string>
-#include <vector>
 
 #include "FaultRowTest.h"
-#include "vplc/Runtime.h"
 
 using namespace faultmatrix;
-using vplc::Runtime;
 
-namespace {
-
-std::vector<FaultRow> eventRows() {
+FAULT_MATRIX_ROWS(Event) {
     return {
-        {
-            .name = "DigitalOutputEventBeginWriteFails",
-            .call = kBeginWrite,
-            .site = "writeDigital: output event (pin 5 <- 0)",
-            .error = "OUT frame busy",
-            .log = {failure(kNoBeginWrite, "OUT frame busy")},
-            .neutral = "EndWrite still called; GDS and bus keep 0x20",
-            .teardown = kBothReleased,
-            .next = "pin 5's 0 is remembered: the next event (pin 6 <- 1) puts 0x40 on the bus",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.failNext();
-                    s.deliver(kPin5, 0);
-                    EXPECT_EQ(s.digitalInGds(), 0x20);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x40);
-                },
-        },
-        {
-            .name = "DigitalOutputEventEndWriteFails",
-            .call = kEndWrite,
-            .site = "writeDigital: output event (pin 5 <- 0)",
-            .error = "OUT frame unlock timed out",
-            .log = {failure(kNoUnlock, "OUT frame unlock timed out"),
-                    failure(kNoBeginWrite, kWriteLockStillHeld)},
-            .neutral = "GDS holds 0x00; the copy to the bus fails while the host thread still "
-                       "holds the lock, bus keeps 0x20",
-            .teardown = kBothReleased,
-            .next = "next event: its Begin is refused, its End frees the lock, its copy brings "
-                    "0x00; the one after is written (0x40)",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.failNext();
-                    s.deliver(kPin5, 0);
-                    EXPECT_EQ(s.digitalInGds(), 0x00);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x00);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x40);
-                },
-        },
-        {
-            .name = "AnalogOutputEventBeginWriteFails",
-            .call = kBeginWrite,
-            .site = "writeAnalog: output event (channel 1 <- 2.5)",
-            .error = "OUT frame busy",
-            .log = {failure(kNoBeginWrite, "OUT frame busy")},
-            .neutral = "EndWrite still called; GDS and bus keep 15000",
-            .teardown = kBothReleased,
-            .next = "the next event (2.5) is written: 7500 on the bus",
-            .run =
-                [](Scenario& s) {
-                    s.startAnalog();
-                    s.failNext();
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogInGds(1), 15000);
-                    EXPECT_EQ(s.analogOnBus(1), 15000);
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogOnBus(1), 7500);
-                },
-        },
-        {
-            .name = "AnalogOutputEventEndWriteFails",
-            .call = kEndWrite,
-            .site = "writeAnalog: output event (channel 1 <- 2.5)",
-            .error = "OUT frame unlock timed out",
-            .log = {failure(kNoUnlock, "OUT frame unlock timed out"),
-                    failure(kNoBeginWrite, kWriteLockStillHeld)},
-            .neutral = "GDS holds 7500; the copy to the bus fails while the host thread still "
-                       "holds the lock, bus keeps 15000",
-            .teardown = kBothReleased,
-            .next = "next event (1.0): its Begin is refused, its End frees the lock, its copy "
-                    "brings 7500; the one after is written (3000)",
-            .run =
-                [](Scenario& s) {
-                    s.startAnalog();
-                    s.failNext();
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogInGds(1), 7500);
-                    EXPECT_EQ(s.analogOnBus(1), 15000);
-                    s.deliverFloat(kChannel1, 1.0f);
-                    EXPECT_EQ(s.analogOnBus(1), 7500);
-                    s.deliverFloat(kChannel1, 1.0f);
-                    EXPECT_EQ(s.analogOnBus(1), 3000);
-                },
-        },
-        {
-            .name = "DigitalOutputEventWriteOutputsFails",
-            .call = kWriteOutputs,
-            .site = "onReceiveEvent: after a digital output event (pin 5 <- 0)",
-            .error = "Axioline bus cycle missed",
-            .log = {},
-            .neutral = "result ignored, nothing logged; GDS 0x00, bus keeps 0x20",
-            .teardown = kBothReleased,
-            .next = "the next event (pin 6 <- 1) brings both: 0x40",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.failNext();
-                    s.deliver(kPin5, 0);
-                    EXPECT_EQ(s.digitalInGds(), 0x00);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x40);
-                },
-        },
-        {
-            .name = "AnalogOutputEventWriteOutputsFails",
-            .call = kWriteOutputs,
-            .site = "onReceiveEvent: after an analog output event (channel 1 <- 2.5)",
-            .error = "Axioline bus cycle missed",
-            .log = {},
-            .neutral = "result ignored, nothing logged; GDS 7500, bus keeps 15000",
-            .teardown = kBothReleased,
-            .next = "the next event (1.0) is copied: 3000",
-            .run =
-                [](Scenario& s) {
-                    s.startAnalog();
-                    s.failNext();
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogInGds(1), 7500);
-                    EXPECT_EQ(s.analogOnBus(1), 15000);
-                    s.deliverFloat(kChannel1, 1.0f);
-                    EXPECT_EQ(s.analogOnBus(1), 3000);
-                },
-        },
-        {
-            .name = "RestartEventWriteOutputsFails",
-            .call = kWriteOutputs,
-            .site = "onReceiveEvent: after a restart event",
-            .error = "Axioline bus cycle missed",
-            .log = {notice(kRestartNotice)},
-            .neutral = "result ignored; the restart is made, outputs unchanged",
-            .teardown = kBothReleased,
-            .next = "the next output event is written and copied",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.failNext();
-                    s.deliver(kRestart, 1);
-                    EXPECT_EQ(Runtime::restarts(), 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
-        },
-        {
-            .name = "UnsubscribedEventWriteOutputsFails",
-            .call = kWriteOutputs,
-            .site = "onReceiveEvent: after an unsubscribed event",
-            .error = "Axioline bus cycle missed",
-            .log = {},
-            .neutral = "result ignored; the event is reported, outputs unchanged",
-            .teardown = kBothReleased,
-            .next = "the next output event is written and copied",
-            .run =
-                [](Scenario& s) {
-                    s.startDigital();
-                    s.failNext();
-                    s.deliver(kUnsubscribed, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
-            .stops = {"Unsubscribed event received"},
-        },
+        {.name = "DigitalOutputEventBeginWriteFails",
+         .fault = {kBeginWrite, "writeDigital: output event (pin 5 <- 0)", "OUT frame busy"},
+         .steps = {startDigital, failNext, deliver(kPin5, 0), digitalInGds(0x20),
+                   digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x40)},
+         .log = {failure(kNoBeginWrite, "OUT frame busy")},
+         .cells = {"EndWrite still called; GDS and bus keep 0x20",
+                   "pin 5's 0 is remembered: the next event (pin 6 <- 1) puts 0x40 on the bus"}},
+        {.name = "DigitalOutputEventEndWriteFails",
+         .fault = {kEndWrite, "writeDigital: output event (pin 5 <- 0)", kOutUnlockTimedOut},
+         .steps = {startDigital, failNext, deliver(kPin5, 0), digitalInGds(0x00),
+                   digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x00), deliver(kPin6, 1),
+                   digitalOnBus(0x40)},
+         .log = writeLockKept(),
+         .cells = {"GDS holds 0x00; the copy to the bus fails while the host thread still "
+                   "holds the lock, bus keeps 0x20",
+                   "next event: its Begin is refused, its End frees the lock, its copy brings "
+                   "0x00; the one after is written (0x40)"}},
+        {.name = "AnalogOutputEventBeginWriteFails",
+         .fault = {kBeginWrite, "writeAnalog: output event (channel 1 <- 2.5)", "OUT frame busy"},
+         .steps = {startAnalog, failNext, deliverFloat(kChannel1, 2.5f), analogInGds(1, 15000),
+                   analogOnBus(1, 15000), deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
+         .log = {failure(kNoBeginWrite, "OUT frame busy")},
+         .cells = {"EndWrite still called; GDS and bus keep 15000",
+                   "the next event (2.5) is written: 7500 on the bus"}},
+        {.name = "AnalogOutputEventEndWriteFails",
+         .fault = {kEndWrite, "writeAnalog: output event (channel 1 <- 2.5)", kOutUnlockTimedOut},
+         .steps = {startAnalog, failNext, deliverFloat(kChannel1, 2.5f), analogInGds(1, 7500),
+                   analogOnBus(1, 15000), deliverFloat(kChannel1, 1.0f), analogOnBus(1, 7500),
+                   deliverFloat(kChannel1, 1.0f), analogOnBus(1, 3000)},
+         .log = writeLockKept(),
+         .cells = {"GDS holds 7500; the copy to the bus fails while the host thread still "
+                   "holds the lock, bus keeps 15000",
+                   "next event (1.0): its Begin is refused, its End frees the lock, its copy "
+                   "brings 7500; the one after is written (3000)"}},
+        {.name = "DigitalOutputEventWriteOutputsFails",
+         .fault = {kWriteOutputs, "onReceiveEvent: after a digital output event (pin 5 <- 0)",
+                   "Axioline bus cycle missed"},
+         .steps = {startDigital, failNext, deliver(kPin5, 0), digitalInGds(0x00),
+                   digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x40)},
+         .cells = {"result ignored, nothing logged; GDS 0x00, bus keeps 0x20",
+                   "the next event (pin 6 <- 1) brings both: 0x40"}},
+        {.name = "AnalogOutputEventWriteOutputsFails",
+         .fault = {kWriteOutputs, "onReceiveEvent: after an analog output event (channel 1 <- 2.5)",
+                   "Axioline bus cycle missed"},
+         .steps = {startAnalog, failNext, deliverFloat(kChannel1, 2.5f), analogInGds(1, 7500),
+                   analogOnBus(1, 15000), deliverFloat(kChannel1, 1.0f), analogOnBus(1, 3000)},
+         .cells = {"result ignored, nothing logged; GDS 7500, bus keeps 15000",
+                   "the next event (1.0) is copied: 3000"}},
+        {.name = "RestartEventWriteOutputsFails",
+         .fault = {kWriteOutputs, "onReceiveEvent: after a restart event",
+                   "Axioline bus cycle missed"},
+         .steps = {startDigital, failNext, deliver(kRestart, 1), restarts(1), digitalOnBus(0x20),
+                   deliver(kPin6, 1), digitalOnBus(0x60)},
+         .log = {notice(kRestartNotice)},
+         .cells = {"result ignored; the restart is made, outputs unchanged",
+                   "the next output event is written and copied"}},
+        {.name = "UnsubscribedEventWriteOutputsFails",
+         .fault = {kWriteOutputs, "onReceiveEvent: after an unsubscribed event",
+                   "Axioline bus cycle missed"},
+         .steps = {startDigital, failNext, deliver(kUnsubscribed, 1), digitalOnBus(0x20),
+                   deliver(kPin6, 1), digitalOnBus(0x60)},
+         .cells = {"result ignored; the event is reported, outputs unchanged",
+                   "the next output event is written and copied"},
+         .stops = {"Unsubscribed event received"}},
+
     };
 }
-
-}  // namespace
-
-FAULT_MATRIX_ROWS(Event, eventRows())

@@ -40,8 +40,16 @@ LoggedLine notice(const char* text) {
     return {4, text, text};
 }
 
+std::vector<LoggedLine> readLockKept() {
+    return {failure(kNoUnlock, kInUnlockTimedOut), failure(kNoBeginRead, kReadLockStillHeld)};
+}
+
+std::vector<LoggedLine> writeLockKept() {
+    return {failure(kNoUnlock, kOutUnlockTimedOut), failure(kNoBeginWrite, kWriteLockStillHeld)};
+}
+
 void PrintTo(const FaultRow& row, std::ostream* out) {
-    *out << row.call << " at " << row.site;
+    *out << row.fault.call << " at " << row.fault.site;
 }
 
 }  // namespace faultmatrix

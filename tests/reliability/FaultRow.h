@@ -53,6 +53,10 @@ inline constexpr const char* kWriteLockStillHeld =
 
 inline constexpr const char* kBothReleased = "both frame buffers released, thread ended";
 
+// The error texts of a failed End of the input and of the output frame.
+inline constexpr const char* kInUnlockTimedOut = "IN frame unlock timed out";
+inline constexpr const char* kOutUnlockTimedOut = "OUT frame unlock timed out";
+
 // The driver under test. Digital: input pin 3 (event 10), outputs pin 5 (event 20, initial
 // value 1) and pin 6 (event 21, initial value 0), restart (event 90). Analog: input channel 0
 // (event 30), output channel 1 (event 40, initial value 5.0 = word 15000), restart (event 90).
@@ -76,21 +80,41 @@ Payload floatBytes(float value);
 LoggedLine failure(const char* format, const std::string& error);
 LoggedLine notice(const char* text);
 
+// A failed End leaves its frame's lock with the thread, so the thread's next Begin of that frame
+// is refused: the End's failure line, then the Begin's.
+std::vector<LoggedLine> readLockKept();
+std::vector<LoggedLine> writeLockKept();
+
 class Scenario;
 
-// One row of the matrix. `run` drives the driver to the call site, injects the failure and goes
-// on past it; its own expectations check the neutral result and what follows.
-struct FaultRow {
-    std::string name = {};  // the call and the place, as the test case is named
+// One thing a row does to its driver, or checks on the way.
+using Step = std::function<void(Scenario&)>;
+
+// The failure a row injects: the platform call, the place the driver makes it, and the error text
+// the controller reports for it (none where the call is made to misbehave otherwise).
+struct InjectedFault {
     std::string call = {};
     std::string site = {};
-    std::string error = {};  // the error text the controller reports for the injected failure
+    std::string error = {};
+};
+
+// What the printed matrix tells of a row beside what it observes: the neutral result, what
+// happens afterwards, and what teardown releases.
+struct MatrixCells {
+    std::string neutral = {};
+    std::string next = {};
+    std::string teardown = kBothReleased;
+};
+
+// One row of the matrix. Its steps drive the driver to the call site, inject the failure and go
+// on past it, checking the neutral result and what follows.
+struct FaultRow {
+    std::string name = {};  // the call and the place, as the test case is named
+    InjectedFault fault = {};
+    std::vector<Step> steps = {};
     std::vector<LoggedLine> log =
         {};  // every line after the version line, in order, teardown included
-    std::string neutral = {};
-    std::string teardown = {};
-    std::string next = {};
-    std::function<void(Scenario&)> run = {};
+    MatrixCells cells = {};
     std::vector<std::string> stops = {};  // stopWithError messages, in order
     int buffersKept = 0;                  // buffers the platform still holds after teardown
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "FaultRowTest.h"
 
+#include <cstddef>
 #include <vector>
 
 #include "MatrixPrinter.h"
@@ -27,11 +28,14 @@ std::string FaultRowTest::nameOf(const testing::TestParamInfo<FaultRow>& info) {
 
 void FaultRowTest::runRow() {
     const FaultRow& row = GetParam();
-    SCOPED_TRACE(row.call + " at " + row.site);
+    SCOPED_TRACE(row.fault.call + " at " + row.fault.site);
     MatrixPrinter& printer = MatrixPrinter::instance();
     DriverRig rig;
     Scenario scenario(row, rig);
-    row.run(scenario);
+    for (std::size_t step = 0; step < row.steps.size(); ++step) {
+        SCOPED_TRACE("step " + std::to_string(step + 1));
+        row.steps[step](scenario);
+    }
 
     const vplc::Plant& plant = rig.plant();
     EXPECT_EQ(plant.openLocks(), 0);
@@ -50,11 +54,11 @@ void FaultRowTest::runRow() {
         stops.push_back(stop.message);
     }
     EXPECT_EQ(stops, row.stops);
-    if (!row.error.empty()) {
-        EXPECT_GT(plant.calls(row.call), 0) << "the failing call was never made";
+    if (!row.fault.error.empty()) {
+        EXPECT_GT(plant.calls(row.fault.call), 0) << "the failing call was never made";
     }
-    printer.add({row.call, row.site, MatrixPrinter::describe(row.log), row.neutral, balance,
-                 row.teardown, row.next, !HasFailure()});
+    printer.add({row.fault.call, row.fault.site, MatrixPrinter::describe(row.log),
+                 row.cells.neutral, balance, row.cells.teardown, row.cells.next, !HasFailure()});
 }
 
 }  // namespace faultmatrix

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "FaultRow.h"
 #include "Scenario.h"
+#include "Steps.h"
 
 namespace faultmatrix {
 
@@ -25,11 +27,14 @@ protected:
 }  // namespace faultmatrix
 
 // The test cases of one row group: a suite named `group`, one case "FaultMatrix/<group>.Row/<row>"
-// per row that `rows` gives.
-#define FAULT_MATRIX_ROWS(group, rows)                                    \
-    class group : public faultmatrix::FaultRowTest {};                    \
-    TEST_P(group, Row) {                                                  \
-        runRow();                                                         \
-    }                                                                     \
-    INSTANTIATE_TEST_SUITE_P(FaultMatrix, group, testing::ValuesIn(rows), \
-                             faultmatrix::FaultRowTest::nameOf);
+// per row. The body that follows the macro returns the rows:
+//     FAULT_MATRIX_ROWS(Scan) { return {{.name = ...}, ...}; }
+#define FAULT_MATRIX_ROWS(group)                                                   \
+    static std::vector<faultmatrix::FaultRow> group##Rows();                       \
+    class group : public faultmatrix::FaultRowTest {};                             \
+    TEST_P(group, Row) {                                                           \
+        runRow();                                                                  \
+    }                                                                              \
+    INSTANTIATE_TEST_SUITE_P(FaultMatrix, group, testing::ValuesIn(group##Rows()), \
+                             faultmatrix::FaultRowTest::nameOf);                   \
+    static std::vector<faultmatrix::FaultRow> group##Rows()

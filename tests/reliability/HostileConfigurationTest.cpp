@@ -163,6 +163,26 @@ std::vector<PinKind> pinKinds() {
     };
 }
 
+// Initialises the driver of `records`, one output whose InitVal is `form`: a value is written
+// once and the thread starts; any other form throws the stoi exception before any write, and no
+// thread starts. Either way nothing is logged or stopped, and the host's records stay as they were.
+const ExposedDriver& initializeWithInitVal(DriverRig& rig, const DriverConfig& records,
+                                           const NumberForm& form) {
+    const ExposedDriver& driver = adoptExposed(rig, records);
+    if (form.outcome == Outcome::Value) {
+        rig.initialize();
+    } else {
+        expectStoiFailure(form.outcome, [&] { rig.initialize(); });
+    }
+    const bool written = form.outcome == Outcome::Value;
+    EXPECT_EQ(rig.plant().calls("ArpPlcGds_BeginWrite"), written ? 1 : 0);
+    EXPECT_EQ(rig.threadStarted(), written);
+    EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
+    EXPECT_TRUE(rig.recorder().stops().empty());
+    EXPECT_TRUE(sameAs(records, driver.hostParams(), driver.hostMappings(), driver.hostServices()));
+    return driver;
+}
+
 }  // namespace
 
 TEST(HostileConfiguration, EveryConsecutiveNumberFormGivesTheStoiValueOrExceptionAndNoFailureLine) {
@@ -243,26 +263,15 @@ TEST(HostileConfiguration, EveryInitValFormOfADigitalOutputWritesTheLowBitOrThro
         SCOPED_TRACE(form.name);
         DriverRig rig;
         const DriverConfig records = DriverConfig::digital(1).digitalOut(20, "0", form.text);
-        ExposedDriver& driver = adoptExposed(rig, records);
-
+        const ExposedDriver& driver = initializeWithInitVal(rig, records, form);
         if (form.outcome == Outcome::Value) {
-            rig.initialize();
             // Pin 0 takes bit 0 of the negated low byte, which is bit 0 of the value itself.
             const uint8_t expected = (static_cast<unsigned>(form.value) & 1u) != 0 ? 0x01 : 0x00;
             EXPECT_EQ(rig.plant().digitalOutputsOnBus(1), expected);
-            EXPECT_EQ(rig.plant().calls("ArpPlcGds_BeginWrite"), 1);
             EXPECT_EQ(driver.outputs().count(0), 1u);
-            EXPECT_TRUE(rig.threadStarted());
         } else {
-            expectStoiFailure(form.outcome, [&] { rig.initialize(); });
-            EXPECT_EQ(rig.plant().calls("ArpPlcGds_BeginWrite"), 0);
             EXPECT_TRUE(driver.outputs().empty());
-            EXPECT_FALSE(rig.threadStarted());
         }
-        EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
-        EXPECT_TRUE(rig.recorder().stops().empty());
-        EXPECT_TRUE(
-            sameAs(records, driver.hostParams(), driver.hostMappings(), driver.hostServices()));
     }
 }
 
@@ -271,23 +280,11 @@ TEST(HostileConfiguration, EveryInitValFormOfAnAnalogOutputWritesItsWordOrThrows
         SCOPED_TRACE(form.name);
         DriverRig rig;
         const DriverConfig records = DriverConfig::analog(2).analogOut(40, "0", form.text);
-        ExposedDriver& driver = adoptExposed(rig, records);
-
+        initializeWithInitVal(rig, records, form);
         if (form.outcome == Outcome::Value) {
-            rig.initialize();
             EXPECT_EQ(rig.plant().analogOutputOnBus(2, 0),
                       to_ib_il(static_cast<float>(form.value)));
-            EXPECT_EQ(rig.plant().calls("ArpPlcGds_BeginWrite"), 1);
-            EXPECT_TRUE(rig.threadStarted());
-        } else {
-            expectStoiFailure(form.outcome, [&] { rig.initialize(); });
-            EXPECT_EQ(rig.plant().calls("ArpPlcGds_BeginWrite"), 0);
-            EXPECT_FALSE(rig.threadStarted());
         }
-        EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
-        EXPECT_TRUE(rig.recorder().stops().empty());
-        EXPECT_TRUE(
-            sameAs(records, driver.hostParams(), driver.hostMappings(), driver.hostServices()));
     }
 }
 

@@ -3,150 +3,60 @@
 // initial output image.
 
 #include <string>
-#include <vector>
 
 #include "FaultRowTest.h"
 
 using namespace faultmatrix;
 
-namespace {
-
-std::vector<FaultRow> initialisationRows() {
+FAULT_MATRIX_ROWS(Initialisation) {
     return {
-        {
-            .name = "InitializeReadInputsFails",
-            .call = kReadInputs,
-            .site = "initialize: input image before registration",
-            .error = "Axioline bus not running",
-            .log = {},
-            .neutral = "result ignored, nothing logged; registration goes on",
-            .teardown = kBothReleased,
-            .next = "the thread's initial publication copies the inputs itself: pin 3 published 1",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_TRUE(s.rig().threadStarted());
-                    s.passGate();
-                    EXPECT_EQ(s.takePublished(), (Publications{{kDigitalIn, {1}}}));
-                },
-        },
-        {
-            .name = "InitDigitalOutBeginWriteFails",
-            .call = kBeginWrite,
-            .site = "initDigitalOut: InitVal of pin 5",
-            .error = "OUT frame busy",
-            .log = {failure(kNoBeginWrite, "OUT frame busy")},
-            .neutral = "EndWrite still called; nothing written, but pin 5's 1 is remembered and "
-                       "pin 6's initial write carries it: 0x20",
-            .teardown = kBothReleased,
-            .next = "the next event (pin 6 <- 1) puts 0x60 on the bus",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_EQ(s.calls(kBeginWrite), 2);
-                    EXPECT_EQ(s.digitalInGds(), 0x20);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
-        },
-        {
-            .name = "InitDigitalOutEndWriteFails",
-            .call = kEndWrite,
-            .site = "initDigitalOut: InitVal of pin 5",
-            .error = "OUT frame unlock timed out",
-            .log = {failure(kNoUnlock, "OUT frame unlock timed out"),
-                    failure(kNoBeginWrite, kWriteLockStillHeld)},
-            .neutral = "GDS holds 0x20; pin 6's initial write is refused while the host thread "
-                       "still holds the lock, and its End frees it",
-            .teardown = kBothReleased,
-            .next = "the initial copy brings 0x20 to the bus; the next event (pin 6 <- 1) gives "
-                    "0x60",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_EQ(s.rig().plant().nestedBegins(), 1);
-                    EXPECT_EQ(s.digitalInGds(), 0x20);
-                    EXPECT_EQ(s.digitalOnBus(), 0x20);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
-        },
-        {
-            .name = "InitAnalogOutBeginWriteFails",
-            .call = kBeginWrite,
-            .site = "initAnalogOut: InitVal of channel 1",
-            .error = "OUT frame busy",
-            .log = {failure(kNoBeginWrite, "OUT frame busy")},
-            .neutral = "EndWrite still called; GDS and bus keep 0",
-            .teardown = kBothReleased,
-            .next = "the next event (2.5) is written: 7500 on the bus",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_EQ(s.analogInGds(1), 0);
-                    EXPECT_EQ(s.analogOnBus(1), 0);
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogOnBus(1), 7500);
-                },
-        },
-        {
-            .name = "InitAnalogOutEndWriteFails",
-            .call = kEndWrite,
-            .site = "initAnalogOut: InitVal of channel 1",
-            .error = "OUT frame unlock timed out",
-            .log = {failure(kNoUnlock, "OUT frame unlock timed out"),
-                    failure(kNoBeginWrite, kWriteLockStillHeld)},
-            .neutral = "GDS holds 15000; the copy to the bus fails while the host thread still "
-                       "holds the lock, bus 0",
-            .teardown = kBothReleased,
-            .next = "next event: its Begin is refused, its End frees the lock, its copy brings "
-                    "15000; the one after is written (7500)",
-            .run =
-                [](Scenario& s) {
-                    s.createAnalog();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_EQ(s.analogInGds(1), 15000);
-                    EXPECT_EQ(s.analogOnBus(1), 0);
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogOnBus(1), 15000);
-                    s.deliverFloat(kChannel1, 2.5f);
-                    EXPECT_EQ(s.analogOnBus(1), 7500);
-                },
-        },
-        {
-            .name = "InitializeWriteOutputsFails",
-            .call = kWriteOutputs,
-            .site = "initialize: initial output image",
-            .error = "Axioline bus not running",
-            .log = {},
-            .neutral = "result ignored, nothing logged; GDS holds 0x20, bus 0x00; thread starts",
-            .teardown = kBothReleased,
-            .next = "the next output event's copy brings both outputs: 0x60",
-            .run =
-                [](Scenario& s) {
-                    s.createDigital();
-                    s.failNext();
-                    s.initialize();
-                    EXPECT_TRUE(s.rig().threadStarted());
-                    EXPECT_EQ(s.digitalInGds(), 0x20);
-                    EXPECT_EQ(s.digitalOnBus(), 0x00);
-                    s.deliver(kPin6, 1);
-                    EXPECT_EQ(s.digitalOnBus(), 0x60);
-                },
-        },
+        {.name = "InitializeReadInputsFails",
+         .fault = {kReadInputs, "initialize: input image before registration",
+                   "Axioline bus not running"},
+         .steps = {createDigital, failNext, initialize, threadStarted(true), passGate,
+                   publishedDigital(1)},
+         .cells = {"result ignored, nothing logged; registration goes on",
+                   "the thread's initial publication copies the inputs itself: pin 3 published 1"}},
+        {.name = "InitDigitalOutBeginWriteFails",
+         .fault = {kBeginWrite, "initDigitalOut: InitVal of pin 5", "OUT frame busy"},
+         .steps = {createDigital, failNext, initialize, calls(kBeginWrite, 2), digitalInGds(0x20),
+                   digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x60)},
+         .log = {failure(kNoBeginWrite, "OUT frame busy")},
+         .cells = {"EndWrite still called; nothing written, but pin 5's 1 is remembered and "
+                   "pin 6's initial write carries it: 0x20",
+                   "the next event (pin 6 <- 1) puts 0x60 on the bus"}},
+        {.name = "InitDigitalOutEndWriteFails",
+         .fault = {kEndWrite, "initDigitalOut: InitVal of pin 5", kOutUnlockTimedOut},
+         .steps = {createDigital, failNext, initialize, nestedBegins(1), digitalInGds(0x20),
+                   digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x60)},
+         .log = writeLockKept(),
+         .cells = {"GDS holds 0x20; pin 6's initial write is refused while the host thread "
+                   "still holds the lock, and its End frees it",
+                   "the initial copy brings 0x20 to the bus; the next event (pin 6 <- 1) gives "
+                   "0x60"}},
+        {.name = "InitAnalogOutBeginWriteFails",
+         .fault = {kBeginWrite, "initAnalogOut: InitVal of channel 1", "OUT frame busy"},
+         .steps = {createAnalog, failNext, initialize, analogInGds(1, 0), analogOnBus(1, 0),
+                   deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
+         .log = {failure(kNoBeginWrite, "OUT frame busy")},
+         .cells = {"EndWrite still called; GDS and bus keep 0",
+                   "the next event (2.5) is written: 7500 on the bus"}},
+        {.name = "InitAnalogOutEndWriteFails",
+         .fault = {kEndWrite, "initAnalogOut: InitVal of channel 1", kOutUnlockTimedOut},
+         .steps = {createAnalog, failNext, initialize, analogInGds(1, 15000), analogOnBus(1, 0),
+                   deliverFloat(kChannel1, 2.5f), analogOnBus(1, 15000),
+                   deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
+         .log = writeLockKept(),
+         .cells = {"GDS holds 15000; the copy to the bus fails while the host thread still "
+                   "holds the lock, bus 0",
+                   "next event: its Begin is refused, its End frees the lock, its copy brings "
+                   "15000; the one after is written (7500)"}},
+        {.name = "InitializeWriteOutputsFails",
+         .fault = {kWriteOutputs, "initialize: initial output image", "Axioline bus not running"},
+         .steps = {createDigital, failNext, initialize, threadStarted(true), digitalInGds(0x20),
+                   digitalOnBus(0x00), deliver(kPin6, 1), digitalOnBus(0x60)},
+         .cells = {"result ignored, nothing logged; GDS holds 0x20, bus 0x00; thread starts",
+                   "the next output event's copy brings both outputs: 0x60"}},
+
     };
 }
-
-}  // namespace
-
-FAULT_MATRIX_ROWS(Initialisation, initialisationRows())

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The module destructors' release of the GDS frame buffers.
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -10,75 +11,36 @@ using namespace faultmatrix;
 
 namespace {
 
-std::vector<FaultRow> releaseRows() {
-    const std::string neutral = "the destructor goes on; nothing is thrown";
-    const std::string next = "the driver is gone; the platform keeps what it could not release";
-    const auto destroyAfterStart = [](void (Scenario::*start)(), int failures) {
-        return [start, failures](Scenario& s) {
-            (s.*start)();
-            if (failures == 1) {
-                s.failNext();
-            } else {
-                s.failTimes(failures);
-            }
-            s.rig().destroy();
-            EXPECT_EQ(s.calls(kRelease), 2);
-        };
-    };
+constexpr const char* kStillMapped = "buffer still mapped";
+
+// The destructor of the driver `start` starts, with its first release (1:OUT) failing, or with
+// both (1:OUT, then 1:IN).
+FaultRow failedRelease(const std::string& name, const std::string& site, const Step& start,
+                       int failures) {
+    const bool both = failures == 2;
     return {
-        {
-            .name = "DigitalDestructorReleaseOfOutFails",
-            .call = kRelease,
-            .site = "digital module destructor: buffer 1:OUT (released first)",
-            .error = "buffer still mapped",
-            .log = {failure(kNoRelease, "buffer still mapped")},
-            .neutral = neutral,
-            .teardown = "1:IN released, 1:OUT kept by the platform",
-            .next = next,
-            .run = destroyAfterStart(&Scenario::startDigital, 1),
-            .buffersKept = 1,
-        },
-        {
-            .name = "DigitalDestructorReleaseOfOutAndInFail",
-            .call = kRelease,
-            .site = "digital module destructor: buffers 1:OUT and 1:IN",
-            .error = "buffer still mapped",
-            .log = {failure(kNoRelease, "buffer still mapped"),
-                    failure(kNoRelease, "buffer still mapped")},
-            .neutral = neutral,
-            .teardown = "both kept by the platform",
-            .next = next,
-            .run = destroyAfterStart(&Scenario::startDigital, 2),
-            .buffersKept = 2,
-        },
-        {
-            .name = "AnalogDestructorReleaseOfOutFails",
-            .call = kRelease,
-            .site = "analog module destructor: buffer 1:OUT (released first)",
-            .error = "buffer still mapped",
-            .log = {failure(kNoRelease, "buffer still mapped")},
-            .neutral = neutral,
-            .teardown = "1:IN released, 1:OUT kept by the platform",
-            .next = next,
-            .run = destroyAfterStart(&Scenario::startAnalog, 1),
-            .buffersKept = 1,
-        },
-        {
-            .name = "AnalogDestructorReleaseOfOutAndInFail",
-            .call = kRelease,
-            .site = "analog module destructor: buffers 1:OUT and 1:IN",
-            .error = "buffer still mapped",
-            .log = {failure(kNoRelease, "buffer still mapped"),
-                    failure(kNoRelease, "buffer still mapped")},
-            .neutral = neutral,
-            .teardown = "both kept by the platform",
-            .next = next,
-            .run = destroyAfterStart(&Scenario::startAnalog, 2),
-            .buffersKept = 2,
-        },
-    };
+        .name = name,
+        .fault = {kRelease, site, kStillMapped},
+        .steps = {start, both ? Step(failTwice) : Step(failNext), destroy, calls(kRelease, 2)},
+        .log = std::vector<LoggedLine>(static_cast<std::size_t>(failures),
+                                       failure(kNoRelease, kStillMapped)),
+        .cells = {"the destructor goes on; nothing is thrown",
+                  "the driver is gone; the platform keeps what it could not release",
+                  both ? "both kept by the platform" : "1:IN released, 1:OUT kept by the platform"},
+        .buffersKept = failures};
 }
 
 }  // namespace
 
-FAULT_MATRIX_ROWS(Release, releaseRows())
+FAULT_MATRIX_ROWS(Release) {
+    return {
+        failedRelease("DigitalDestructorReleaseOfOutFails",
+                      "digital module destructor: buffer 1:OUT (released first)", startDigital, 1),
+        failedRelease("DigitalDestructorReleaseOfOutAndInFail",
+                      "digital module destructor: buffers 1:OUT and 1:IN", startDigital, 2),
+        failedRelease("AnalogDestructorReleaseOfOutFails",
+                      "analog module destructor: buffer 1:OUT (released first)", startAnalog, 1),
+        failedRelease("AnalogDestructorReleaseOfOutAndInFail",
+                      "analog module destructor: buffers 1:OUT and 1:IN", startAnalog, 2),
+    };
+}

@@ -13,6 +13,7 @@
 #include <exception>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "RatioReporter.h"
@@ -96,32 +97,32 @@ void toIbIl(benchmark::State& state) {
     setBatch(state, kConversionsPerBatch, "per_call");
 }
 
-void registerScans(const std::string& name, ModuleKind module) {
+// The benchmark `run` of `kind` once on the driver's side and once on the floor's, as
+// "<name>/driver" and "<name>/floor". Scans time themselves on the scanning thread; events are
+// timed on the wall clock of the delivering thread.
+template <class Kind>
+void registerBothSides(const std::string& name, void (*run)(benchmark::State&, Kind, Side),
+                       Kind kind) {
+    constexpr bool scanning = std::is_same_v<Kind, ModuleKind>;
     for (const Side side : {Side::Driver, Side::Floor}) {
-        benchmark::RegisterBenchmark(("scan/" + name + "/" + std::string(nameOf(side))).c_str(),
-                                     scans, module, side)
-            ->UseManualTime()
-            ->Unit(benchmark::kMillisecond);
-    }
-}
-
-void registerEvents(const std::string& name, EventKind kind) {
-    for (const Side side : {Side::Driver, Side::Floor}) {
-        benchmark::RegisterBenchmark(("event/" + name + "/" + std::string(nameOf(side))).c_str(),
-                                     events, kind, side)
-            ->UseRealTime()
-            ->Unit(benchmark::kNanosecond);
+        auto* registered = benchmark::RegisterBenchmark(
+            (name + "/" + std::string(nameOf(side))).c_str(), run, kind, side);
+        if constexpr (scanning) {
+            registered->UseManualTime()->Unit(benchmark::kMillisecond);
+        } else {
+            registered->UseRealTime()->Unit(benchmark::kNanosecond);
+        }
     }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    registerScans("digital_8_inputs", ModuleKind::Digital);
-    registerScans("analog_2_inputs", ModuleKind::Analog);
-    registerEvents("digital_pin", EventKind::Digital);
-    registerEvents("analog_channel", EventKind::Analog);
-    registerEvents("two_pins_one_id", EventKind::TwoPins);
+    registerBothSides("scan/digital_8_inputs", scans, ModuleKind::Digital);
+    registerBothSides("scan/analog_2_inputs", scans, ModuleKind::Analog);
+    registerBothSides("event/digital_pin", events, EventKind::Digital);
+    registerBothSides("event/analog_channel", events, EventKind::Analog);
+    registerBothSides("event/two_pins_one_id", events, EventKind::TwoPins);
     benchmark::RegisterBenchmark("from_ib_il", fromIbIl)->Unit(benchmark::kMicrosecond);
     benchmark::RegisterBenchmark("to_ib_il", toIbIl)->Unit(benchmark::kMicrosecond);
 

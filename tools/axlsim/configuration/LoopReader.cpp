@@ -104,6 +104,13 @@ double anyNumber(const Document& doc, const Json& node, const std::string& path)
     return doc.number(node, path, -kLargest, kLargest);
 }
 
+// The pin that the required member `key` names, of one of `kinds`.
+Pin requiredPin(const Document& doc, const Json& node, const std::string& at, const char* key,
+                const std::string& what, const std::vector<vplc::Module>& bus,
+                std::initializer_list<Kind> kinds) {
+    return pinOf(doc, required(doc, node, at, key, what), member(at, key), bus, kinds);
+}
+
 // Reads the member `key` of `node` into `field` when the member is there: a flag, any finite
 // number or a time in milliseconds, by the field's type.
 template <class Field>
@@ -127,10 +134,8 @@ Wire readWire(const Document& doc, const Json& node, const std::string& at,
               const std::vector<vplc::Module>& bus) {
     doc.object(node, at, kWireKeys);
     Wire wire;
-    wire.from = pinOf(doc, required(doc, node, at, "from", "a wire"), member(at, "from"), bus,
-                      {Kind::DigitalOut});
-    wire.to = pinOf(doc, required(doc, node, at, "to", "a wire"), member(at, "to"), bus,
-                    {Kind::DigitalIn});
+    wire.from = requiredPin(doc, node, at, "from", "a wire", bus, {Kind::DigitalOut});
+    wire.to = requiredPin(doc, node, at, "to", "a wire", bus, {Kind::DigitalIn});
     readIfThere(doc, node, at, "delay_ms", wire.delay);
     readIfThere(doc, node, at, "invert", wire.invert);
     return wire;
@@ -140,10 +145,9 @@ Link readLink(const Document& doc, const Json& node, const std::string& at,
               const std::vector<vplc::Module>& bus) {
     doc.object(node, at, kLinkKeys);
     Link link;
-    link.from = pinOf(doc, required(doc, node, at, "from", "a link"), member(at, "from"), bus,
-                      {Kind::AnalogOut, Kind::DigitalOut});
-    link.to = pinOf(doc, required(doc, node, at, "to", "a link"), member(at, "to"), bus,
-                    {Kind::AnalogIn});
+    link.from =
+        requiredPin(doc, node, at, "from", "a link", bus, {Kind::AnalogOut, Kind::DigitalOut});
+    link.to = requiredPin(doc, node, at, "to", "a link", bus, {Kind::AnalogIn});
     readIfThere(doc, node, at, "gain", link.gain);
     readIfThere(doc, node, at, "offset", link.offset);
     readIfThere(doc, node, at, "lag_ms", link.lag);
@@ -155,8 +159,8 @@ Signal readSignal(const Document& doc, const Json& node, const std::string& at,
                   const std::vector<vplc::Module>& bus) {
     doc.object(node, at, kSignalKeys);
     Signal signal;
-    signal.to = pinOf(doc, required(doc, node, at, "to", "a signal"), member(at, "to"), bus,
-                      {Kind::DigitalIn, Kind::AnalogIn});
+    signal.to =
+        requiredPin(doc, node, at, "to", "a signal", bus, {Kind::DigitalIn, Kind::AnalogIn});
     const std::string shape =
         doc.text(required(doc, node, at, "shape", "a signal"), member(at, "shape"));
     const std::optional<Signal::Shape> known = shapeFromName(shape);

@@ -24,7 +24,8 @@ public:
         ArpPlcGds_EndWrite(out_);
     }
 
-    void writeOutputs(char byte) {
+    // Not inlined, so that both stacks of the race name it whatever the optimiser does.
+    __attribute__((noinline)) void writeOutputs(char byte) {
         if (!locked_) {
             data_[2] = byte;
             return;

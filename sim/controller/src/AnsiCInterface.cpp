@@ -292,15 +292,18 @@ bool readFromAxioToGds(unsigned long) {
     if (auto* clock = dynamic_cast<VirtualClock*>(orbel::pauseClock())) {
         clock->atScanStart();
     }
-    const std::function<void()>* hook = nullptr;
+    // A copy, taken under the lock: the bus that holds the hook may be removed, or the hook
+    // changed by a thread that is no driver's, once the lock is let go. The hook is called
+    // without the lock, since it sets the plant's inputs, which takes the lock exclusively.
+    std::function<void()> hook;
     {
         auto share = Controller::instance().share();
         if (Bus* bus = Controller::instance().bus()) {
-            hook = &bus->inputCopyHook();
+            hook = bus->inputCopyHook();
         }
     }
-    if (hook != nullptr && *hook) {
-        (*hook)();
+    if (hook) {
+        hook();
     }
     return busCycle(call, Frame::In, Access::Write, &Bus::copyInputsToGds);
 }

@@ -10,6 +10,7 @@
 #include "FrameLayout.h"
 #include "GdsFrame.h"
 #include "GdsFrameLock.h"
+#include "orbel/DriverThreads.h"
 #include "vplc/PlatformCalls.h"
 
 namespace vplc {
@@ -117,6 +118,13 @@ std::vector<uint8_t> Plant::inputsOnBus(int position) const {
 }
 
 void Plant::onInputCopy(std::function<void()> hook) {
+    if (const int running = orbel::runningDriverThreads(); running > 0) {
+        throw std::logic_error(
+            "vplc::Plant::onInputCopy: " + std::to_string(running) +
+            (running == 1 ? " driver thread is" : " driver threads are") +
+            " running and may be calling the input-copy hook; set the hook before any driver "
+            "thread starts and remove it after every driver thread has ended");
+    }
     auto lock = Controller::instance().lock();
     bus_->setInputCopyHook(std::move(hook));
 }

@@ -32,6 +32,14 @@ bool endRequested() {
     return state != nullptr && state->endRequested();
 }
 
+int runningDriverThreads() {
+    int running = 0;
+    for (const auto& state : ThreadRegistry::instance().all()) {
+        running += state->running() ? 1 : 0;
+    }
+    return running;
+}
+
 bool isDriverThread() {
     return ThreadState::current() != nullptr;
 }

@@ -58,6 +58,11 @@ ThreadState::ThreadState(CPosixThread& owner) : owner_(owner) {}
 
 ThreadState::~ThreadState() = default;
 
+bool ThreadState::running() const {
+    std::lock_guard lock(mutex_);
+    return (worker_.joinable() || fiber_ != nullptr) && !ended_;
+}
+
 ThreadState* ThreadState::current() {
     if (DriverFiber* fiber = DriverFiber::current()) {
         return &fiber->owner();

@@ -45,6 +45,9 @@ public:
 
     bool endRequested() const { return endRequested_.load(); }
 
+    // A thread or fiber has been started and has not yet done all it does.
+    bool running() const;
+
     // The driver that owns the thread; set when the thread starts.
     const CSI_base* driver() const { return driver_; }
 
@@ -76,7 +79,7 @@ private:
     const CSI_base* driver_ = nullptr;
     SanitizerFiber* pauseFiber_ = nullptr;  // used by the driver thread only
 
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
     std::condition_variable endedChanged_;
     std::thread worker_;
     std::unique_ptr<DriverFiber> fiber_;

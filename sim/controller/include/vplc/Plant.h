@@ -66,8 +66,9 @@ public:
 
     // Called at every ArpPlcAxio_ReadFromAxioToGds, on the calling thread, after the scan gate
     // and before the copy, with no lock of the controller held: a model of the wiring sets there
-    // the inputs that depend on the moment of the copy. Set it before any driver runs; an empty
-    // function removes it.
+    // the inputs that depend on the moment of the copy. Set it before any driver thread starts and
+    // remove it (an empty function) after every driver thread has ended: while one runs, it may be
+    // calling the hook, so a change throws std::logic_error and leaves the hook as it was.
     void onInputCopy(std::function<void()> hook);
 
     // --- The GDS: the frames as the driver sees them. These take the frame's lock like any

@@ -33,6 +33,9 @@ bool endRequested();
 // True on a thread started through CPosixThread::start().
 bool isDriverThread();
 
+// The driver threads (or fibers) of the process that have started and not yet ended.
+int runningDriverThreads();
+
 // The driver that owns the current driver thread, or null on any other thread.
 const CSI_base* currentThreadDriver();
 

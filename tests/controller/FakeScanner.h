@@ -21,6 +21,7 @@ public:
     void initialize() override;  // starts the thread
     void onReceiveEvent(stEventParams_t) override {}
     int scans() const { return scans_.load(); }
+    void joinThread() { CPosixThread::join(); }
 
 private:
     void run() override;

@@ -262,3 +262,15 @@ TEST_F(VirtualTime, EndingAHeldThreadEndsItAtTheGateBeforeItsScan) {
     EXPECT_EQ(scanner.scans(), 0);
     EXPECT_EQ(plant_.calls("ArpPlcAxio_ReadFromAxioToGds"), 0);
 }
+
+// On fibers, a driver's thread ends only while the clock runs it: a join would wait for ever.
+TEST(VirtualClock, JoiningADriverFiberThatIsPausedIsRefused) {
+    VirtualClock clock(VirtualClock::Mode::Fibers);
+    auto plant = Plant::of({Module::DI8_DO8});
+    controllertest::FakeScanner scanner(0, std::chrono::milliseconds(100));
+    scanner.initialize();
+    clock.settle();
+
+    EXPECT_THROW(scanner.joinThread(), std::logic_error);
+    EXPECT_EQ(scanner.scans(), 1);
+}

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <pthread.h>
+#include <signal.h>
+
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -278,4 +281,144 @@ TEST_F(DriverFiberTest, ADeepCallChainFitsOnTheFibersStack) {
     fiber.resume();
 
     EXPECT_EQ(reached, 100);
+}
+
+namespace {
+
+// Misuses abort the process; the death tests run it again in a child from the start.
+class DriverFiberMisuse : public DriverFiberTest {
+protected:
+    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+bool builtWithSanitizers() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    return true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+    return true;
+#else
+    return false;
+#endif
+#else
+    return false;
+#endif
+}
+
+// Frames of a kilobyte each, so deep that they leave the fiber's stack.
+int recurse(int depth) {
+    volatile char frame[1024];
+    frame[0] = static_cast<char>(depth);
+    return depth > 0 ? recurse(depth - 1) + frame[0] : 0;
+}
+
+}  // namespace
+
+TEST_F(DriverFiberMisuse, SuspendingInsideACatchBlockAbortsWithAMessage) {
+    EXPECT_DEATH(
+        {
+            DriverFiber fiber(owner_, [] {
+                try {
+                    throw std::runtime_error("scan failed");
+                } catch (const std::runtime_error&) {
+                    orbel::suspendFiber();
+                }
+            });
+            fiber.resume();
+        },
+        "driver fiber: suspended inside a catch block");
+}
+
+TEST_F(DriverFiberMisuse, SuspendingWhileAnExceptionIsInFlightAbortsWithAMessage) {
+    struct SuspendsWhenDestroyed {
+        ~SuspendsWhenDestroyed() { orbel::suspendFiber(); }
+    };
+    EXPECT_DEATH(
+        {
+            DriverFiber fiber(owner_, [] {
+                try {
+                    SuspendsWhenDestroyed unwound;
+                    throw std::runtime_error("scan failed");
+                } catch (const std::runtime_error&) {
+                }
+            });
+            fiber.resume();
+        },
+        "driver fiber: suspended while an exception is in flight");
+}
+
+TEST_F(DriverFiberMisuse, ResumingAFiberFromItselfAbortsWithAMessage) {
+    EXPECT_DEATH(
+        {
+            DriverFiber* self = nullptr;
+            DriverFiber fiber(owner_, [&self] { self->resume(); });
+            self = &fiber;
+            fiber.resume();
+        },
+        "driver fiber: resumed while it is running or resuming another fiber");
+}
+
+TEST_F(DriverFiberMisuse, ResumingAFiberOnAnotherThreadAbortsWithAMessage) {
+    EXPECT_DEATH(
+        {
+            DriverFiber fiber(owner_, [] { orbel::suspendFiber(); });
+            fiber.resume();
+            std::thread other([&fiber] { fiber.resume(); });
+            other.join();
+        },
+        "driver fiber: resumed on another thread than the one it started on");
+}
+
+TEST_F(DriverFiberMisuse, AnOverflowOfItsStackFaultsAtOnce) {
+    if (builtWithSanitizers()) {
+        GTEST_SKIP()
+            << "the sanitizers report an overflow themselves, with stacks of their own size";
+    }
+    EXPECT_EXIT(
+        {
+            DriverFiber fiber(owner_, [] { recurse(4096); });
+            fiber.resume();
+        },
+        ::testing::KilledBySignal(SIGSEGV), "");
+}
+
+TEST_F(DriverFiberTest, AResumerInsideACatchBlockMayResumeAFiberThatSuspends) {
+    std::vector<std::string> steps;
+    DriverFiber fiber(owner_, recordingWithSuspensions(steps, {"first", "second"}));
+    try {
+        throw std::runtime_error("the host's own");
+    } catch (const std::runtime_error&) {
+        fiber.resume();
+    }
+    fiber.resume();
+
+    EXPECT_TRUE(fiber.finished());
+    EXPECT_EQ(steps, (std::vector<std::string>{"first", "second"}));
+}
+
+// The fiber's context is made when it is first entered, on the thread that enters it: made in the
+// constructor, it would restore the constructing thread's signal mask.
+TEST_F(DriverFiberTest, StartsWithTheSignalMaskOfTheThreadThatFirstResumesIt) {
+    std::unique_ptr<DriverFiber> fiber;
+    bool blockedInside = true;
+    std::thread maker([&] {
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        sigaddset(&blocked, SIGUSR1);
+        pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+        fiber = std::make_unique<DriverFiber>(owner_, [&blockedInside] {
+            sigset_t mask;
+            pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+            blockedInside = sigismember(&mask, SIGUSR1) == 1;
+        });
+    });
+    maker.join();
+    sigset_t mine;
+    pthread_sigmask(SIG_SETMASK, nullptr, &mine);
+    ASSERT_EQ(sigismember(&mine, SIGUSR1), 0);
+
+    fiber->resume();
+
+    EXPECT_TRUE(fiber->finished());
+    EXPECT_FALSE(blockedInside);
 }

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <pthread.h>
 #include <setjmp.h>
 #include <ucontext.h>
 
 #include <cstddef>
+#include <exception>
 #include <functional>
 
 #include "orbel/DriverFiber.h"
@@ -13,8 +15,11 @@ namespace orbel {
 
 class ThreadState;
 
-// A stack of its own and the context switches to and from it, told to the address and thread
-// sanitizers so that they follow the switches. The C library's ucontext makes the fiber and enters
+// A stack of its own, with a 64 KiB guard below it, and the context switches to and from it, told
+// to the address and thread sanitizers so that they follow the switches. A fiber runs on the
+// thread that first resumed it; resuming it on another thread, resuming it while it is running,
+// or suspending it inside a catch block or while an exception is in flight aborts the process
+// with a message. The C library's ucontext makes the fiber and enters
 // it the first time; after that, switches are _setjmp/_longjmp, which unlike swapcontext leave the
 // signal mask alone and so make no system call: a switch costs some nanoseconds instead of a
 // kernel round trip. The body must not let an exception out. Once the body has returned the stack
@@ -38,7 +43,9 @@ public:
     static DriverFiber* current();
 
 private:
-    static void entry();
+    // The body must not let an exception out: there is no frame to catch it on the fiber's stack.
+    static void entry() noexcept;
+    [[noreturn]] void enter();
     void switchOut(bool finishing);
     void releaseStack();
 
@@ -50,6 +57,9 @@ private:
     jmp_buf inside_{};   // where the fiber suspended
     jmp_buf resumer_{};  // where it was resumed from
     DriverFiber* resumedFrom_ = nullptr;
+    int resumerUncaught_ = 0;           // exceptions in flight where it was last resumed
+    std::exception_ptr resumerCaught_;  // the exception being handled there, if any
+    pthread_t thread_{};                // the thread it started on, and must always run on
     bool started_ = false;
     bool finished_ = false;
 

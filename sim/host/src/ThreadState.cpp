@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <exception>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -183,9 +184,15 @@ void ThreadState::join() {
             return;
         }
         lock.unlock();
-        // A fiber ends only while it runs; one that pauses again is resumed again.
-        while (!fiber_->finished()) {
-            fiber_->resume();
+        // A fiber ends only while it runs: resumed, it runs to its end or to its next pause or
+        // gate, where only the clock (or an end request) moves it on. Waiting for it then would
+        // never return, so the join is refused instead.
+        fiber_->resume();
+        if (!fiber_->finished()) {
+            throw std::logic_error(
+                "CPosixThread::join: the driver's fiber is paused on the virtual clock and ends "
+                "only "
+                "when the clock runs on or the host ends it (orbel::endDriverThread)");
         }
         return;
     }

@@ -33,7 +33,7 @@ public:
     void start();
 
     // Waits until the started thread has ended, and joins it. Returns at once if there is none.
-    // A fiber is resumed until it has ended.
+    // A fiber is resumed once; if it pauses again instead of ending, std::logic_error.
     void join();
 
     // Asks the started thread to end, wakes it until it has, and joins it; a fiber is resumed

@@ -37,9 +37,8 @@ namespace vplc {
 // that is ready until it pauses, is held or ends, and fibers whose pauses end at the same time are
 // resumed in the order in which they began those pauses. Nothing runs beside the host, no thread is
 // handed over, and a run comes out the same every time. With Mode::Threads each driver has a
-// thread of its own, as on a controller, and settling waits for them; the tests of concurrency use
-// it, and the environment variable VPLC_DRIVER_THREADS=threads makes it the default, so that the
-// suite can run the driver tests both ways.
+// thread of its own, as on a controller, and settling waits for them; the environment variable
+// VPLC_DRIVER_THREADS=threads makes it the default, so that the suite can run its tests both ways.
 //
 // The methods that settle block the calling test thread; never call them from a driver thread.
 class VirtualClock final : public orbel::PauseClock {

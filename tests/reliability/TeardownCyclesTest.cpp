@@ -100,9 +100,10 @@ namespace {
 // The threads of this process, once the tasks of joined threads have left it. A joined thread's
 // task can outlive the join for a moment (under qemu-user, the emulator finishes the thread after
 // the guest's join has returned), so the count is read again until it is down to `expected`, for
-// at most five seconds: a thread that is really left over still shows.
+// at most a minute, which only a thread that is really left over takes (a loaded machine under a
+// sanitizer or an emulator takes milliseconds): it still shows.
 int threadsOnceEndedOnesHaveGone(int expected) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     int threads = hosting::threadsOfThisProcess();
     while (threads > expected && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::yield();

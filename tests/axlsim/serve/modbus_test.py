@@ -348,11 +348,13 @@ class ModbusLoadTest(unittest.TestCase):
             sock = self.server.raw()
             sock.sendall(bytes(generator.randrange(256) for _ in range(generator.randrange(1, 300))))
             garbage.append(sock)
-        # The well-behaved client is served at once while the others hang.
+        # The well-behaved client is served while the others hang. A server that served one
+        # connection at a time would not answer it at all; the bound is far above what a loaded
+        # machine under a sanitizer takes, and below the client's own time-out of 5 s.
         for i in range(50):
             started = time.monotonic()
             self.assertFalse(good.write_coil(1, i % 2 == 0).isError())
-            self.assertLess(time.monotonic() - started, 0.5)
+            self.assertLess(time.monotonic() - started, 4.0)
         for sock in garbage + [stuck] + halves[1::2]:
             received, closed = answer_or_close(sock)
             self.assertTrue(closed or len(received) >= 9, received)

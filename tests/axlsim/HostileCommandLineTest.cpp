@@ -204,6 +204,9 @@ std::vector<HostileCase> cases() {
         refused("UnknownCommand", {"bogus"},
                 std::string("axlsim: bogus is not a command; the commands are ") + kCommands +
                     " (axlsim --help shows them)"),
+        refused("UnknownCommandWithAnEscapeSequence", {"bo\x1b[2J\u202egus"},
+                std::string("axlsim: bo\\x1b[2J\\u202egus is not a command; the commands are ") +
+                    kCommands),
         refused("UnknownOptionWithoutACommand", {"--bogus"},
                 std::string("axlsim: --bogus is not an option of axlsim; the commands are ") +
                     kCommands + " (axlsim --help shows them)"),
@@ -224,6 +227,8 @@ std::vector<HostileCase> cases() {
         refused("PortBeyondTheHighest", {"serve", kFeedbackLoop, "--port", "65536"},
                 "--port: 65536 is beyond the highest port: expected decimal digits from 0 to "
                 "65535"),
+        refused("PortWithAnEscapeSequence", {"serve", kFeedbackLoop, "--port", "80\x1b[2J"},
+                "--port: 80\\x1b[2J is not a port: expected decimal digits from 0 to 65535"),
         refused("PortEmpty", {"serve", kFeedbackLoop, "--port", ""},
                 "--port: an empty text is not a port: expected decimal digits from 0 to 65535"),
         refused("ModbusPortInHexadecimal", {"serve", kFeedbackLoop, "--modbus", "0x1f6"},

@@ -9,6 +9,7 @@
 
 #include "axlsim/Commands.h"
 #include "axlsim/configuration/Milliseconds.h"
+#include "axlsim/render/ValueText.h"
 
 #if AXLSIM_SERVE
 #include "axlsim/serve/ListenAddress.h"
@@ -170,18 +171,20 @@ int main(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         if (const std::string command = unknownCommand(app, argc, argv); !command.empty()) {
-            std::cerr << "axlsim: " << command << " is not a command; the commands are "
-                      << commandList(app) << " (axlsim --help shows them)\n";
+            std::cerr << "axlsim: " << axlsim::visible(command)
+                      << " is not a command; the commands are " << commandList(app)
+                      << " (axlsim --help shows them)\n";
             return 2;
         }
         if (const std::string option = unknownOption(app); !option.empty()) {
-            std::cerr << "axlsim: " << option << " is not an option of axlsim; the commands are "
-                      << commandList(app) << " (axlsim --help shows them)\n";
+            std::cerr << "axlsim: " << axlsim::visible(option)
+                      << " is not an option of axlsim; the commands are " << commandList(app)
+                      << " (axlsim --help shows them)\n";
             return 2;
         }
         for (const CLI::App* command : app.get_subcommands()) {
             if (const std::string option = unknownOption(*command); !option.empty()) {
-                std::cerr << "axlsim: " << option << " is not an option of axlsim "
+                std::cerr << "axlsim: " << axlsim::visible(option) << " is not an option of axlsim "
                           << command->get_name() << " (axlsim " << command->get_name()
                           << " --help shows its options)\n";
                 return 2;

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "axlsim/render/ValueText.h"
+
 namespace axlsim {
 
 namespace {
@@ -20,7 +22,7 @@ bool decimalDigits(std::string_view text) {
 std::string portProblem(std::string_view text) {
     const std::string accepted = "expected decimal digits from 0 to 65535";
     if (!decimalDigits(text)) {
-        return (text.empty() ? std::string("an empty text") : std::string(text)) +
+        return (text.empty() ? std::string("an empty text") : visible(text)) +
                " is not a port: " + accepted;
     }
     int port = 0;

@@ -13,6 +13,7 @@
 #include <string>
 #include <thread>
 
+#include "axlsim/render/ValueText.h"
 #include "axlsim/run/InterruptSignals.h"
 #include "axlsim/serve/ApiServer.h"
 #include "axlsim/serve/Assets.h"
@@ -83,15 +84,15 @@ int ServeCommand::serve(const Config& config, const DriverLibrary& library,
                         const Request& request) {
     const auto pace = paceOf(request);
     if (!pace) {
-        std::cerr << "axlsim: --speed: expected a factor from 0.1 to 100000, or max, not \""
-                  << request.speed << "\"\n";
+        std::cerr << "axlsim: --speed: expected a factor from 0.1 to 100000, or max, not "
+                  << inQuotes(request.speed) << '\n';
         return kCannotServe;
     }
     const auto listen = hostOf(request.listen);
     if (!listen) {
         std::cerr << "axlsim: --listen: expected an address or a host name of this machine (an "
-                     "IPv6 address also in brackets), not \""
-                  << request.listen << "\"\n";
+                     "IPv6 address also in brackets), not "
+                  << inQuotes(request.listen) << '\n';
         return kCannotServe;
     }
     std::optional<ListenAddress> modbusAt;
@@ -99,8 +100,8 @@ int ServeCommand::serve(const Config& config, const DriverLibrary& library,
         modbusAt = listenAddressOf(*request.modbus, kLoopback);
         if (!modbusAt) {
             std::cerr << "axlsim: --modbus: expected [ADDR:]PORT with a port from 0 to 65535 in "
-                         "decimal digits (an IPv6 ADDR in brackets), not \""
-                      << *request.modbus << "\"\n";
+                         "decimal digits (an IPv6 ADDR in brackets), not "
+                      << inQuotes(*request.modbus) << '\n';
             return kCannotServe;
         }
     }

@@ -8,7 +8,7 @@ import socket
 import subprocess
 import unittest
 
-from servers import AXLSIM, EXAMPLES, Server
+from servers import AXLSIM, EXAMPLES, Server, ipv6_loopback
 
 
 class ApiTest(unittest.TestCase):
@@ -212,6 +212,7 @@ class AddressTest(unittest.TestCase):
         host, port = self.served(self.start("--port", "0%d" % free), "127.0.0.1")
         self.assertEqual((host, port), ("127.0.0.1", free))
 
+    @unittest.skipUnless(ipv6_loopback(), "no IPv6 loopback on this machine")
     def test_ipv6_loopback_is_taken_with_or_without_brackets_and_shown_in_brackets(self):
         for listen in ("::1", "[::1]"):
             with self.subTest(listen=listen):

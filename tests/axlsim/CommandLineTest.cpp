@@ -5,6 +5,8 @@
 #include <csignal>
 #include <cstdio>
 #include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "Program.h"
@@ -17,6 +19,7 @@ using axlsimtest::runProgram;
 using axlsimtest::writeConfig;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
+using ::testing::Not;
 using ::testing::StartsWith;
 using namespace std::chrono_literals;
 
@@ -173,6 +176,50 @@ TEST(CommandLine, DemoRunsTheClosedLoopWithExplanations) {
     EXPECT_THAT(run.out, HasSubstr("plant     1.DI1 -> 1 (wire from 1.DO0)"));
     EXPECT_THAT(run.out, HasSubstr("module 1 DO 00100001 (on: 0 5)"));
 }
+
+#if AXLSIM_SERVE
+TEST(CommandLine, DemoEndsWithHintsThatNameTheReportAndServe) {
+    const auto run = runProgram({"demo"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    const std::string hints = run.out.substr(run.out.rfind("Try your own configuration:"));
+    EXPECT_THAT(hints, HasSubstr("axlsim run CONFIG.json --html run.html"));
+    EXPECT_THAT(hints, HasSubstr("axlsim serve CONFIG.json"));
+}
+
+TEST(CommandLine, TheReportKeepsEveryTextOfTheRunOutOfTheHtmlParsersWay) {
+    const std::string hostile = "<!--<script> </script> a & b > c \u2028 \u2029";
+    const auto config = writeConfig(
+        "hostile.json", digitalConfig(R"([ { "at_ms": 5, "note": ")" + hostile + R"(" } ])",
+                                      R"(, "description": ")" + hostile + R"(")"));
+    const std::string report = axlsimtest::temporaryPath("report.html");
+    const auto run = runProgram({"run", config, "--json", "--html", report});
+    ASSERT_EQ(run.status, 0) << run.err;
+    std::ifstream in(report);
+    const std::string page{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const std::string start = "const data = ";
+    const auto from = page.find(start);
+    ASSERT_NE(from, std::string::npos);
+    const auto to = page.find(";\n", from);
+    const std::string data = page.substr(from + start.size(), to - from - start.size());
+    EXPECT_THAT(data, Not(HasSubstr("<!--")));
+    EXPECT_THAT(data, Not(HasSubstr("<script")));
+    EXPECT_THAT(data, Not(HasSubstr("</")));
+    EXPECT_THAT(data, Not(HasSubstr("<")));
+    EXPECT_THAT(data, Not(HasSubstr(">")));
+    EXPECT_THAT(data, Not(HasSubstr("&")));
+    EXPECT_THAT(data, Not(HasSubstr("\u2028")));
+    EXPECT_THAT(data, Not(HasSubstr("\u2029")));
+    // JSON reads the escapes back as the texts themselves.
+    const auto json = nlohmann::json::parse(data);
+    const std::string expected = "<!--<script> </script> a & b > c \u2028 \u2029";
+    EXPECT_EQ(json["description"], expected);
+    bool noteFound = false;
+    for (const auto& line : json["timeline"]) {
+        noteFound = noteFound || (line["kind"] == "note" && line["text"] == expected);
+    }
+    EXPECT_TRUE(noteFound) << data;
+}
+#endif
 
 TEST(CommandLine, RunExitsWith2ForAPlantOrHostItCannotRunAndNamesThePointer) {
     const auto config = writeConfig(

@@ -68,7 +68,7 @@ HostileCase untilRefused(const char* name, const std::string& until) {
 }
 
 std::vector<HostileCase> cases() {
-    return {
+    std::vector<HostileCase> all{
         refused("UntilBeyondTheLongestRun", {"run", kFeedbackLoop, "--until", "9223372036855"},
                 "--until: 9223372036855 ms is beyond the longest run, 10^12 ms (about 31 years)"),
         refused("UntilFarBeyondTheLongestRun",
@@ -150,6 +150,20 @@ std::vector<HostileCase> cases() {
          0,
          "",
          "a\\x00b\\x1b[2J"},
+        {"C1AndBidirectionalControlsInANote",
+         {"run", "$CONFIG"},
+         std::string(kDigital).insert(
+             1,
+             R"("scenario": [ { "at_ms": 5, "note": "a\u009b2Jb\u202ec\u2066d F\u00fcllstand \u6c34\u4f4d" } ], )"),
+         0,
+         "",
+         "a\\u009b2Jb\\u202ec\\u2066d F\u00fcllstand \u6c34\u4f4d\n"},
+        {"BidirectionalOverrideInAnErrorMessage",
+         {"run", "$CONFIG"},
+         R"({ "bus": [ "AXL\u202eX" ] })",
+         2,
+         "/bus/0: unknown module type \"AXL\\u202eX\"",
+         ""},
         {"ExpectedStopThatDoesNotCome",
          {"run", "$CONFIG"},
          std::string(kDigital).insert(1, R"("expect_stop": true, )"),
@@ -190,7 +204,49 @@ std::vector<HostileCase> cases() {
         refused("UnknownCommand", {"bogus"},
                 std::string("axlsim: bogus is not a command; the commands are ") + kCommands +
                     " (axlsim --help shows them)"),
+        refused("UnknownCommandWithAnEscapeSequence", {"bo\x1b[2J\u202egus"},
+                std::string("axlsim: bo\\x1b[2J\\u202egus is not a command; the commands are ") +
+                    kCommands),
+        refused("UnknownOptionWithoutACommand", {"--bogus"},
+                std::string("axlsim: --bogus is not an option of axlsim; the commands are ") +
+                    kCommands + " (axlsim --help shows them)"),
+        refused("UnknownOptionOfACommand", {"run", kFeedbackLoop, "--bogus=1"},
+                "axlsim: --bogus is not an option of axlsim run (axlsim run --help shows its "
+                "options)"),
+        refused("EmptyDriverOfRun", {"run", kFeedbackLoop, "--driver", ""},
+                "--driver: expected the path of a driver library, not an empty text"),
+        refused("EmptyDriverOfDemo", {"demo", "--driver", ""},
+                "--driver: expected the path of a driver library, not an empty text"),
     };
+#if AXLSIM_SERVE
+    const std::vector<HostileCase> serve{
+        refused("EmptyDriverOfServe", {"serve", kFeedbackLoop, "--driver", ""},
+                "--driver: expected the path of a driver library, not an empty text"),
+        refused("PortInHexadecimal", {"serve", kFeedbackLoop, "--port", "0x50"},
+                "--port: 0x50 is not a port: expected decimal digits from 0 to 65535"),
+        refused("PortBeyondTheHighest", {"serve", kFeedbackLoop, "--port", "65536"},
+                "--port: 65536 is beyond the highest port: expected decimal digits from 0 to "
+                "65535"),
+        refused("PortWithAnEscapeSequence", {"serve", kFeedbackLoop, "--port", "80\x1b[2J"},
+                "--port: 80\\x1b[2J is not a port: expected decimal digits from 0 to 65535"),
+        refused("PortEmpty", {"serve", kFeedbackLoop, "--port", ""},
+                "--port: an empty text is not a port: expected decimal digits from 0 to 65535"),
+        refused("ModbusPortInHexadecimal", {"serve", kFeedbackLoop, "--modbus", "0x1f6"},
+                "--modbus: expected [ADDR:]PORT with a port from 0 to 65535 in decimal digits"),
+        refused("ModbusEmpty", {"serve", kFeedbackLoop, "--modbus", ""},
+                "--modbus: expected [ADDR:]PORT with a port from 0 to 65535 in decimal digits (an "
+                "IPv6 ADDR in brackets), not \"\""),
+        refused("ListenEmpty", {"serve", kFeedbackLoop, "--listen", ""},
+                "--listen: expected an address or a host name of this machine (an IPv6 address "
+                "also in brackets), not \"\""),
+        refused("ModbusAddressThatCannotBeBound",
+                {"serve", kFeedbackLoop, "--port", "0", "--modbus", "192.0.2.1:0"},
+                "axlsim: cannot listen on 192.0.2.1 port 0 for Modbus: Cannot assign requested "
+                "address"),
+    };
+    all.insert(all.end(), serve.begin(), serve.end());
+#endif
+    return all;
 }
 
 class HostileCommandLine : public ::testing::TestWithParam<HostileCase> {};

@@ -17,6 +17,7 @@ using axlsim::Happening;
 using axlsimtest::configFrom;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::StartsWith;
 using namespace std::chrono_literals;
 
 const char* const kConfig = R"({ "driver": { "deviceType": "AXL_F_AI2_AO2" },
@@ -161,6 +162,33 @@ TEST(TextRenderer, ShowsControlCharactersOfATextEscaped) {
     EXPECT_EQ(line.find('\x1b'), std::string::npos);
 }
 
+TEST(TextRenderer, ShowsC1ControlsAndBidirectionalOverridesEscaped) {
+    const auto config = configFrom(kConfig);
+    // CSI (U+009B), NEL (U+0085), RLO (U+202E), PDF (U+202C), RLI (U+2067), PDI (U+2069), LRM
+    // (U+200E), RLM (U+200F), ALM (U+061C), LINE SEPARATOR (U+2028).
+    const std::string line =
+        text(config, Happening{0ms, 0,
+                               Happening::Note{"a\u009b2Jb\u0085c\u202eevil\u202c \u2067x\u2069 "
+                                               "\u200e\u200f\u061c\u2028"}});
+    EXPECT_THAT(line, HasSubstr("a\\u009b2Jb\\u0085c\\u202eevil\\u202c \\u2067x\\u2069 "
+                                "\\u200e\\u200f\\u061c\\u2028\n"));
+}
+
+TEST(TextRenderer, KeepsOtherUnicodeTextAndShowsBytesThatAreNotUtf8Escaped) {
+    const auto config = configFrom(kConfig);
+    EXPECT_THAT(
+        text(config, Happening{0ms, 0, Happening::Note{"F\u00fcllstand \u6c34\u4f4d \U0001f6b0"}}),
+        HasSubstr("F\u00fcllstand \u6c34\u4f4d \U0001f6b0\n"));
+    // A lone continuation byte, a lead byte without its continuation, an overlong "/", an
+    // encoded surrogate, a code point beyond U+10FFFF, and the C1 control written as one byte.
+    EXPECT_THAT(text(config, Happening{0ms, 0,
+                                       Happening::Note{"a\x80"
+                                                       "b\xc3 c\xc0\xaf d\xed\xa0\x80 "
+                                                       "e\xf4\x90\x80\x80 f\x9b"}}),
+                HasSubstr("a\\x80b\\xc3 c\\xc0\\xaf d\\xed\\xa0\\x80 "
+                          "e\\xf4\\x90\\x80\\x80 f\\x9b\n"));
+}
+
 TEST(TextRenderer, ShowsControlCharactersOfTheFileAndDescriptionEscaped) {
     const auto config = axlsim::ConfigReader::readText(R"({ "description": "two\nlines" })",
                                                        std::string("a\tb.json"));
@@ -191,6 +219,24 @@ TEST(TextRenderer, EndsAnInterruptedRunWithALineThatSaysSo) {
     axlsim::TextRenderer(out, config, false).interrupted(5400ms, "SIGINT");
     EXPECT_EQ(out.str(),
               "interrupted by SIGINT at 5400.0 ms: the timeline above is the run so far\n");
+}
+
+TEST(JsonRenderer, AWallClockTimeShowsItsOwnDigitsWithoutBinaryArtefacts) {
+    const auto config = configFrom(kConfig);
+    // nlohmann's double text of 1013.889792 is 1013.8897920000001.
+    const std::chrono::nanoseconds t{1013889792};
+    EXPECT_EQ(json(config, Happening{t, 0, Happening::Note{"x"}}),
+              R"({"t_ms":1013.889792,"kind":"note","text":"x"})"
+              "\n");
+    std::ostringstream out;
+    axlsim::JsonRenderer renderer(out, config);
+    axlsim::RunResult result;
+    result.end = t;
+    result.drivers.push_back({true, false, false, 0});
+    renderer.finish(result);
+    renderer.interrupted(std::chrono::nanoseconds{1000000743}, "SIGINT");
+    EXPECT_THAT(out.str(), StartsWith(R"({"t_ms":1013.889792,"kind":"final",)"));
+    EXPECT_THAT(out.str(), HasSubstr(R"({"t_ms":1000.000743,"kind":"interrupted",)"));
 }
 
 TEST(JsonRenderer, EndsAnInterruptedRunWithALineThatSaysSo) {
@@ -242,6 +288,18 @@ TEST(TextRenderer, AnAnalogMoveThatNoPublicationFollowsHasNoLine) {
 TEST(TextRenderer, AHostLineShowsTheRouteAndItsBytes) {
     EXPECT_THAT(text(configFrom(kConfig), Happening{310ms, 0, Happening::Routed{100, 200, {0x01}}}),
                 HasSubstr("host      route 100 -> 200: 01"));
+}
+
+TEST(TextRenderer, AnAnalogRouteLineShowsTheValueItSendsAsAPublicationLineDoes) {
+    const auto config = configFrom(R"({ "driver": { "deviceType": "AXL_F_AI2_AO2" },
+        "mappings": { "300": { "size": 4 }, "302": { "size": 4 } },
+        "services": { "1": { "eventId": 300, "type": "AnalogIn" },
+                      "2": { "eventId": 302, "type": "AnalogOut" } } })");
+    EXPECT_THAT(text(config, Happening{310ms, 0, Happening::Routed{300, 302, floatBytes(2.5f)}}),
+                HasSubstr("host      route 300 -> 302: 2.5\n"));
+    EXPECT_EQ(json(config, Happening{310ms, 0, Happening::Routed{300, 302, floatBytes(2.5f)}}),
+              R"({"t_ms":310,"kind":"route","from":300,"to":302,"driver":0,"bytes":"00002040"})"
+              "\n");
 }
 
 TEST(JsonRenderer, APlantLineNamesTheModelThePinsAndTheValue) {

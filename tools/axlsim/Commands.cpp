@@ -230,12 +230,17 @@ int Commands::demo(const std::string& driver) {
     Commands::RunRequest request;
     request.driver = driver;
     const int status = play(config, request);
-    std::cout << "\nTry your own configuration:\n"
-                 "  axlsim check CONFIG.json         what the driver will refuse, and why\n"
-                 "  axlsim run CONFIG.json           this timeline for it\n"
-                 "  axlsim run CONFIG.json --json    one JSON object per line\n"
-                 "  axlsim run CONFIG.json --vcd run.vcd   the pins and events for GTKWave\n"
-                 "The examples are in examples/*.json.\n";
+    std::cout
+        << "\nTry your own configuration:\n"
+           "  axlsim check CONFIG.json         what the driver will refuse, and why\n"
+           "  axlsim run CONFIG.json           this timeline for it\n"
+           "  axlsim run CONFIG.json --json    one JSON object per line\n"
+           "  axlsim run CONFIG.json --vcd run.vcd   the pins and events for GTKWave\n"
+#if AXLSIM_SERVE
+           "  axlsim run CONFIG.json --html run.html   a report with waveforms, for a browser\n"
+           "  axlsim serve CONFIG.json         run it live in a browser, with a JSON API\n"
+#endif
+           "The examples are in examples/*.json.\n";
     return standardOutputWritten() ? status : kCannotRun;
 }
 

@@ -9,6 +9,11 @@
 
 #include "axlsim/Commands.h"
 #include "axlsim/configuration/Milliseconds.h"
+#include "axlsim/render/ValueText.h"
+
+#if AXLSIM_SERVE
+#include "axlsim/serve/ListenAddress.h"
+#endif
 
 namespace {
 
@@ -23,6 +28,38 @@ std::string unknownCommand(const CLI::App& app, int argc, char** argv) {
         }
     }
     return argv[1];
+}
+
+// The first argument of a command that names none of its options ("--bogus" of "--bogus=1"),
+// when the parse left one over.
+std::string unknownOption(const CLI::App& command) {
+    for (const std::string& left : command.remaining(false)) {
+        if (left.size() > 1 && left[0] == '-') {
+            return left.substr(0, left.find('='));
+        }
+    }
+    return "";
+}
+
+std::string commandList(const CLI::App& app) {
+    std::string commands;
+    for (const CLI::App* known : app.get_subcommands({})) {
+        commands += (commands.empty() ? "" : ", ") + known->get_name();
+    }
+    return commands;
+}
+
+// An empty --driver would silently mean the default library.
+CLI::Validator driverPath() {
+    return CLI::Validator(
+        [](const std::string& text) {
+            return text.empty() ? std::string(
+                                      "expected the path of a driver library, not an "
+                                      "empty text (without --driver, axlsim loads the one "
+                                      "beside it)")
+                                : std::string();
+        },
+        "", "PATH");
 }
 
 }  // namespace
@@ -55,7 +92,8 @@ int main(int argc, char** argv) {
                          "Run on the wall clock instead of the virtual clock");
     runCommand
         ->add_option("--driver", run.driver, "The driver library (default: the one beside axlsim)")
-        ->option_text("PATH");
+        ->option_text("PATH")
+        ->check(driverPath());
 #if AXLSIM_SERVE
     runCommand
         ->add_option("--html", run.html,
@@ -84,7 +122,8 @@ int main(int argc, char** argv) {
     auto* demoCommand = app.add_subcommand("demo", "Run the bundled example, with explanations.");
     demoCommand
         ->add_option("--driver", demoDriver, "The driver library (default: the one beside axlsim)")
-        ->option_text("PATH");
+        ->option_text("PATH")
+        ->check(driverPath());
 
 #if AXLSIM_SERVE
     axlsim::ServeCommand::Request serve;
@@ -92,11 +131,14 @@ int main(int argc, char** argv) {
         "serve", "Run the configuration live, paced to the wall clock, with a page and an API.");
     serveCommand->add_option("CONFIG", serve.config, "The configuration (JSON, comments allowed)")
         ->required();
+    std::string portText = std::to_string(serve.port);
     serveCommand
-        ->add_option("--port", serve.port,
-                     "The port to listen on (default 8080); 0 picks a free one")
+        ->add_option("--port", portText,
+                     "The port to listen on, 0 to 65535 in decimal digits (default 8080); 0 picks "
+                     "a free one")
         ->option_text("N")
-        ->check(CLI::Range(0, 65535))
+        ->check(CLI::Validator([](const std::string& text) { return axlsim::portProblem(text); },
+                               "", "PORT"))
         ->capture_default_str();
     serveCommand
         ->add_option("--listen", serve.listen,
@@ -112,28 +154,41 @@ int main(int argc, char** argv) {
         ->option_text("X")
         ->capture_default_str();
     serveCommand->add_flag("--paused", serve.paused, "Start with the clock paused");
-    serveCommand
-        ->add_option("--modbus", serve.modbus,
-                     "Also serve the bus over Modbus TCP on PORT (0 picks a free one), on ADDR "
-                     "(default 127.0.0.1)")
-        ->option_text("[ADDR:]PORT");
+    std::string modbusText;
+    auto* modbus = serveCommand->add_option(
+        "--modbus", modbusText,
+        "Also serve the bus over Modbus TCP on PORT (0 picks a free one), on ADDR "
+        "(default 127.0.0.1)");
+    modbus->option_text("[ADDR:]PORT");
     serveCommand
         ->add_option("--driver", serve.driver,
                      "The driver library (default: the one beside axlsim)")
-        ->option_text("PATH");
+        ->option_text("PATH")
+        ->check(driverPath());
 #endif
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         if (const std::string command = unknownCommand(app, argc, argv); !command.empty()) {
-            std::string commands;
-            for (const CLI::App* known : app.get_subcommands({})) {
-                commands += (commands.empty() ? "" : ", ") + known->get_name();
-            }
-            std::cerr << "axlsim: " << command << " is not a command; the commands are " << commands
+            std::cerr << "axlsim: " << axlsim::visible(command)
+                      << " is not a command; the commands are " << commandList(app)
                       << " (axlsim --help shows them)\n";
             return 2;
+        }
+        if (const std::string option = unknownOption(app); !option.empty()) {
+            std::cerr << "axlsim: " << axlsim::visible(option)
+                      << " is not an option of axlsim; the commands are " << commandList(app)
+                      << " (axlsim --help shows them)\n";
+            return 2;
+        }
+        for (const CLI::App* command : app.get_subcommands()) {
+            if (const std::string option = unknownOption(*command); !option.empty()) {
+                std::cerr << "axlsim: " << axlsim::visible(option) << " is not an option of axlsim "
+                          << command->get_name() << " (axlsim " << command->get_name()
+                          << " --help shows its options)\n";
+                return 2;
+            }
         }
         return app.exit(error) == 0 ? 0 : 2;
     }
@@ -146,6 +201,10 @@ int main(int argc, char** argv) {
     }
 #if AXLSIM_SERVE
     if (*serveCommand) {
+        serve.port = axlsim::portNumber(portText);
+        if (*modbus) {
+            serve.modbus = modbusText;
+        }
         return axlsim::Commands::serve(serve);
     }
 #endif

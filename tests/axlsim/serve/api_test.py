@@ -1,10 +1,14 @@
 # SPDX-License-Identifier: MIT
 """The HTTP API of `axlsim serve`, against a server started on port 0 with its clock paused so that
 virtual time passes only when a test steps it."""
+import http.client
+import re
 import signal
+import socket
+import subprocess
 import unittest
 
-from servers import Server
+from servers import AXLSIM, EXAMPLES, Server, ipv6_loopback
 
 
 class ApiTest(unittest.TestCase):
@@ -155,6 +159,20 @@ class ApiTest(unittest.TestCase):
         self.assertEqual(self.server.process.stdout.read(),
                          "axlsim serve: stopped by POST /api/stop; the drivers are deleted\n")
 
+    def test_a_since_beyond_the_last_seq_returns_nothing(self):
+        self.assertGreater(len(self.server.timeline(0)), 0)
+        for since in ("18446744073709551615", "18446744073709551614", "1000000"):
+            with self.subTest(since=since):
+                status, lines = self.server.get("/api/timeline?since=" + since)
+                self.assertEqual((status, lines), (200, []))
+
+    def test_a_since_that_is_not_a_number_is_a_bad_request(self):
+        for since in ("-1", "abc", "", "1e3", "18446744073709551616"):
+            with self.subTest(since=since):
+                status, answer = self.server.get("/api/timeline?since=" + since)
+                self.assertEqual(status, 400, answer)
+                self.assertIn("since: expected a whole number", answer["error"])
+
     def test_a_taken_port_is_named_in_the_error(self):
         import subprocess
         from servers import AXLSIM, EXAMPLES
@@ -163,6 +181,54 @@ class ApiTest(unittest.TestCase):
             capture_output=True, text=True, timeout=30)
         self.assertEqual(result.returncode, 2)
         self.assertIn("port %d" % self.server.port, result.stderr)
+
+
+class AddressTest(unittest.TestCase):
+    """Where the server listens, as --port and --listen say, and the URL it prints for it."""
+
+    def start(self, *args):
+        return subprocess.Popen([AXLSIM, "serve", EXAMPLES + "/feedback_loop.json", "--paused",
+                                 *args], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+
+    def served(self, process, host):
+        try:
+            line = process.stdout.readline().rstrip("\n")
+            match = re.fullmatch(r"axlsim serve: http://(.+?):(\d+)/\?token=([0-9a-f]{32})", line)
+            self.assertTrue(match, line)
+            connection = http.client.HTTPConnection(host, int(match.group(2)), timeout=10)
+            connection.request("GET", "/api/state",
+                               headers={"Authorization": "Bearer " + match.group(3)})
+            self.assertEqual(connection.getresponse().status, 200)
+            connection.close()
+            return match.group(1), int(match.group(2))
+        finally:
+            process.terminate()
+            process.communicate(timeout=30)
+
+    def test_a_port_with_a_leading_zero_is_read_as_decimal(self):
+        with socket.socket() as probe:
+            probe.bind(("127.0.0.1", 0))
+            free = probe.getsockname()[1]
+        host, port = self.served(self.start("--port", "0%d" % free), "127.0.0.1")
+        self.assertEqual((host, port), ("127.0.0.1", free))
+
+    @unittest.skipUnless(ipv6_loopback(), "no IPv6 loopback on this machine")
+    def test_ipv6_loopback_is_taken_with_or_without_brackets_and_shown_in_brackets(self):
+        for listen in ("::1", "[::1]"):
+            with self.subTest(listen=listen):
+                host, port = self.served(self.start("--port", "0", "--listen", listen), "::1")
+                self.assertEqual(host, "[::1]")
+
+    def test_an_empty_or_unbalanced_listen_address_is_refused(self):
+        for listen in ("", "[::1", "::1]"):
+            with self.subTest(listen=listen):
+                result = subprocess.run([AXLSIM, "serve", EXAMPLES + "/feedback_loop.json",
+                                         "--port", "0", "--listen", listen],
+                                        capture_output=True, text=True, timeout=30)
+                self.assertEqual(result.returncode, 2)
+                self.assertIn('--listen: expected an address or a host name of this machine (an '
+                              'IPv6 address also in brackets), not "%s"' % listen, result.stderr)
+                self.assertEqual(result.stdout, "")
 
 
 class EndingTest(unittest.TestCase):

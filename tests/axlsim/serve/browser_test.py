@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """The live page and the HTML report in a real headless Chromium. The live servers start paused,
 so that virtual time passes only when a test clicks a step button."""
+import json
 import os
 import re
 import shutil
@@ -232,6 +233,47 @@ class HtmlReportTest(unittest.TestCase):
         for signal in ("1.DI0", "1.DI1", "1.DO0", "1.DO5", "published 100", "published 101",
                        "received 200", "received 201"):
             self.assertIn(signal, signals)
+
+    def test_a_note_that_opens_an_html_comment_and_a_script_shows_as_text(self):
+        hostile = "<!--<script> a & b </script> c"
+        folder = tempfile.mkdtemp()
+        config = os.path.join(folder, "hostile.json")
+        report = os.path.join(folder, "report.html")
+        with open(config, "w") as out:
+            json.dump({"description": hostile,
+                       "driver": {"deviceType": "AXL_F_DI8_1_DO8_1",
+                                  "params": {"Consecutive Number": "1"}},
+                       "mappings": {"200": {"size": 1}},
+                       "services": {"1": {"eventId": 200, "type": "DigitalOut",
+                                          "params": {"PinNum": "0", "InitVal": "0"}}},
+                       "scenario": [{"at_ms": 5, "note": hostile},
+                                    {"at_ms": 10, "event": {"id": 200, "value": 1}},
+                                    {"at_ms": 20, "end": True}]}, out)
+        try:
+            run = subprocess.run([AXLSIM, "run", config, "--json", "--html", report],
+                                 capture_output=True, text=True, timeout=60)
+            self.assertEqual(run.returncode, 0, run.stderr)
+            browser.driver.set_window_size(1400, 1000)
+            browser.open("file://" + report)
+            try:
+                browser.until(lambda: browser.script(
+                    "return document.getElementById('chart').dataset.signals || ''") != "",
+                    "the report draws its signals")
+                signals = browser.script("return chart.names()")
+                note = browser.script(
+                    "return document.querySelector('#timeline tr.kind-note td:last-child')"
+                    ".textContent")
+                description = browser.script(
+                    "return document.getElementById('description').textContent")
+                scripts = browser.script("return document.scripts.length")
+            finally:
+                browser.save_screenshot(self.id().split(".")[-1])
+        finally:
+            shutil.rmtree(folder)
+        self.assertIn("1.DO0", signals)
+        self.assertEqual(json.loads(note), {"text": hostile})
+        self.assertEqual(description, hostile)
+        self.assertEqual(scripts, 2)
 
 
 if __name__ == "__main__":

@@ -16,7 +16,7 @@ from pymodbus.other_message import ReadExceptionStatusRequest, ReportSlaveIdRequ
 from pymodbus.register_read_message import ReadWriteMultipleRegistersRequest
 from pymodbus.register_write_message import MaskWriteRegisterRequest
 
-from servers import AXLSIM, Server
+from servers import AXLSIM, Server, ipv6_loopback
 
 BUS = os.path.abspath("modbus_bus.json")
 ILLEGAL_FUNCTION = 1
@@ -189,6 +189,18 @@ class ModbusTest(unittest.TestCase):
                 self.assertEqual(received[7:], bytes([function | 0x80, ILLEGAL_FUNCTION]))
         sock.close()
 
+    def test_a_function_code_with_the_high_bit_keeps_it_in_the_exception(self):
+        # Adding 0x80 to such a code would wrap to another function (0x83 to 0x03).
+        sock = self.server.raw()
+        for function in (0x80, 0x81, 0x83, 0x90, 0xFF):
+            with self.subTest(function=function):
+                sock.sendall(frame(function, b"\0\0\0\1", transaction=function))
+                received, closed = answer_or_close(sock)
+                self.assertFalse(closed)
+                self.assertEqual(received, struct.pack(">HHHBBB", function, 0, 3, 1, function,
+                                                       ILLEGAL_FUNCTION))
+        sock.close()
+
     def test_malformed_quantities_and_values_answer_illegal_data_value(self):
         cases = {
             "no coils": frame(1, struct.pack(">HH", 0, 0)),
@@ -242,20 +254,62 @@ class ModbusCommandLineTest(unittest.TestCase):
                               capture_output=True, text=True, timeout=30)
 
     def test_a_modbus_endpoint_without_a_port_is_refused(self):
-        for text in ("127.0.0.1:", "502x", "65536", "127.0.0.1:-1", ":502"):
+        for text in ("127.0.0.1:", "502x", "65536", "127.0.0.1:-1", ":502", "0x1f6", "+502",
+                     "[::1]", "[::1:502"):
             with self.subTest(text=text):
                 result = self.serve(text)
                 self.assertEqual(result.returncode, 2)
-                self.assertIn('--modbus: expected [ADDR:]PORT with a port from 0 to 65535, not "%s"'
-                              % text, result.stderr)
+                self.assertIn('--modbus: expected [ADDR:]PORT with a port from 0 to 65535 in '
+                              'decimal digits (an IPv6 ADDR in brackets), not "%s"' % text,
+                              result.stderr)
+
+    def test_an_empty_modbus_endpoint_is_refused_saying_what_it_takes(self):
+        result = self.serve("")
+        self.assertEqual(result.returncode, 2)
+        self.assertIn('--modbus: expected [ADDR:]PORT with a port from 0 to 65535 in decimal '
+                      'digits (an IPv6 ADDR in brackets), not ""', result.stderr)
+
+    def test_a_host_name_and_ipv6_loopback_are_bound_where_they_say(self):
+        cases = [("localhost:0", "localhost", socket.AF_INET, "127.0.0.1")]
+        if ipv6_loopback():
+            cases += [("::1:0", "[::1]", socket.AF_INET6, "::1"),
+                      ("[::1]:0", "[::1]", socket.AF_INET6, "::1")]
+        for text, shown, family, host in cases:
+            with self.subTest(text=text):
+                server = Server(BUS, "--paused", "--modbus", text)
+                try:
+                    line = server.process.stdout.readline().rstrip("\n")
+                    match = re.fullmatch(r"axlsim modbus: (.+):([1-9]\d*)", line)
+                    self.assertTrue(match, line)
+                    self.assertEqual(match.group(1), shown)
+                    with socket.socket(family, socket.SOCK_STREAM) as sock:
+                        sock.settimeout(5)
+                        sock.connect((host, int(match.group(2))))
+                        sock.sendall(frame(1, struct.pack(">HH", 0, 8)))
+                        received, closed = answer_or_close(sock)
+                        self.assertEqual(received[7:9], bytes([1, 1]))
+                    self.assertEqual(server.stop(), 0)
+                    self.assertNotIn("warning", server.process.stderr.read())
+                finally:
+                    server.close()
+
+    def test_an_address_that_cannot_be_bound_is_refused_with_the_reason(self):
+        for text, reason in (("192.0.2.1:0", "Cannot assign requested address"),
+                             ("no-such-host.invalid:0", "cannot resolve it: ")):
+            with self.subTest(text=text):
+                result = self.serve(text)
+                self.assertEqual(result.returncode, 2)
+                self.assertIn("cannot listen on %s port 0 for Modbus: %s"
+                              % (text[:-2], reason), result.stderr)
+                self.assertEqual(result.stdout, "")
 
     def test_a_taken_modbus_port_is_refused_naming_it(self):
         taken = ModbusServer("--paused")
         try:
             result = self.serve(str(taken.modbus_port))
             self.assertEqual(result.returncode, 2)
-            self.assertIn("cannot listen on 127.0.0.1 port %d for Modbus" % taken.modbus_port,
-                          result.stderr)
+            self.assertIn("cannot listen on 127.0.0.1 port %d for Modbus: Address already in use"
+                          % taken.modbus_port, result.stderr)
             self.assertEqual(result.stdout, "")
         finally:
             taken.stop()

@@ -2,11 +2,22 @@
 """Starts `axlsim serve` on a free port for the tests and talks to it over loopback."""
 import json
 import os
+import socket
 import subprocess
 import http.client
 
 AXLSIM = os.environ["AXLSIM"]
 EXAMPLES = os.environ["AXLSIM_EXAMPLES"]
+
+
+def ipv6_loopback():
+    """Whether this machine has ::1 (a container may run without IPv6)."""
+    try:
+        with socket.socket(socket.AF_INET6, socket.SOCK_STREAM) as probe:
+            probe.bind(("::1", 0))
+        return True
+    except OSError:
+        return False
 
 
 class Server:

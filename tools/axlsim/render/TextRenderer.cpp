@@ -138,6 +138,18 @@ std::string TextRenderer::describe(const Happening::Event& event, int driver) co
     return text + " (size " + std::to_string(event.size) + ")";
 }
 
+std::string TextRenderer::describe(const Happening::Routed& routed, int driver) const {
+    const std::string text =
+        "route " + std::to_string(routed.from) + " -> " + std::to_string(routed.to) + ": ";
+    // An analog output's payload is a native float: its value says more than its bytes.
+    if (catalog_.feedsAnalogOutput(driver, routed.to) && routed.bytes.size() >= sizeof(float)) {
+        float value = 0.0f;
+        std::memcpy(&value, routed.bytes.data(), sizeof value);
+        return text + floatText(value);
+    }
+    return text + toHex(routed.bytes);
+}
+
 std::string TextRenderer::describe(const Happening::Input& input) const {
     const std::string module = "module " + std::to_string(input.position);
     if (config_.bus[static_cast<std::size_t>(input.position - 1)] == vplc::Module::DI8_DO8) {
@@ -226,9 +238,7 @@ void TextRenderer::happening(const Happening& happening) {
                 }
             },
             [&](const Happening::Routed& routed) {
-                line(happening, "host", Tone::Step,
-                     "route " + std::to_string(routed.from) + " -> " + std::to_string(routed.to) +
-                         ": " + toHex(routed.bytes));
+                line(happening, "host", Tone::Step, describe(routed, driver < 0 ? 0 : driver));
             },
         },
         happening.what);

@@ -34,6 +34,7 @@ private:
 
     std::string describe(const Happening::Publish& publish, int driver) const;
     std::string describe(const Happening::Event& event, int driver) const;
+    std::string describe(const Happening::Routed& routed, int driver) const;
     std::string describe(const Happening::Input& input) const;
     std::string describe(const Happening::PlantMove& move) const;
     std::string describeOutputs(const std::vector<std::vector<uint8_t>>& outputs,

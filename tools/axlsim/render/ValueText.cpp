@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "axlsim/render/ValueText.h"
 
+#include <array>
 #include <charconv>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -9,11 +11,109 @@
 
 namespace axlsim {
 
+namespace {
+
+// The length of the UTF-8 sequence that a lead byte starts, and the range its second byte must
+// be in (which rules out overlong forms, surrogates and code points beyond U+10FFFF); 0 for a
+// byte that cannot start one.
+struct Lead {
+    int length = 0;
+    unsigned char low = 0x80;
+    unsigned char high = 0xbf;
+};
+
+Lead leadOf(unsigned char byte) {
+    if (byte >= 0xc2 && byte <= 0xdf) {
+        return {2};
+    }
+    if (byte == 0xe0) {
+        return {3, 0xa0};
+    }
+    if (byte == 0xed) {
+        return {3, 0x80, 0x9f};
+    }
+    if (byte >= 0xe1 && byte <= 0xef) {
+        return {3};
+    }
+    if (byte == 0xf0) {
+        return {4, 0x90};
+    }
+    if (byte == 0xf4) {
+        return {4, 0x80, 0x8f};
+    }
+    if (byte >= 0xf1 && byte <= 0xf3) {
+        return {4};
+    }
+    return {};
+}
+
+// The length of the valid UTF-8 sequence at the start of `text`, 0 when it is not one.
+std::size_t sequenceLength(std::string_view text) {
+    const Lead lead = leadOf(static_cast<unsigned char>(text[0]));
+    if (lead.length == 0 || text.size() < static_cast<std::size_t>(lead.length)) {
+        return 0;
+    }
+    const auto second = static_cast<unsigned char>(text[1]);
+    if (second < lead.low || second > lead.high) {
+        return 0;
+    }
+    for (int i = 2; i < lead.length; ++i) {
+        if ((static_cast<unsigned char>(text[static_cast<std::size_t>(i)]) & 0xc0) != 0x80) {
+            return 0;
+        }
+    }
+    return static_cast<std::size_t>(lead.length);
+}
+
+char32_t codePoint(std::string_view sequence) {
+    static constexpr std::array<unsigned char, 5> kLeadBits{0, 0x7f, 0x1f, 0x0f, 0x07};
+    char32_t point = static_cast<unsigned char>(sequence[0]) & kLeadBits[sequence.size()];
+    for (std::size_t i = 1; i < sequence.size(); ++i) {
+        point = (point << 6) | (static_cast<unsigned char>(sequence[i]) & 0x3f);
+    }
+    return point;
+}
+
+// Code points that a terminal takes as commands rather than text: the C1 controls (U+009B starts
+// an escape sequence as ESC [ does), the marks, embeddings, overrides and isolates that reorder
+// the text around them, and the line and paragraph separators.
+bool actsOnTheTerminal(char32_t point) {
+    return (point >= 0x80 && point <= 0x9f) || point == 0x061c || point == 0x200e ||
+           point == 0x200f || (point >= 0x2028 && point <= 0x202e) ||
+           (point >= 0x2066 && point <= 0x2069);
+}
+
+std::string byteEscaped(unsigned char byte) {
+    return "\\x" + toHex(std::span<const uint8_t>(&byte, 1));
+}
+
+}  // namespace
+
 std::string visible(std::string_view text) {
     std::string shown;
     shown.reserve(text.size());
-    for (const char c : text) {
+    std::size_t i = 0;
+    while (i < text.size()) {
+        const char c = text[i];
         const auto byte = static_cast<unsigned char>(c);
+        if (byte >= 0x80) {
+            const std::size_t length = sequenceLength(text.substr(i));
+            if (length == 0) {
+                shown += byteEscaped(byte);
+                ++i;
+                continue;
+            }
+            const std::string_view sequence = text.substr(i, length);
+            if (const char32_t point = codePoint(sequence); actsOnTheTerminal(point)) {
+                char escaped[8];
+                std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(point));
+                shown += escaped;
+            } else {
+                shown += sequence;
+            }
+            i += length;
+            continue;
+        }
         if (byte >= 0x20 && byte != 0x7f) {
             shown += c;
         } else if (c == '\n') {
@@ -23,8 +123,9 @@ std::string visible(std::string_view text) {
         } else if (c == '\r') {
             shown += "\\r";
         } else {
-            shown += "\\x" + toHex(std::span<const uint8_t>(&byte, 1));
+            shown += byteEscaped(byte);
         }
+        ++i;
     }
     return shown;
 }

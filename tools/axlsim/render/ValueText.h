@@ -8,8 +8,10 @@
 
 namespace axlsim {
 
-// A text with its control characters escaped ("\n", "\t", "\r", else "\x00" to "\x1f" and
-// "\x7f"), so that a text from a configuration or the driver shows on one line, as it is.
+// A text with what a terminal would act on escaped, so that a text from a configuration or the
+// driver shows on one line, as it is: the ASCII controls ("\n", "\t", "\r", else "\x00" to
+// "\x1f" and "\x7f"), the C1 controls and the bidirectional marks, overrides and isolates
+// ("\u009b", "\u202e"), and the bytes that are not UTF-8 ("\xff"). Other UTF-8 text stays.
 std::string visible(std::string_view text);
 
 // A text in double quotes, as messages show texts of the configuration and of the driver; its

@@ -3,9 +3,11 @@
 
 #include <httplib.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <exception>
+#include <limits>
 #include <string_view>
 
 #include "axlsim/configuration/ConfigDocument.h"
@@ -72,13 +74,15 @@ std::string hostName(const std::string& host) {
     return host.substr(0, host.find(':'));
 }
 
+// A seq as a request gives it. The highest number stands for one below it, which no line
+// reaches either: the log asks for the lines after since + 1, which would wrap to 0.
 std::optional<uint64_t> sequence(const std::string& text) {
     uint64_t value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size() || text.empty()) {
         return std::nullopt;
     }
-    return value;
+    return std::min(value, std::numeric_limits<uint64_t>::max() - 1);
 }
 
 }  // namespace

@@ -17,15 +17,30 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::string_view kDataMark = "/*AXLSIM_DATA*/";
 
-// JSON put inside a script element: "</" would end the element early, so it is written "<\/",
-// which JSON reads as the same text.
+// JSON put inside a script element. The HTML parser reads the element's text before JavaScript
+// does: "</script" ends it early, and "<!--" followed by "<script" keeps it open past its end
+// tag, which leaves the page blank. So "<", ">" and "&" are written as JSON escapes, which only
+// strings hold and JSON reads as the same text; so are U+2028 and U+2029, which older
+// JavaScript does not take inside a string.
 std::string forScript(const std::string& json) {
     std::string out;
     out.reserve(json.size());
     for (std::size_t i = 0; i < json.size(); ++i) {
-        out += json[i];
-        if (json[i] == '<' && i + 1 < json.size() && json[i + 1] == '/') {
-            out += '\\';
+        const char c = json[i];
+        if (c == '<') {
+            out += "\\u003c";
+        } else if (c == '>') {
+            out += "\\u003e";
+        } else if (c == '&') {
+            out += "\\u0026";
+        } else if (c == '\xe2' && json.compare(i + 1, 2, "\x80\xa8") == 0) {
+            out += "\\u2028";
+            i += 2;
+        } else if (c == '\xe2' && json.compare(i + 1, 2, "\x80\xa9") == 0) {
+            out += "\\u2029";
+            i += 2;
+        } else {
+            out += c;
         }
     }
     return out;

@@ -73,6 +73,20 @@ int ModbusRequest::frameLength(std::span<const uint8_t> bytes) {
     return bytes.size() < static_cast<std::size_t>(whole) ? 0 : whole;
 }
 
+std::vector<uint8_t> ModbusRequest::exceptionReply(std::span<const uint8_t> frame, int exception) {
+    constexpr uint8_t kExceptionBit = 0x80;
+    constexpr uint8_t kReplyLength = 3;  // the unit id, the function code, the exception code
+    return {frame[0],
+            frame[1],
+            0,
+            0,
+            0,
+            kReplyLength,
+            frame[kHeader - 1],
+            static_cast<uint8_t>(frame[kFunctionAt] | kExceptionBit),
+            static_cast<uint8_t>(exception)};
+}
+
 ModbusRequest ModbusRequest::read(std::span<const uint8_t> frame, const ModbusMap& map) {
     const auto found = std::find_if(kFunctions.begin(), kFunctions.end(), [&](const Function& f) {
         return f.code == frame[kFunctionAt];

@@ -12,7 +12,7 @@ namespace axlsim {
 // A Modbus TCP request as the bus server needs it: which table, which addresses, and for a write
 // the values, or the exception that answers it. The map leaves addresses unused inside every
 // module's block, which a contiguous table cannot express, so the addresses are checked here and
-// libmodbus builds the answer.
+// libmodbus builds the answer, all but an exception.
 struct ModbusRequest {
     // The exception codes, as Modbus numbers them.
     static constexpr int kIllegalFunction = 1;
@@ -25,6 +25,11 @@ struct ModbusRequest {
 
     // Reads a whole frame against the bus's map.
     static ModbusRequest read(std::span<const uint8_t> frame, const ModbusMap& map);
+
+    // The frame that answers a whole request frame with an exception: the request's transaction
+    // and unit, its function code with the high bit set (a code that has it already, 0x80 and
+    // above, stays as sent: libmodbus would add 0x80 and wrap to another function), the code.
+    static std::vector<uint8_t> exceptionReply(std::span<const uint8_t> frame, int exception);
 
     int exception = 0;  // 0, or the code of the exception that answers the request
     ModbusMap::Table table = ModbusMap::Table::Coils;

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <modbus/modbus.h>
+#include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
@@ -12,7 +13,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <exception>
+#include <memory>
+#include <string>
 
 #include "axlsim/run/ProcessData.h"
 
@@ -28,12 +32,14 @@ void setNonBlocking(int socket) {
 }
 
 int boundPort(int socket) {
-    sockaddr_in address{};
+    sockaddr_storage address{};
     socklen_t length = sizeof address;
     if (getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
         return -1;
     }
-    return ntohs(address.sin_port);
+    return address.ss_family == AF_INET6
+               ? ntohs(reinterpret_cast<const sockaddr_in6*>(&address)->sin6_port)
+               : ntohs(reinterpret_cast<const sockaddr_in*>(&address)->sin_port);
 }
 
 }  // namespace
@@ -71,12 +77,41 @@ ModbusServer::~ModbusServer() {
     }
 }
 
+// The listening socket is axlsim's own, as libmodbus's reads IPv4 addresses only and does not
+// say why it could not listen; libmodbus builds the replies.
 int ModbusServer::bind(const std::string& address, int port) {
-    context_.reset(modbus_new_tcp(address.c_str(), port));
+    context_.reset(modbus_new_tcp(nullptr, port));
     if (!context_ || !tables_ || wake_[0] < 0) {
+        why_ = "out of resources";
         return -1;
     }
-    listener_ = modbus_tcp_listen(context_.get(), kBacklog);
+    addrinfo hints{};
+    hints.ai_family = AF_UNSPEC;
+    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_flags = AI_PASSIVE | AI_NUMERICSERV;
+    addrinfo* found = nullptr;
+    if (const int error =
+            getaddrinfo(address.c_str(), std::to_string(port).c_str(), &hints, &found);
+        error != 0) {
+        why_ = std::string("cannot resolve it: ") + gai_strerror(error);
+        return -1;
+    }
+    const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> addresses(found, freeaddrinfo);
+    for (const addrinfo* at = found; at != nullptr && listener_ < 0; at = at->ai_next) {
+        const int socket = ::socket(at->ai_family, at->ai_socktype | SOCK_CLOEXEC, at->ai_protocol);
+        if (socket < 0) {
+            why_ = std::strerror(errno);
+            continue;
+        }
+        const int reuse = 1;
+        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof reuse);
+        if (::bind(socket, at->ai_addr, at->ai_addrlen) != 0 || listen(socket, kBacklog) != 0) {
+            why_ = std::strerror(errno);
+            close(socket);
+            continue;
+        }
+        listener_ = socket;
+    }
     if (listener_ < 0) {
         return -1;
     }
@@ -197,8 +232,9 @@ bool ModbusServer::answer(int socket, std::span<const uint8_t> frame) {
     const ModbusRequest request = ModbusRequest::read(frame, map_);
     modbus_set_socket(context_.get(), socket);
     if (request.exception != 0) {
-        return modbus_reply_exception(context_.get(), frame.data(),
-                                      static_cast<unsigned>(request.exception)) >= 0;
+        const std::vector<uint8_t> reply = ModbusRequest::exceptionReply(frame, request.exception);
+        return send(socket, reply.data(), reply.size(), MSG_NOSIGNAL) ==
+               static_cast<ssize_t>(reply.size());
     }
     try {
         if (request.write) {

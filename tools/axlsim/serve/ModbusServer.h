@@ -37,9 +37,10 @@ public:
     ModbusServer(const ModbusServer&) = delete;
     ModbusServer& operator=(const ModbusServer&) = delete;
 
-    // Binds to `address` and `port` (0: a free one); returns the port, or -1 when it cannot be
-    // bound.
+    // Binds to `address` (a host name, an IPv4 or an IPv6 address) and `port` (0: a free one);
+    // returns the port, or -1 when it cannot be bound, and why() says why.
     int bind(const std::string& address, int port);
+    const std::string& why() const { return why_; }
 
     // Serves until stop(); from another thread.
     void serve();
@@ -71,6 +72,7 @@ private:
     std::unique_ptr<modbus_t, Closer> context_;
     std::unique_ptr<modbus_mapping_t, Closer> tables_;
     int listener_ = -1;
+    std::string why_;
     int wake_[2] = {-1, -1};  // a pipe: stop() writes, the serving thread wakes
     std::vector<Connection> connections_;
     std::atomic<int> clients_{0};

@@ -13,9 +13,11 @@
 #include <string>
 #include <thread>
 
+#include "axlsim/render/ValueText.h"
 #include "axlsim/run/InterruptSignals.h"
 #include "axlsim/serve/ApiServer.h"
 #include "axlsim/serve/Assets.h"
+#include "axlsim/serve/ListenAddress.h"
 #include "axlsim/serve/LiveRun.h"
 #include "axlsim/serve/ModbusServer.h"
 #include "axlsim/serve/Token.h"
@@ -46,30 +48,8 @@ std::optional<LiveRun::Options> paceOf(const ServeCommand::Request& request) {
     return options;
 }
 
-struct Endpoint {
-    std::string address = kLoopback;
-    int port = 0;
-};
-
-// "[ADDR:]PORT", as --modbus takes it.
-std::optional<Endpoint> endpointOf(const std::string& text) {
-    Endpoint endpoint;
-    const auto colon = text.rfind(':');
-    if (colon != std::string::npos) {
-        endpoint.address = text.substr(0, colon);
-    }
-    const std::string port = colon == std::string::npos ? text : text.substr(colon + 1);
-    const char* end = port.data() + port.size();
-    const auto [stop, error] = std::from_chars(port.data(), end, endpoint.port);
-    if (port.empty() || error != std::errc() || stop != end || endpoint.port < 0 ||
-        endpoint.port > 65535 || endpoint.address.empty()) {
-        return std::nullopt;
-    }
-    return endpoint;
-}
-
 void warnIfOpen(const std::string& address, const char* who) {
-    if (address != kLoopback) {
+    if (address != kLoopback && address != "::1" && address != "localhost") {
         std::cerr << "axlsim: warning: listening on " << address << ": anyone who can reach it"
                   << who << " can drive the plant\n";
     }
@@ -104,17 +84,24 @@ int ServeCommand::serve(const Config& config, const DriverLibrary& library,
                         const Request& request) {
     const auto pace = paceOf(request);
     if (!pace) {
-        std::cerr << "axlsim: --speed: expected a factor from 0.1 to 100000, or max, not \""
-                  << request.speed << "\"\n";
+        std::cerr << "axlsim: --speed: expected a factor from 0.1 to 100000, or max, not "
+                  << inQuotes(request.speed) << '\n';
         return kCannotServe;
     }
-    std::optional<Endpoint> modbusAt;
-    if (!request.modbus.empty()) {
-        modbusAt = endpointOf(request.modbus);
+    const auto listen = hostOf(request.listen);
+    if (!listen) {
+        std::cerr << "axlsim: --listen: expected an address or a host name of this machine (an "
+                     "IPv6 address also in brackets), not "
+                  << inQuotes(request.listen) << '\n';
+        return kCannotServe;
+    }
+    std::optional<ListenAddress> modbusAt;
+    if (request.modbus) {
+        modbusAt = listenAddressOf(*request.modbus, kLoopback);
         if (!modbusAt) {
-            std::cerr
-                << "axlsim: --modbus: expected [ADDR:]PORT with a port from 0 to 65535, not \""
-                << request.modbus << "\"\n";
+            std::cerr << "axlsim: --modbus: expected [ADDR:]PORT with a port from 0 to 65535 in "
+                         "decimal digits (an IPv6 ADDR in brackets), not "
+                      << inQuotes(*request.modbus) << '\n';
             return kCannotServe;
         }
     }
@@ -123,41 +110,41 @@ int ServeCommand::serve(const Config& config, const DriverLibrary& library,
 
     LiveRun live(config, library, *pace);
     ApiServer::Settings settings;
-    settings.address = request.listen;
+    settings.address = *listen;
     settings.token = Token::fresh();
     settings.page = Assets::livePage();
     settings.onStop = [&stopAsked] { stopAsked = true; };
     ApiServer server(config, live, settings);
     const int port = server.bind(request.port);
     if (port < 0) {
-        std::cerr << "axlsim: cannot listen on " << request.listen << " port " << request.port
+        std::cerr << "axlsim: cannot listen on " << *listen << " port " << request.port
                   << ": the port is taken, or the address is not one of this machine's\n";
         return kCannotServe;
     }
     std::optional<ModbusServer> modbus;
     if (modbusAt) {
         modbus.emplace(config, live);
-        const int modbusPort = modbus->bind(modbusAt->address, modbusAt->port);
+        const int modbusPort = modbus->bind(modbusAt->host, modbusAt->port);
         if (modbusPort < 0) {
-            std::cerr << "axlsim: cannot listen on " << modbusAt->address << " port "
-                      << modbusAt->port << " for Modbus: the port is taken, or the address is not "
-                      << "one of this machine's\n";
+            std::cerr << "axlsim: cannot listen on " << modbusAt->host << " port " << modbusAt->port
+                      << " for Modbus: " << modbus->why() << '\n';
             return kCannotServe;
         }
         modbusAt->port = modbusPort;
-        const std::string shown = modbusAt->address + ':' + std::to_string(modbusPort);
+        const std::string shown = hostForUrl(modbusAt->host) + ':' + std::to_string(modbusPort);
         live.showInState("modbus", [shown, &modbus] {
             return nlohmann::ordered_json{{"address", shown}, {"clients", modbus->clients()}};
         });
     }
-    std::cout << "axlsim serve: http://" << request.listen << ':' << port
+    std::cout << "axlsim serve: http://" << hostForUrl(*listen) << ':' << port
               << "/?token=" << settings.token << std::endl;
     if (modbusAt) {
-        std::cout << "axlsim modbus: " << modbusAt->address << ':' << modbusAt->port << std::endl;
+        std::cout << "axlsim modbus: " << hostForUrl(modbusAt->host) << ':' << modbusAt->port
+                  << std::endl;
     }
-    warnIfOpen(request.listen, " and has the token");
+    warnIfOpen(*listen, " and has the token");
     if (modbusAt) {
-        warnIfOpen(modbusAt->address, " over Modbus");
+        warnIfOpen(modbusAt->host, " over Modbus");
     }
 
     live.start();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "axlsim/configuration/Config.h"
@@ -19,7 +20,7 @@ public:
         std::string speed = "1";  // a factor, or "max"
         bool paused = false;
         std::string driver;
-        std::string modbus;  // [ADDR:]PORT of the Modbus TCP server; none when empty
+        std::optional<std::string> modbus;  // [ADDR:]PORT of the Modbus TCP server, if any
     };
 
     // 0 once stopped cleanly; 2 when the server cannot be started.

@@ -98,6 +98,12 @@ void RunningProgram::signal(int number) const {
     kill(pid_, number);
 }
 
+void RunningProgram::closeOutput() {
+    close(pipe_);
+    pipe_ = -1;
+    ended_ = true;
+}
+
 int RunningProgram::finish(std::chrono::milliseconds limit) {
     const auto deadline = Clock::now() + limit;
     while (!ended_) {

@@ -295,8 +295,8 @@ TEST(CommandLine, AClosedPipeStopsTheRunAtOnceWithACompleteVcdAndReport) {
     const std::string vcd = axlsimtest::temporaryPath("run.vcd");
     const std::string html = axlsimtest::temporaryPath("run.html");
     axlsimtest::RunningProgram program(
-        {"run", kFeedbackLoop, "--until", "1000000000000", "--vcd", vcd, "--html", html});
-    ASSERT_TRUE(program.readUntil("800.0 ms  bus", kPatience)) << program.out() << program.err();
+        {"run", kLevelControl, "--until", "1000000000000", "--vcd", vcd, "--html", html});
+    ASSERT_TRUE(program.readUntil("publish", kPatience)) << program.out() << program.err();
     // As `| head` does once it has its lines, or a pager that is quit.
     program.closeOutput();
     ASSERT_EQ(program.finish(kPatience), 2) << program.err();
@@ -305,11 +305,24 @@ TEST(CommandLine, AClosedPipeStopsTheRunAtOnceWithACompleteVcdAndReport) {
     EXPECT_THAT(program.err(), EndsWith(" ms\n"));
 
     const axlsimtest::VcdReader dump(slurp(vcd));
-    EXPECT_EQ(dump.changesOf("axlsim.m1_AXL_F_DI8_1_DO8_1.out0").size(), 3U);
+    EXPECT_FALSE(dump.changesOf("axlsim.m2_AXL_F_AI2_AO2.ai0").empty());
     const std::string report = slurp(html);
     EXPECT_TRUE(holds(report, R"("interrupted":{"by":"a failed write to the standard output )"
                               R"x((Broken pipe)","t_ms":)x"));
     EXPECT_TRUE(holds(report, "</html>"));
+}
+
+TEST(CommandLine, AClosedPipeStopsARunThatHasNothingMoreToSay) {
+    const std::string vcd = axlsimtest::temporaryPath("run.vcd");
+    axlsimtest::RunningProgram program(
+        {"run", kFeedbackLoop, "--until", "1000000000000", "--vcd", vcd});
+    // The scenario's last line: then nothing for 31 years, which no write would tell.
+    ASSERT_TRUE(program.readUntil("800.0 ms  bus", kPatience)) << program.out() << program.err();
+    program.closeOutput();
+    ASSERT_EQ(program.finish(kPatience), 2) << program.err();
+    EXPECT_THAT(program.err(), HasSubstr("cannot write the standard output: Broken pipe"));
+    const axlsimtest::VcdReader dump(slurp(vcd));
+    EXPECT_EQ(dump.changesOf("axlsim.m1_AXL_F_DI8_1_DO8_1.out0").size(), 3U);
 }
 
 TEST(CommandLine, AnInterruptedRunSaysSoInItsReport) {

@@ -34,6 +34,8 @@ public:
     std::string err() const;
 
 private:
+    // Whether the program ends within `limit`.
+    bool exitsWithin(std::chrono::milliseconds limit) const;
     // Reads what is there within `limit`; false at the end of the output.
     bool readSome(std::chrono::milliseconds limit);
 

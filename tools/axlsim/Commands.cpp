@@ -3,13 +3,13 @@
 
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <memory>
 #include <system_error>
+#include <variant>
 
 #include "axlsim/check/CheckReport.h"
 #include "axlsim/check/ConfigCheck.h"
@@ -18,8 +18,10 @@
 #include "axlsim/configuration/ConfigReader.h"
 #include "axlsim/configuration/DemoConfig.h"
 #include "axlsim/render/JsonRenderer.h"
+#include "axlsim/render/OutputFile.h"
 #include "axlsim/render/OutputSink.h"
 #include "axlsim/render/ProgressBar.h"
+#include "axlsim/render/StandardOutput.h"
 #include "axlsim/render/TextRenderer.h"
 #include "axlsim/render/ValueText.h"
 #include "axlsim/render/VcdWriter.h"
@@ -81,69 +83,13 @@ std::unique_ptr<DriverLibrary> loadDriver(const std::string& path) {
     }
 }
 
-// While it lives, std::cout goes through an OutputSink on standard output, so that a failed write
-// is noticed when it happens and told with its own reason; a closed pipe is such a failure rather
-// than the end of the program.
-class StandardOutput {
-public:
-    StandardOutput() : previous_(std::cout.rdbuf(&sink_)) { std::signal(SIGPIPE, SIG_IGN); }
-    ~StandardOutput() { std::cout.rdbuf(previous_); }
-    StandardOutput(const StandardOutput&) = delete;
-    StandardOutput& operator=(const StandardOutput&) = delete;
-
-    OutputSink& sink() { return sink_; }
-
-    // Once everything is written: false, said once on standard error with `context` after the
-    // reason, when it could not be.
-    bool written(const std::string& context = "") {
-        if (sink_.flush()) {
-            return true;
-        }
-        if (!told_) {
-            std::cerr << "axlsim: cannot write the standard output: "
-                      << std::strerror(sink_.error()) << context << '\n';
-            told_ = true;
-        }
-        return false;
-    }
-
-private:
-    OutputSink sink_{STDOUT_FILENO, false};
-    std::streambuf* previous_;
-    bool told_ = false;
-};
-
-// A file that a run writes as it goes, opened before the run.
-class OutputFile {
-public:
-    OutputFile(std::string path, int fd)
-        : path_(std::move(path)), sink_(fd, true), stream_(&sink_) {}
-
-    std::ostream& stream() { return stream_; }
-
-    // Once everything is written: false, and said on standard error, when it could not be.
-    bool written() {
-        if (sink_.flush()) {
-            return true;
-        }
-        std::cerr << "axlsim: cannot write " << path_ << ": " << std::strerror(sink_.error())
-                  << '\n';
-        return false;
-    }
-
-private:
-    std::string path_;
-    OutputSink sink_;
-    std::ostream stream_;
-};
-
 std::unique_ptr<OutputFile> openOutput(const std::string& path) {
-    int fd = -1;
-    if (const int error = OutputSink::open(path, fd); error != 0) {
-        std::cerr << "axlsim: cannot write " << path << ": " << std::strerror(error) << '\n';
+    auto file = OutputFile::open(path);
+    if (const int* error = std::get_if<int>(&file)) {
+        std::cerr << "axlsim: cannot write " << path << ": " << std::strerror(*error) << '\n';
         return nullptr;
     }
-    return std::make_unique<OutputFile>(path, fd);
+    return std::move(std::get<std::unique_ptr<OutputFile>>(file));
 }
 
 // Whether two paths name one file: the same file on disk, or the same place for one not yet

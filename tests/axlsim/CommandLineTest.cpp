@@ -42,13 +42,6 @@ std::string slurp(const std::string& path) {
     return text.str();
 }
 
-// A 1 ms square signal on input 0: a line and a change of the waveforms each millisecond.
-const char* const kSquareSignal =
-    R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
-         "mappings": { "100": { "size": 1 } },
-         "services": { "1": { "eventId": 100, "type": "DigitalIn", "params": { "PinNum": "0" } } },
-         "plant": [ { "signal": { "to": "1.DI0", "shape": "square", "period_ms": 2, "duty": 0.5 } } ] })";
-
 // Whether a report holds `part`; a report is too large to show when it does not.
 ::testing::AssertionResult holds(const std::string& report, const std::string& part) {
     if (report.find(part) != std::string::npos) {
@@ -350,6 +343,13 @@ TEST(CommandLine, ARunOfADayTakesNoMoreMemoryThanARunOfAnHour) {
 }
 
 #if AXLSIM_SERVE
+// A 1 ms square signal on input 0: a line and a change of the waveforms each millisecond.
+const char* const kSquareSignal =
+    R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+         "mappings": { "100": { "size": 1 } },
+         "services": { "1": { "eventId": 100, "type": "DigitalIn", "params": { "PinNum": "0" } } },
+         "plant": [ { "signal": { "to": "1.DI0", "shape": "square", "period_ms": 2, "duty": 0.5 } } ] })";
+
 TEST(CommandLine, TheReportOfALongRunKeepsTheStartAndTheEndAndSaysWhatItLeftOut) {
     const std::string html = axlsimtest::temporaryPath("run.html");
     const auto run = runProgram(

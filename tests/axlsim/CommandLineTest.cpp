@@ -28,6 +28,7 @@ constexpr auto kPatience = 120s;
 
 const std::string kFeedbackLoop = AXLSIM_EXAMPLES "/feedback_loop.json";
 const std::string kMistakes = AXLSIM_EXAMPLES "/mistakes.json";
+const std::string kLevelControl = AXLSIM_EXAMPLES "/level_control.json";
 
 std::string digitalConfig(const std::string& scenario, const std::string& extra = "") {
     return R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
@@ -35,6 +36,22 @@ std::string digitalConfig(const std::string& scenario, const std::string& extra 
                 "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } },
                 "scenario": )" +
            scenario + extra + "}";
+}
+
+std::string slurp(const std::string& path) {
+    std::ifstream in(path);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+// Whether a report holds `part`; a report is too large to show when it does not.
+::testing::AssertionResult holds(const std::string& report, const std::string& part) {
+    if (report.find(part) != std::string::npos) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure()
+           << "the report of " << report.size() << " bytes does not hold " << part;
 }
 
 std::vector<std::string> lines(const std::string& text) {
@@ -313,5 +330,87 @@ TEST(CommandLine, SigtermStopsAJsonRunWithALastLineThatSaysSo) {
     EXPECT_THAT(all.back(), EndsWith(R"(,"kind":"interrupted","signal":"SIGTERM"})"));
     EXPECT_THAT(all[all.size() - 2], HasSubstr(R"("kind":"final")"));
 }
+
+TEST(CommandLine, AClosedPipeStopsTheRunAtOnceWithACompleteVcdAndReport) {
+    const std::string vcd = axlsimtest::temporaryPath("run.vcd");
+    const std::string html = axlsimtest::temporaryPath("run.html");
+    axlsimtest::RunningProgram program(
+        {"run", kLevelControl, "--until", "1000000000000", "--vcd", vcd, "--html", html});
+    ASSERT_TRUE(program.readUntil("publish", kPatience)) << program.out() << program.err();
+    // As `| head` does once it has its lines, or a pager that is quit.
+    program.closeOutput();
+    ASSERT_EQ(program.finish(kPatience), 2) << program.err();
+    EXPECT_THAT(program.err(), StartsWith("axlsim: cannot write the standard output: Broken pipe; "
+                                          "the run stopped at "));
+    EXPECT_THAT(program.err(), EndsWith(" ms\n"));
+
+    const axlsimtest::VcdReader dump(slurp(vcd));
+    EXPECT_FALSE(dump.changesOf("axlsim.m2_AXL_F_AI2_AO2.ai0").empty());
+    const std::string report = slurp(html);
+    EXPECT_TRUE(holds(report, R"("interrupted":{"by":"a failed write to the standard output )"
+                              R"x((Broken pipe)","t_ms":)x"));
+    EXPECT_TRUE(holds(report, "</html>"));
+}
+
+TEST(CommandLine, AClosedPipeStopsARunThatHasNothingMoreToSay) {
+    const std::string vcd = axlsimtest::temporaryPath("run.vcd");
+    axlsimtest::RunningProgram program(
+        {"run", kFeedbackLoop, "--until", "1000000000000", "--vcd", vcd});
+    // The scenario's last line: then nothing for 31 years, which no write would tell.
+    ASSERT_TRUE(program.readUntil("800.0 ms  bus", kPatience)) << program.out() << program.err();
+    program.closeOutput();
+    ASSERT_EQ(program.finish(kPatience), 2) << program.err();
+    EXPECT_THAT(program.err(), HasSubstr("cannot write the standard output: Broken pipe"));
+    const axlsimtest::VcdReader dump(slurp(vcd));
+    EXPECT_EQ(dump.changesOf("axlsim.m1_AXL_F_DI8_1_DO8_1.out0").size(), 3U);
+}
+
+TEST(CommandLine, AnInterruptedRunSaysSoInItsReport) {
+    const std::string html = axlsimtest::temporaryPath("run.html");
+    axlsimtest::RunningProgram program(
+        {"run", kFeedbackLoop, "--json", "--until", "1000000000000", "--html", html});
+    ASSERT_TRUE(program.readUntil(R"("t_ms":800)", kPatience)) << program.out() << program.err();
+    program.signal(SIGINT);
+    ASSERT_EQ(program.finish(kPatience), 130) << program.err();
+    const std::string report = slurp(html);
+    EXPECT_TRUE(holds(report, R"("interrupted":{"by":"SIGINT","t_ms":)"));
+    EXPECT_TRUE(holds(report, "The run was interrupted by"));
+}
+
+TEST(CommandLine, ARunOfADayTakesNoMoreMemoryThanARunOfAnHour) {
+    const auto hour =
+        runProgram({"run", kLevelControl, "--json", "--until", "3600000"}, {"", "/dev/null"});
+    ASSERT_EQ(hour.status, 0) << hour.err;
+    const auto day =
+        runProgram({"run", kLevelControl, "--json", "--until", "86400000"}, {"", "/dev/null"});
+    ASSERT_EQ(day.status, 0) << day.err;
+    // The whole timeline of the day would be about 110 MB more.
+    EXPECT_LT(day.peakKilobytes, hour.peakKilobytes + 8 * 1024)
+        << "an hour: " << hour.peakKilobytes << " kB, a day: " << day.peakKilobytes << " kB";
+}
+
+#if AXLSIM_SERVE
+// A 1 ms square signal on input 0: a line and a change of the waveforms each millisecond.
+const char* const kSquareSignal =
+    R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+         "mappings": { "100": { "size": 1 } },
+         "services": { "1": { "eventId": 100, "type": "DigitalIn", "params": { "PinNum": "0" } } },
+         "plant": [ { "signal": { "to": "1.DI0", "shape": "square", "period_ms": 2, "duty": 0.5 } } ] })";
+
+TEST(CommandLine, TheReportOfALongRunKeepsTheStartAndTheEndAndSaysWhatItLeftOut) {
+    const std::string html = axlsimtest::temporaryPath("run.html");
+    const auto run = runProgram(
+        {"run", writeConfig("square.json", kSquareSignal), "--until", "60000", "--html", html},
+        {"", "/dev/null"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const std::string report = slurp(html);
+    // 60,000 moves of the input: the table keeps 20,000 lines, the waveforms at most two changes
+    // of each signal in each 2,000th of the run.
+    EXPECT_TRUE(holds(report, R"("first_lines":10000,"last_lines":10000,)"));
+    EXPECT_TRUE(holds(report, R"("part_ms":30})"));
+    EXPECT_TRUE(holds(report, "The timeline shows the first"));
+    EXPECT_LT(report.size(), 8U * 1024 * 1024);
+}
+#endif
 
 }  // namespace

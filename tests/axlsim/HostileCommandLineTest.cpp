@@ -29,7 +29,8 @@ const std::string kFeedbackLoop = AXLSIM_EXAMPLES "/feedback_loop.json";
 
 struct HostileCase {
     const char* name;
-    std::vector<std::string> arguments;  // "$CONFIG" stands for a file with `config` in it
+    // "$CONFIG" stands for a file with `config` in it, "$OUTPUT" for a fresh file to write.
+    std::vector<std::string> arguments;
     std::string config;
     int status;
     std::string err;  // a part of standard error, "" for none
@@ -67,8 +68,85 @@ HostileCase untilRefused(const char* name, const std::string& until) {
                    "--until: " + until + kUntilRange);
 }
 
+// The outputs of a run: each refused before the run when it cannot be written, a standard
+// output that fails noticed at once.
+std::vector<HostileCase> outputCases() {
+    return {
+        {"JsonRunOnAFullDevice",
+         {"run", kFeedbackLoop, "--json"},
+         "",
+         2,
+         "cannot write the standard output: No space left on device",
+         "",
+         Redirect{"", "/dev/full"}},
+        {"LongRunOnAFullDeviceStopsAtOnce",
+         {"run", kFeedbackLoop, "--until", "86400000"},
+         "",
+         2,
+         "cannot write the standard output: No space left on device; the run stopped at ",
+         "",
+         Redirect{"", "/dev/full"}},
+        {"DemoOnAFullDevice",
+         {"demo"},
+         "",
+         2,
+         "cannot write the standard output: No space left on device",
+         "",
+         Redirect{"", "/dev/full"}},
+        {"VersionOnAFullDevice",
+         {"--version"},
+         "",
+         2,
+         "cannot write the standard output: No space left on device",
+         "",
+         Redirect{"", "/dev/full"}},
+        {"HelpOnAFullDevice",
+         {"run", "--help"},
+         "",
+         2,
+         "cannot write the standard output: No space left on device",
+         "",
+         Redirect{"", "/dev/full"}},
+        refused("VcdOntoStandardOutput", {"run", kFeedbackLoop, "--vcd", "-"},
+                "axlsim: --vcd -: the standard output carries the timeline, so this output needs "
+                "a file; ./- names a file called \"-\""),
+        {"VcdOntoTheConfiguration",
+         {"run", "$CONFIG", "--vcd", "$CONFIG"},
+         kDigital,
+         2,
+         " is the configuration, which the output would overwrite; give the output a file of its "
+         "own",
+         ""},
+    };
+}
+
+#if AXLSIM_SERVE
+// The same for the HTML report.
+std::vector<HostileCase> reportCases() {
+    return {
+        refused("HtmlInAMissingFolderIsRefusedBeforeTheRun",
+                {"run", kFeedbackLoop, "--html", "/nonexistent/folder/run.html"},
+                "cannot write /nonexistent/folder/run.html: No such file or directory"),
+        refused("HtmlOntoAFolderIsRefusedBeforeTheRun",
+                {"run", kFeedbackLoop, "--html", AXLSIM_EXAMPLES},
+                "cannot write " AXLSIM_EXAMPLES ": Is a directory"),
+        refused("HtmlOntoStandardOutput", {"run", kFeedbackLoop, "--html", "-"},
+                "axlsim: --html -: the standard output carries the timeline"),
+        refused("VcdAndHtmlOnOneFile",
+                {"run", kFeedbackLoop, "--vcd", "$OUTPUT", "--html", "$OUTPUT"},
+                " name the same file, which would keep only one of them; give each output a file "
+                "of its own"),
+    };
+}
+#endif
+
 std::vector<HostileCase> cases() {
-    std::vector<HostileCase> all{
+    std::vector<HostileCase> all = outputCases();
+#if AXLSIM_SERVE
+    const std::vector<HostileCase> report = reportCases();
+    all.insert(all.end(), report.begin(), report.end());
+#endif
+    std::vector<HostileCase> rest = {
         refused("UntilBeyondTheLongestRun", {"run", kFeedbackLoop, "--until", "9223372036855"},
                 "--until: 9223372036855 ms is beyond the longest run, 10^12 ms (about 31 years)"),
         refused("UntilFarBeyondTheLongestRun",
@@ -218,6 +296,7 @@ std::vector<HostileCase> cases() {
         refused("EmptyDriverOfDemo", {"demo", "--driver", ""},
                 "--driver: expected the path of a driver library, not an empty text"),
     };
+    all.insert(all.end(), rest.begin(), rest.end());
 #if AXLSIM_SERVE
     const std::vector<HostileCase> serve{
         refused("EmptyDriverOfServe", {"serve", kFeedbackLoop, "--driver", ""},
@@ -257,6 +336,8 @@ TEST_P(HostileCommandLine, IsRefusedOrHandledAsDocumented) {
     for (std::string& argument : arguments) {
         if (argument == "$CONFIG") {
             argument = writeConfig("config.json", hostile.config);
+        } else if (argument == "$OUTPUT") {
+            argument = axlsimtest::temporaryPath("output");
         }
     }
     const auto run = runProgram(arguments, hostile.redirect);

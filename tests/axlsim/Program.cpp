@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -95,8 +96,10 @@ ProgramRun runProgram(const std::vector<std::string>& arguments, const Redirect&
     }
 
     int status = 0;
-    waitpid(pid, &status, 0);
+    rusage usage{};
+    wait4(pid, &status, 0, &usage);
     ProgramRun run;
+    run.peakKilobytes = usage.ru_maxrss;
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     run.err = slurp(errPath);
     if (redirect.out.empty()) {

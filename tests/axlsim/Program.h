@@ -11,6 +11,7 @@ struct ProgramRun {
     int status = -1;
     std::string out;
     std::string err;
+    long peakKilobytes = 0;  // the most memory the program held (its peak resident set)
 };
 
 // Where the program's standard input and output come from and go to; empty: no input, and the

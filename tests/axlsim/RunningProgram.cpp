@@ -4,10 +4,13 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
+#include <cstdint>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -98,6 +101,12 @@ void RunningProgram::signal(int number) const {
     kill(pid_, number);
 }
 
+void RunningProgram::closeOutput() {
+    close(pipe_);
+    pipe_ = -1;
+    ended_ = true;
+}
+
 int RunningProgram::finish(std::chrono::milliseconds limit) {
     const auto deadline = Clock::now() + limit;
     while (!ended_) {
@@ -108,10 +117,30 @@ int RunningProgram::finish(std::chrono::milliseconds limit) {
         }
         readSome(left);
     }
+    // A program whose output is closed may still run: it is given what is left of `limit`.
+    if (!exitsWithin(
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()))) {
+        return -1;
+    }
     int status = 0;
     waitpid(pid_, &status, 0);
     pid_ = -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+bool RunningProgram::exitsWithin(std::chrono::milliseconds limit) const {
+#ifdef SYS_pidfd_open
+    const int process = static_cast<int>(syscall(SYS_pidfd_open, pid_, 0));
+    if (process >= 0) {
+        pollfd ended{process, POLLIN, 0};
+        const int ready = poll(&ended, 1, static_cast<int>(std::max<int64_t>(limit.count(), 0)));
+        close(process);
+        return ready == 1;
+    }
+#endif
+    // Without a descriptor for the process (an old kernel or emulator), wait as long as it takes.
+    (void)limit;
+    return true;
 }
 
 std::string RunningProgram::err() const {

@@ -23,6 +23,9 @@ public:
 
     void signal(int number) const;
 
+    // Closes the reading end of the pipe, as a pager that is quit does.
+    void closeOutput();
+
     // Reads the rest and waits for the end, at most `limit`; the exit status, or 128 + the
     // signal that ended it, or -1 when the time was up (the program is then killed).
     int finish(std::chrono::milliseconds limit);
@@ -31,6 +34,8 @@ public:
     std::string err() const;
 
 private:
+    // Whether the program ends within `limit`.
+    bool exitsWithin(std::chrono::milliseconds limit) const;
     // Reads what is there within `limit`; false at the end of the output.
     bool readSome(std::chrono::milliseconds limit);
 

@@ -3,13 +3,13 @@
 
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
+#include <filesystem>
 #include <iostream>
 #include <memory>
+#include <system_error>
+#include <variant>
 
 #include "axlsim/check/CheckReport.h"
 #include "axlsim/check/ConfigCheck.h"
@@ -18,8 +18,12 @@
 #include "axlsim/configuration/ConfigReader.h"
 #include "axlsim/configuration/DemoConfig.h"
 #include "axlsim/render/JsonRenderer.h"
+#include "axlsim/render/OutputFile.h"
+#include "axlsim/render/OutputSink.h"
 #include "axlsim/render/ProgressBar.h"
+#include "axlsim/render/StandardOutput.h"
 #include "axlsim/render/TextRenderer.h"
+#include "axlsim/render/ValueText.h"
 #include "axlsim/render/VcdWriter.h"
 #include "axlsim/run/DriverLibrary.h"
 #include "axlsim/run/InterruptSignals.h"
@@ -79,42 +83,86 @@ std::unique_ptr<DriverLibrary> loadDriver(const std::string& path) {
     }
 }
 
-// Standard output, once everything is written to it: an error when it could not take it all.
-bool standardOutputWritten() {
-    std::cout.flush();
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && std::cout.good()) {
-        return true;
+std::unique_ptr<OutputFile> openOutput(const std::string& path) {
+    auto file = OutputFile::open(path);
+    if (const int* error = std::get_if<int>(&file)) {
+        std::cerr << "axlsim: cannot write " << path << ": " << std::strerror(*error) << '\n';
+        return nullptr;
     }
-    std::cerr << "axlsim: cannot write the standard output: " << std::strerror(errno) << '\n';
-    return false;
+    return std::move(std::get<std::unique_ptr<OutputFile>>(file));
 }
 
-// A file, once everything is written to it: an error when it could not take it all.
-bool fileWritten(std::ostream& file, const std::string& path) {
-    file.flush();
-    if (file) {
+// Whether two paths name one file: the same file on disk, or the same place for one not yet
+// made.
+bool sameFile(const std::string& a, const std::string& b) {
+    std::error_code error;
+    if (std::filesystem::equivalent(a, b, error) && !error) {
         return true;
     }
-    std::cerr << "axlsim: cannot write " << path << ": " << std::strerror(errno) << '\n';
-    return false;
+    std::error_code errorA;
+    std::error_code errorB;
+    const auto placeA = std::filesystem::weakly_canonical(a, errorA);
+    const auto placeB = std::filesystem::weakly_canonical(b, errorB);
+    return !errorA && !errorB && placeA == placeB;
 }
 
-int play(const Config& config, const Commands::RunRequest& request) {
+// The output files of a run, each its own and none the configuration or standard output; said
+// on standard error when they are not.
+bool outputsAccepted(const Commands::RunRequest& request) {
+    const std::vector<std::pair<std::string, std::string>> outputs = {{"--vcd", request.vcd},
+                                                                      {"--html", request.html}};
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        const auto& [option, path] = outputs[i];
+        if (path.empty()) {
+            continue;
+        }
+        if (path == "-") {
+            std::cerr << "axlsim: " << option
+                      << " -: the standard output carries the timeline, so this output needs a "
+                         "file; ./- names a file called \"-\"\n";
+            return false;
+        }
+        if (request.config != "-" && sameFile(path, request.config)) {
+            std::cerr << "axlsim: " << option << " " << path
+                      << " is the configuration, which the output would overwrite; give the "
+                         "output a file of its own\n";
+            return false;
+        }
+        for (std::size_t j = 0; j < i; ++j) {
+            const auto& [earlier, earlierPath] = outputs[j];
+            if (!earlierPath.empty() && sameFile(path, earlierPath)) {
+                std::cerr << "axlsim: " << earlier << " " << earlierPath << " and " << option << " "
+                          << path
+                          << " name the same file, which would keep only one of them; give each "
+                             "output a file of its own\n";
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+int play(const Config& config, const Commands::RunRequest& request, StandardOutput& out) {
     const auto library = loadDriver(request.driver);
     if (library == nullptr) {
         return kCannotRun;
     }
 
-    // Opened before the run, so that a path that cannot be written is told at once.
-    std::ofstream vcd;
-    if (!request.vcd.empty()) {
-        vcd.open(request.vcd, std::ios::binary | std::ios::trunc);
-        if (!vcd) {
-            std::cerr << "axlsim: cannot write " << request.vcd << ": " << std::strerror(errno)
-                      << '\n';
-            return kCannotRun;
-        }
+    // Checked and opened before the run, so that an output that cannot be written is told at
+    // once.
+    if (!outputsAccepted(request)) {
+        return kCannotRun;
     }
+    std::unique_ptr<OutputFile> vcdFile;
+    if (!request.vcd.empty() && (vcdFile = openOutput(request.vcd)) == nullptr) {
+        return kCannotRun;
+    }
+    std::unique_ptr<OutputFile> htmlFile;
+#if AXLSIM_SERVE
+    if (!request.html.empty() && (htmlFile = openOutput(request.html)) == nullptr) {
+        return kCannotRun;
+    }
+#endif
 
     std::unique_ptr<TimelineRenderer> renderer;
     if (request.json) {
@@ -124,47 +172,91 @@ int play(const Config& config, const Commands::RunRequest& request) {
         text->header(request.realTime);
         renderer = std::move(text);
     }
+    std::optional<VcdWriter> vcd;
+    if (vcdFile != nullptr) {
+        vcd.emplace(vcdFile->stream(), config);
+    }
+    const std::chrono::nanoseconds plannedEnd = request.until.value_or(config.end);
+#if AXLSIM_SERVE
+    std::optional<HtmlReport> report;
+    if (htmlFile != nullptr) {
+        report.emplace(config, plannedEnd);
+    }
+#endif
 
     const InterruptSignals signals;
     ScenarioPlayer::Options options;
     options.realTime = request.realTime;
     options.until = request.until;
-    options.live = [&renderer](const Happening& happening) { renderer->happening(happening); };
-    options.stopRequested = [] { return InterruptSignals::received() != 0; };
+    // The timeline goes to every output as it settles; none keeps it whole.
+    options.keepTimeline = false;
+    if (request.realTime) {
+        options.live = [&renderer](const Happening& happening) { renderer->happening(happening); };
+    }
+    if (!request.realTime || vcd || htmlFile != nullptr) {
+        options.settled = [&](const Happening& happening) {
+            if (!request.realTime) {
+                renderer->happening(happening);
+            }
+            if (vcd) {
+                vcd->change(happening);
+            }
+#if AXLSIM_SERVE
+            if (report) {
+                report->happening(happening);
+            }
+#endif
+        };
+    }
+    // A standard output that cannot be written stops the run like a signal does.
+    options.stopRequested = [&out] {
+        out.sink().flushIfDue();
+        return InterruptSignals::received() != 0 || out.sink().failed();
+    };
     std::optional<ProgressBar> bar;
-    if (!request.realTime && isatty(STDERR_FILENO) != 0 &&
-        options.until.value_or(config.end) >= kLongRun) {
+    if (!request.realTime && isatty(STDERR_FILENO) != 0 && plannedEnd >= kLongRun) {
         bar.emplace(std::cerr);
         options.progress = [&bar](auto now, auto end) { bar->update(now, end); };
     }
 
     const RunResult result = ScenarioPlayer::run(config, *library, options);
     bar.reset();
-    renderer->finish(result);
-    if (result.interrupted) {
-        renderer->interrupted(result.end, InterruptSignals::name(InterruptSignals::received()));
-    } else if (request.json && config.expectStop && !result.wentAsExpected) {
-        std::cerr << "axlsim: expected a stop (\"expect_stop\": true), but no driver stopped and "
-                     "no exception left one\n";
+    const bool outputLost = out.sink().failed();
+    std::string interruption;
+    if (outputLost) {
+        interruption = "a failed write to the standard output (" +
+                       std::string(std::strerror(out.sink().error())) + ")";
+    } else if (result.interrupted) {
+        interruption = InterruptSignals::name(InterruptSignals::received());
+    }
+    if (!outputLost) {
+        renderer->finish(result);
+        if (result.interrupted) {
+            renderer->interrupted(result.end, interruption);
+        } else if (request.json && config.expectStop && !result.wentAsExpected) {
+            std::cerr << "axlsim: expected a stop (\"expect_stop\": true), but no driver stopped "
+                         "and no exception left one\n";
+        }
     }
 
     int status = result.interrupted ? kInterrupted : result.exitStatus();
-    if (!request.vcd.empty()) {
-        VcdWriter::write(vcd, config, result);
-        if (!fileWritten(vcd, request.vcd)) {
+    if (vcd) {
+        vcd->finish(result.end);
+        if (!vcdFile->written()) {
             status = kCannotRun;
         }
     }
 #if AXLSIM_SERVE
-    if (!request.html.empty()) {
-        std::ofstream html(request.html);
-        HtmlReport::write(html, config, result);
-        if (!fileWritten(html, request.html)) {
+    if (report) {
+        report->write(htmlFile->stream(), result, interruption);
+        if (!htmlFile->written()) {
             status = kCannotRun;
         }
     }
 #endif
-    if (!standardOutputWritten()) {
+    if (!out.written(outputLost && result.interrupted
+                         ? "; the run stopped at " + millisecondsText(result.end) + " ms"
+                         : "")) {
         status = kCannotRun;
     }
     return status;
@@ -183,7 +275,8 @@ int Commands::run(const RunRequest& request) {
         std::cerr << "axlsim: " << problems << (problems == 1 ? " problem" : " problems")
                   << " that axlsim check explains; running anyway\n";
     }
-    return play(*config, request);
+    StandardOutput out;
+    return play(*config, request, out);
 }
 
 #if AXLSIM_SERVE
@@ -200,15 +293,22 @@ int Commands::serve(const ServeCommand::Request& request) {
 }
 #endif
 
+int Commands::printed(const std::function<int()>& print) {
+    StandardOutput out;
+    const int status = print();
+    return out.written() ? status : kCannotRun;
+}
+
 int Commands::check(const std::string& file) {
     const auto config = readConfig(file);
     if (!config) {
         return kCannotRun;
     }
+    StandardOutput out;
     const auto findings = ConfigCheck::check(*config);
     const auto loop = LoopCheck::check(*config);
     CheckReport::write(std::cout, *config, findings, loop);
-    if (!standardOutputWritten()) {
+    if (!out.written()) {
         return kCannotRun;
     }
     return findings.empty() && loop.empty() ? 0 : 1;
@@ -217,6 +317,7 @@ int Commands::check(const std::string& file) {
 int Commands::demo(const std::string& driver) {
     const Config config =
         ConfigReader::readText(std::string(demoConfigText()), std::string(demoConfigName()));
+    StandardOutput out;
     std::cout
         << "axlsim demo\n\n"
            "axlsim plays the host runtime: it loads the real driver library, hands it a\n"
@@ -229,7 +330,7 @@ int Commands::demo(const std::string& driver) {
            "changed, and write its outputs to the bus for each event the host sends it.\n\n";
     Commands::RunRequest request;
     request.driver = driver;
-    const int status = play(config, request);
+    const int status = play(config, request, out);
     std::cout
         << "\nTry your own configuration:\n"
            "  axlsim check CONFIG.json         what the driver will refuse, and why\n"
@@ -241,7 +342,7 @@ int Commands::demo(const std::string& driver) {
            "  axlsim serve CONFIG.json         run it live in a browser, with a JSON API\n"
 #endif
            "The examples are in examples/*.json.\n";
-    return standardOutputWritten() ? status : kCannotRun;
+    return out.written() ? status : kCannotRun;
 }
 
 }  // namespace axlsim

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -26,13 +27,18 @@ public:
 
     // 0: the run went as the configuration expects; 1: a driver stopped or threw when that was
     // not expected (or did not when it was); 2: the run could not be made, or its output could
-    // not be written; 130: SIGINT or SIGTERM stopped it.
+    // not be written (a standard output that fails stops the run); 130: SIGINT or SIGTERM
+    // stopped it.
     static int run(const RunRequest& request);
 
     // 0: no problems; 1: problems; 2: the configuration cannot be read.
     static int check(const std::string& config);
 
     static int demo(const std::string& driver);
+
+    // Runs `print`, which writes to std::cout (the help, the version): its status, or 2 when what
+    // it wrote could not be written.
+    static int printed(const std::function<int()>& print);
 
 #if AXLSIM_SERVE
     // 0 once stopped cleanly; 2 when the configuration cannot be run or the server started.

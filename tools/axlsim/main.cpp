@@ -190,7 +190,7 @@ int main(int argc, char** argv) {
                 return 2;
             }
         }
-        return app.exit(error) == 0 ? 0 : 2;
+        return axlsim::Commands::printed([&] { return app.exit(error) == 0 ? 0 : 2; });
     }
 
     if (*runCommand) {

@@ -77,7 +77,9 @@ struct Scope {
     std::vector<Variable> variables;
 };
 
-class Dump {
+}  // namespace
+
+class VcdWriter::Dump {
 public:
     Dump(std::ostream& out, const Config& config)
         : out_(out), config_(config), catalog_(config.drivers) {
@@ -85,7 +87,7 @@ public:
         declareEvents();
     }
 
-    void write(const RunResult& result) {
+    void header() {
         out_ << "$comment axlsim: " << headerText(config_.file) << " $end\n";
         out_ << "$version axlsim $end\n";
         out_ << "$timescale 1us $end\n";
@@ -115,10 +117,54 @@ public:
             }
         }
         out_ << "$end\n";
-        for (const Happening& happening : result.timeline) {
-            change(happening);
+    }
+
+    void change(const Happening& happening) {
+        std::visit(Overloaded{
+                       [&](const Happening::Input& input) {
+                           stamp(happening.t);
+                           const bool digital =
+                               config_.bus[static_cast<std::size_t>(input.position - 1)] ==
+                               vplc::Module::DI8_DO8;
+                           if (digital) {
+                               set(key(input.position, "in" + std::to_string(input.pin)),
+                                   input.value != 0 ? "1" : "0");
+                           } else {
+                               set(key(input.position, "ai" + std::to_string(input.pin)),
+                                   "b" + binary(input.value, kWordBits));
+                           }
+                       },
+                       [&](const Happening::PlantMove& move) {
+                           stamp(happening.t);
+                           const std::string pin = std::to_string(move.to.index);
+                           if (move.to.digital()) {
+                               set(key(move.to.position, "in" + pin), move.value != 0 ? "1" : "0");
+                           } else {
+                               set(key(move.to.position, "ai" + pin),
+                                   "b" + binary(move.value, kWordBits));
+                           }
+                       },
+                       [&](const Happening::BusWrite& write) {
+                           stamp(happening.t);
+                           for (std::size_t i = 0; i < write.outputs.size(); ++i) {
+                               setOutputs(static_cast<int>(i + 1), write.outputs[i]);
+                           }
+                       },
+                       [&](const Happening::Publish& publication) {
+                           stamp(happening.t);
+                           publish(happening.driver, publication);
+                       },
+                       [](const auto&) {},
+                   },
+                   happening.what);
+    }
+
+    void stamp(std::chrono::nanoseconds t) {
+        const int64_t us = std::chrono::duration_cast<std::chrono::microseconds>(t).count();
+        if (us != now_) {
+            out_ << '#' << us << '\n';
+            now_ = us;
         }
-        stamp(result.end);
     }
 
 private:
@@ -188,14 +234,6 @@ private:
         }
     }
 
-    void stamp(std::chrono::nanoseconds t) {
-        const int64_t us = std::chrono::duration_cast<std::chrono::microseconds>(t).count();
-        if (us != now_) {
-            out_ << '#' << us << '\n';
-            now_ = us;
-        }
-    }
-
     // Writes a value if it differs from the variable's last one.
     void set(const std::string& key, const std::string& value) {
         const auto code = codes_.find(key);
@@ -256,46 +294,6 @@ private:
         }
     }
 
-    void change(const Happening& happening) {
-        std::visit(Overloaded{
-                       [&](const Happening::Input& input) {
-                           stamp(happening.t);
-                           const bool digital =
-                               config_.bus[static_cast<std::size_t>(input.position - 1)] ==
-                               vplc::Module::DI8_DO8;
-                           if (digital) {
-                               set(key(input.position, "in" + std::to_string(input.pin)),
-                                   input.value != 0 ? "1" : "0");
-                           } else {
-                               set(key(input.position, "ai" + std::to_string(input.pin)),
-                                   "b" + binary(input.value, kWordBits));
-                           }
-                       },
-                       [&](const Happening::PlantMove& move) {
-                           stamp(happening.t);
-                           const std::string pin = std::to_string(move.to.index);
-                           if (move.to.digital()) {
-                               set(key(move.to.position, "in" + pin), move.value != 0 ? "1" : "0");
-                           } else {
-                               set(key(move.to.position, "ai" + pin),
-                                   "b" + binary(move.value, kWordBits));
-                           }
-                       },
-                       [&](const Happening::BusWrite& write) {
-                           stamp(happening.t);
-                           for (std::size_t i = 0; i < write.outputs.size(); ++i) {
-                               setOutputs(static_cast<int>(i + 1), write.outputs[i]);
-                           }
-                       },
-                       [&](const Happening::Publish& publication) {
-                           stamp(happening.t);
-                           publish(happening.driver, publication);
-                       },
-                       [](const auto&) {},
-                   },
-                   happening.what);
-    }
-
     std::ostream& out_;
     const Config& config_;
     EventCatalog catalog_;
@@ -307,10 +305,27 @@ private:
     int64_t now_ = 0;
 };
 
-}  // namespace
+VcdWriter::VcdWriter(std::ostream& out, const Config& config)
+    : dump_(std::make_unique<Dump>(out, config)) {
+    dump_->header();
+}
+
+VcdWriter::~VcdWriter() = default;
+
+void VcdWriter::change(const Happening& happening) {
+    dump_->change(happening);
+}
+
+void VcdWriter::finish(std::chrono::nanoseconds end) {
+    dump_->stamp(end);
+}
 
 void VcdWriter::write(std::ostream& out, const Config& config, const RunResult& result) {
-    Dump(out, config).write(result);
+    VcdWriter writer(out, config);
+    for (const Happening& happening : result.timeline) {
+        writer.change(happening);
+    }
+    writer.finish(result.end);
 }
 
 }  // namespace axlsim

@@ -9,7 +9,7 @@
 
 namespace axlsim {
 
-// What a run showed: the timeline and the state at its end.
+// What a run showed: the state at its end, and its timeline when the run was asked to keep it.
 struct RunResult {
     struct DriverState {
         bool created = false;
@@ -18,7 +18,7 @@ struct RunResult {
         int publishes = 0;
     };
 
-    std::vector<Happening> timeline;
+    std::vector<Happening> timeline;  // empty unless ScenarioPlayer::Options::keepTimeline
     std::vector<DriverState> drivers;
     std::vector<std::vector<uint8_t>> busOutputs;  // by position from 1
     std::vector<std::vector<uint8_t>> gdsOutputs;

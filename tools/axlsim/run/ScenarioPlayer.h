@@ -24,6 +24,12 @@ public:
         // Each happening as the run goes: on the wall clock as it happens, on the virtual clock
         // as soon as its place in the timeline is certain (in timeline order).
         Timeline::Listener live;
+        // Each happening once its place in the timeline and whether its line is shown are
+        // certain, in timeline order, on either clock: for what is written as the run goes.
+        Timeline::Listener settled;
+        // RunResult::timeline holds the whole timeline; a run that streams it can do without,
+        // and then keeps only what is not yet settled, however long it runs.
+        bool keepTimeline = true;
         // Asked now and then; true stops the run at the present time, as if it ended there.
         std::function<bool()> stopRequested;
     };

@@ -56,6 +56,7 @@ ScenarioRun::ScenarioRun(const Config& config, const DriverLibrary& library,
       clock_(clockFor(options)),
       plant_(plantOf(config)),
       timeline_([this] { return clock_->now(); }),
+      tally_(config.drivers.size()),
       observer_(timeline_),
       bus_(plant_, timeline_),
       restarts_(std::make_unique<RestartHook>(timeline_, observer_)),
@@ -64,8 +65,14 @@ ScenarioRun::ScenarioRun(const Config& config, const DriverLibrary& library,
     if (!routes_.empty()) {
         timeline_.newPublications();
     }
-    if (options.realTime && options.live) {
-        timeline_.setListener(options.live);
+    timeline_.setListener([this](const Happening& happening) {
+        tally_.count(happening);
+        if (options_.realTime && options_.live) {
+            options_.live(happening);
+        }
+    });
+    if (!options.keepTimeline) {
+        timeline_.forgetSettled();
     }
     for (std::size_t i = 0; i < config.drivers.size(); ++i) {
         drivers_.push_back(std::make_unique<HostedDriver>(static_cast<int>(i), config.drivers[i],
@@ -114,7 +121,7 @@ RunResult ScenarioRun::finish() {
     PlantModels::markShownMoves(config_, result.timeline, true);
     result.busOutputs = bus_.busOutputs();
     result.gdsOutputs = bus_.gdsOutputs();
-    summarise(result);
+    tally_.summarise(result, config_.expectStop);
     return result;
 }
 
@@ -177,10 +184,12 @@ void ScenarioRun::advanceClockTo(std::chrono::nanoseconds t) {
     }
 }
 
-// On the wall clock the listener has seen each happening as it came. An analog move of the
-// plant waits until what follows it on its channel says whether it is shown.
+// On the wall clock the live listener has seen each happening as it came. An analog move of the
+// plant waits until what follows it on its channel says whether it is shown, and what comes after
+// it waits with it.
 void ScenarioRun::showSettled(bool all) {
-    if (options_.realTime || !options_.live) {
+    const bool liveHere = !options_.realTime && options_.live;
+    if (!liveHere && !options_.settled) {
         timeline_.settleUnseen(all);
         return;
     }
@@ -189,7 +198,12 @@ void ScenarioRun::showSettled(bool all) {
                     std::make_move_iterator(happenings.end()));
     const std::size_t ready = PlantModels::markShownMoves(config_, unshown_, all);
     for (std::size_t i = 0; i < ready; ++i) {
-        options_.live(unshown_[i]);
+        if (liveHere) {
+            options_.live(unshown_[i]);
+        }
+        if (options_.settled) {
+            options_.settled(unshown_[i]);
+        }
     }
     unshown_.erase(unshown_.begin(), unshown_.begin() + static_cast<std::ptrdiff_t>(ready));
 }
@@ -276,29 +290,6 @@ void ScenarioRun::perform(const Config::Step& step) {
         vplc::Runtime::waitUntilDelivered();
     }
     timeline_.nextSegment();
-}
-
-void ScenarioRun::summarise(RunResult& result) const {
-    bool failed = false;
-    for (const Happening& happening : result.timeline) {
-        if (std::holds_alternative<Happening::Restart>(happening.what)) {
-            ++result.restarts;
-        }
-        if (happening.driver < 0) {
-            continue;
-        }
-        RunResult::DriverState& driver = result.drivers[static_cast<std::size_t>(happening.driver)];
-        if (std::holds_alternative<Happening::Publish>(happening.what)) {
-            ++driver.publishes;
-        }
-        if (std::holds_alternative<Happening::Stop>(happening.what)) {
-            driver.stopped = failed = true;
-        }
-        if (std::holds_alternative<Happening::Exception>(happening.what)) {
-            driver.threw = failed = true;
-        }
-    }
-    result.wentAsExpected = failed == config_.expectStop;
 }
 
 }  // namespace axlsim

@@ -15,6 +15,7 @@
 #include "axlsim/run/PlantModels.h"
 #include "axlsim/run/RunClock.h"
 #include "axlsim/run/RunResult.h"
+#include "axlsim/run/RunTally.h"
 #include "axlsim/run/ScenarioPlayer.h"
 #include "axlsim/run/Timeline.h"
 #include "axlsim/run/TimelineObserver.h"
@@ -47,8 +48,8 @@ public:
     // Does one step now, as if the scenario had it at this time; what it causes comes after it.
     void perform(const Config::Step& step);
 
-    // Hands the options' live listener what the timeline has settled so far (virtual clock); with
-    // `all`, everything.
+    // Hands the options' settled listener, and on the virtual clock the live one, what the
+    // timeline has settled so far; with `all`, everything.
     void showSettled(bool all = false);
 
     // Deletes the drivers cleanly and tells what the run showed.
@@ -71,7 +72,6 @@ private:
     void routePublications();
     void outputsCopied();
     void sendEvent(const Config::Event& event);
-    void summarise(RunResult& result) const;
 
     const Config& config_;
     const ScenarioPlayer::Options& options_;
@@ -79,6 +79,7 @@ private:
     std::unique_ptr<RunClock> clock_;
     vplc::Plant plant_;
     Timeline timeline_;
+    RunTally tally_;  // under the timeline's lock
     TimelineObserver observer_;
     BusWatch bus_;
     std::unique_ptr<RestartHook> restarts_;

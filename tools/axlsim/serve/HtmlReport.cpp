@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "axlsim/serve/HtmlReport.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
+#include <string_view>
 
-#include "axlsim/render/JsonRenderer.h"
+#include "axlsim/Overloaded.h"
 #include "axlsim/render/ValueText.h"
 #include "axlsim/serve/Assets.h"
 
@@ -74,27 +75,143 @@ Json summary(const Config& config, const RunResult& result) {
     return data;
 }
 
+// The signal of the chart that a happening moves, or empty for one the chart does not draw.
+std::string signalOf(const Happening& happening) {
+    const std::string driver = std::to_string(happening.driver) + ":";
+    return std::visit(Overloaded{
+                          // A step and the plant move the same input.
+                          [](const Happening::Input& input) {
+                              return "in " + std::to_string(input.position) + "." +
+                                     std::to_string(input.pin);
+                          },
+                          [](const Happening::PlantMove& move) {
+                              return "in " + std::to_string(move.to.position) + "." +
+                                     std::to_string(move.to.index);
+                          },
+                          [](const Happening::BusWrite&) { return std::string("outputs"); },
+                          [&](const Happening::Publish& publish) {
+                              return driver + "published " + std::to_string(publish.id);
+                          },
+                          [&](const Happening::Event& event) {
+                              return driver + "received " + std::to_string(event.id);
+                          },
+                          [](const Happening::Stop&) { return std::string("stop"); },
+                          [](const Happening::Restart&) { return std::string("restart"); },
+                          [](const Happening::Exception&) { return std::string("exception"); },
+                          [](const auto&) { return std::string(); },
+                      },
+                      happening.what);
+}
+
+std::string dumped(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
 }  // namespace
 
-void HtmlReport::write(std::ostream& out, const Config& config, const RunResult& result) {
-    std::ostream nowhere(nullptr);
-    const JsonRenderer renderer(nowhere, config);
-    Json data = summary(config, result);
-    Json timeline = Json::array();
-    std::size_t seq = 0;
-    for (const Happening& happening : result.timeline) {
-        if (auto line = renderer.line(happening)) {
-            (*line)["seq"] = ++seq;
-            timeline.push_back(std::move(*line));
-        }
+HtmlReport::HtmlReport(const Config& config, std::chrono::nanoseconds plannedEnd)
+    : config_(config),
+      renderer_(nowhere_, config),
+      partLength_(std::max(plannedEnd / kParts, std::chrono::nanoseconds(1))) {}
+
+void HtmlReport::happening(const Happening& happening) {
+    auto line = renderer_.line(happening);
+    if (!line) {
+        return;
     }
-    data["timeline"] = std::move(timeline);
+    (*line)["seq"] = ++lines_;
+    std::string text = dumped(*line);
+    if (std::string signal = signalOf(happening); !signal.empty()) {
+        ++changes_;
+        keepChange(Change{text, std::move(signal), happening.t / partLength_});
+    }
+    if (first_.size() < kFirstLines) {
+        first_.push_back(std::move(text));
+        return;
+    }
+    last_.push_back(std::move(text));
+    if (last_.size() > kLastLines) {
+        last_.pop_front();
+    }
+}
+
+// Of each signal, the first and the last change in each part: a waveform drawn over the whole run
+// looks the same, and the table has every line near the start and the end.
+void HtmlReport::keepChange(Change change) {
+    if (!thinned_) {
+        kept_.push_back(std::move(change));
+        if (kept_.size() <= kWholeChanges) {
+            return;
+        }
+        thinned_ = true;
+        std::vector<Change> all = std::move(kept_);
+        kept_.clear();
+        for (Change& each : all) {
+            keepChange(std::move(each));
+        }
+        return;
+    }
+    const auto found = bySignal_.find(change.signal);
+    if (found == bySignal_.end() || found->second.part != change.part) {
+        bySignal_[change.signal] = Kept{change.part, kept_.size(), std::nullopt};
+        kept_.push_back(std::move(change));
+    } else if (!found->second.last) {
+        found->second.last = kept_.size();
+        kept_.push_back(std::move(change));
+    } else {
+        kept_[*found->second.last] = std::move(change);
+    }
+}
+
+void HtmlReport::write(std::ostream& out, const RunResult& result,
+                       const std::string& interruption) const {
+    Json data = summary(config_, result);
+    data["timeline"] = Json::array();
+    std::string json = dumped(data);
+    // Put together from the lines as they are kept: the same text as the whole object dumped.
+    json.erase(json.size() - std::string_view("[]}").size());
+    json += '[';
+    bool more = false;
+    for (const std::string& line : first_) {
+        json += more ? "," : "";
+        json += line;
+        more = true;
+    }
+    for (const std::string& line : last_) {
+        json += more ? "," : "";
+        json += line;
+        more = true;
+    }
+    json += ']';
+    const bool tableWhole = lines_ == first_.size() + last_.size();
+    if (!tableWhole || thinned_) {
+        json += ",\"waves\":[";
+        for (std::size_t i = 0; i < kept_.size(); ++i) {
+            json += i > 0 ? "," : "";
+            json += kept_[i].line;
+        }
+        json += ']';
+        Json bounds;
+        bounds["lines"] = lines_;
+        bounds["first_lines"] = first_.size();
+        bounds["last_lines"] = last_.size();
+        bounds["changes"] = changes_;
+        bounds["shown_changes"] = kept_.size();
+        bounds["part_ms"] = thinned_ ? Json::parse(millisecondsText(partLength_)) : Json(nullptr);
+        json += ",\"bounds\":" + dumped(bounds);
+    }
+    if (!interruption.empty()) {
+        Json interrupted;
+        interrupted["by"] = interruption;
+        interrupted["t_ms"] = Json::parse(millisecondsText(result.end));
+        json += ",\"interrupted\":" + dumped(interrupted);
+    }
+    json += '}';
 
     std::string page = Assets::reportPage();
-    const std::string json = forScript(data.dump(-1, ' ', false, Json::error_handler_t::replace));
     const auto mark = page.find(kDataMark);
     if (mark != std::string::npos) {
-        page.replace(mark, kDataMark.size(), json);
+        page.replace(mark, kDataMark.size(), forScript(json));
     }
     out << page;
 }

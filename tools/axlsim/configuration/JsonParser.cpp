@@ -113,76 +113,36 @@ private:
     ReadPosition* position_ = nullptr;
 };
 
-// Where the parser is: the objects and arrays it is inside, with the keys each object has had.
-class Nesting {
+// Builds the document from the parser's events, knowing where the parser is: the objects and
+// lists it is inside, with the keys each object has had. nlohmann's own builder with a callback
+// looks through the whole of a list after each object in it, which makes a long list of objects
+// take quadratic time; this one does nothing per value that depends on the size of the text.
+class Builder {
 public:
-    Nesting(const std::string& file, const ReadPosition& position)
+    Builder(const std::string& file, const ReadPosition& position)
         : file_(file), position_(position) {}
 
-    bool operator()(int depth, Json::parse_event_t event, Json& parsed) {
-        switch (event) {
-            case Json::parse_event_t::object_start:
-            case Json::parse_event_t::array_start:
-                start(depth, event == Json::parse_event_t::array_start);
-                break;
-            case Json::parse_event_t::key:
-                key(parsed.get_ref<const std::string&>());
-                break;
-            case Json::parse_event_t::object_end:
-            case Json::parse_event_t::array_end:
-                levels_.pop_back();
-                valueDone();
-                break;
-            case Json::parse_event_t::value:
-                valueDone();
-                break;
-        }
-        lastEvent_ = position_.furthest();
-        return true;
-    }
+    Json take() { return std::move(root_); }
 
     // Where the last object, list, key or value ended: anything after it and before the parser's
     // error is blanks, commas, colons, brackets and comments.
     const char* lastEvent() const { return lastEvent_; }
 
-private:
-    struct Level {
-        bool array;
-        std::size_t index;
-        std::string pointer;
-        std::unordered_map<std::string, std::size_t> lines;  // key -> the line it was given on
-        std::string key;                                     // the key whose value is being read
-    };
-
-    // `depth` counts the objects and lists around the one that starts, whose bracket is the last
-    // character read.
-    void start(int depth, bool array) {
-        if (depth >= kDeepestNesting) {
-            throw ConfigError(file_, "",
-                              "the objects and lists are nested deeper than " +
-                                  std::to_string(kDeepestNesting) + " levels at " +
-                                  placeText(position_.placeOf(position_.furthest() - 1)) +
-                                  "; axlsim reads at most " + std::to_string(kDeepestNesting));
-        }
-        levels_.push_back(Level{array, 0, childPointer(), {}, {}});
+    bool null() { return value(Json()); }
+    bool boolean(bool value) { return this->value(Json(value)); }
+    bool number_integer(Json::number_integer_t value) { return this->value(Json(value)); }
+    bool number_unsigned(Json::number_unsigned_t value) { return this->value(Json(value)); }
+    bool number_float(Json::number_float_t value, const std::string& /*unused*/) {
+        return this->value(Json(value));
     }
-
-    std::string childPointer() const {
-        if (levels_.empty()) {
-            return "";
-        }
-        const Level& level = levels_.back();
-        return level.array ? JsonParser::element(level.pointer, level.index)
-                           : JsonParser::member(level.pointer, level.key);
-    }
-
-    void valueDone() {
-        if (!levels_.empty() && levels_.back().array) {
-            ++levels_.back().index;
-        }
-    }
-
-    void key(const std::string& key) {
+    bool string(std::string& value) { return this->value(Json(std::move(value))); }
+    bool binary(Json::binary_t& value) { return this->value(Json::binary(std::move(value))); }
+    bool start_object(std::size_t /*unused*/) { return start(Json::object()); }
+    bool start_array(std::size_t /*unused*/) { return start(Json::array()); }
+    bool end_object() { return end(); }
+    bool end_array() { return end(); }
+    bool key(std::string& key) {
+        lastEvent_ = position_.furthest();
         Level& level = levels_.back();
         // The last character read is the key's closing quote.
         const std::size_t line = position_.lineRead();
@@ -194,11 +154,81 @@ private:
                                   ", on line " + std::to_string(first->second) + " and on line " +
                                   std::to_string(line) + "; give each key once");
         }
-        level.key = key;
+        level.member = &(*level.node)[key];
+        level.key = std::move(key);
+        return true;
+    }
+    template <class Exception>
+    bool parse_error(std::size_t /*unused*/, const std::string& /*unused*/,
+                     const Exception& error) {
+        throw error;
+    }
+
+private:
+    struct Level {
+        Json* node;
+        std::size_t index;
+        std::string pointer;
+        std::unordered_map<std::string, std::size_t> lines;  // key -> the line it was given on
+        std::string key;                                     // the key whose value is being read
+        Json* member = nullptr;                              // and where its value goes
+    };
+
+    // Puts a value where the parser is; returns where it went.
+    Json* place(Json&& value) {
+        lastEvent_ = position_.furthest();
+        if (levels_.empty()) {
+            root_ = std::move(value);
+            return &root_;
+        }
+        Level& level = levels_.back();
+        if (level.node->is_array()) {
+            ++level.index;
+            level.node->push_back(std::move(value));
+            return &level.node->back();
+        }
+        *level.member = std::move(value);
+        return level.member;
+    }
+
+    bool value(Json&& value) {
+        place(std::move(value));
+        return true;
+    }
+
+    // The bracket that opens it is the last character read.
+    bool start(Json&& container) {
+        if (levels_.size() >= static_cast<std::size_t>(kDeepestNesting)) {
+            throw ConfigError(file_, "",
+                              "the objects and lists are nested deeper than " +
+                                  std::to_string(kDeepestNesting) + " levels at " +
+                                  placeText(position_.placeOf(position_.furthest() - 1)) +
+                                  "; axlsim reads at most " + std::to_string(kDeepestNesting));
+        }
+        std::string pointer = childPointer();
+        Json* node = place(std::move(container));
+        levels_.push_back(Level{node, 0, std::move(pointer), {}, {}, nullptr});
+        return true;
+    }
+
+    bool end() {
+        levels_.pop_back();
+        lastEvent_ = position_.furthest();
+        return true;
+    }
+
+    std::string childPointer() const {
+        if (levels_.empty()) {
+            return "";
+        }
+        const Level& level = levels_.back();
+        return level.node->is_array() ? JsonParser::element(level.pointer, level.index)
+                                      : JsonParser::member(level.pointer, level.key);
     }
 
     const std::string& file_;
     const ReadPosition& position_;
+    Json root_;
     std::vector<Level> levels_;
     const char* lastEvent_ = nullptr;
 };
@@ -359,15 +389,16 @@ std::string JsonParser::element(const std::string& path, std::size_t index) {
 
 Json JsonParser::parse(const std::string& text, const std::string& file) {
     ReadPosition position(text);
-    Nesting nesting(file, position);
+    Builder builder(file, position);
     try {
-        return Json::parse(TrackedIterator(text.data(), &position),
-                           TrackedIterator(text.data() + text.size(), nullptr), std::ref(nesting),
-                           true, true);
+        Json::sax_parse(TrackedIterator(text.data(), &position),
+                        TrackedIterator(text.data() + text.size(), nullptr), &builder,
+                        Json::input_format_t::json, true, true);
+        return builder.take();
     } catch (const Json::parse_error& error) {
         std::string reason = syntaxReason(error.what());
         if (reason.find("missing closing '*/'") != std::string::npos) {
-            if (const char* open = openComment(text, nesting.lastEvent()); open != nullptr) {
+            if (const char* open = openComment(text, builder.lastEvent()); open != nullptr) {
                 const auto lastRead = reason.find("; last read");
                 reason = placeText(position.placeOf(open)) +
                          ": the comment that opens here has no end: missing closing '*/'" +

@@ -33,9 +33,10 @@ def routes(megabytes):
     first = True
     i = 0
     while written < limit:
-        # Every route drives the lamp from the button; the delays differ so that no two lines
-        # are alike.
-        line = ('    { "route": { "from": 100, "to": 200, "map": "copy", "delay_ms": %d, '
+        # Every route restarts the driver when the button is published: routes to one output
+        # would each be a finding, routes to a restart are not. The delays differ so that no two
+        # lines are alike.
+        line = ('    { "route": { "from": 100, "to": 300, "map": "copy", "delay_ms": %d, '
                 '"on_change": false } }' % (i % 1000))
         out.write(("" if first else ",\n") + line)
         written += len(line) + 2

@@ -131,13 +131,68 @@ TEST(ConfigCheck, AServiceKeyTheDriverDoesNotReadIsFoundWithTheNearestKeyItReads
     EXPECT_EQ(finding->fix, "rename it to InitVal");
 }
 
-TEST(ConfigCheck, ADriverKeyNextToConsecutiveNumberIsFound) {
+TEST(ConfigCheck, ADriverKeyNextToConsecutiveNumberIsFoundWithoutAdviceToRenameItIntoASecond) {
     const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1",
         "params": { "Consecutive Number": "1", "Consecutive Nr": "2" } } })");
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(findings[0].problem,
-              "Consecutive Nr: not a key the driver reads; did you mean Consecutive Number?");
+              "Consecutive Nr: not a key the driver reads; Consecutive Number, which it reads, is "
+              "given already");
+    EXPECT_EQ(findings[0].fix, "remove it");
     EXPECT_EQ(findings[0].where, "create");
+}
+
+TEST(ConfigCheck, ADriverKeyNearConsecutiveNumberIsMeantAsItWhenItIsMissing) {
+    const auto findings = findingsOf(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1",
+        "params": { "Consecutive Nr": "1" } } })");
+    const auto* finding = findingAbout(findings, "Consecutive Nr");
+    ASSERT_NE(finding, nullptr);
+    EXPECT_EQ(finding->problem,
+              "Consecutive Nr: not a key the driver reads; did you mean Consecutive Number?");
+    EXPECT_EQ(finding->fix, "rename it to Consecutive Number");
+}
+
+TEST(ConfigCheck, CutsALongValueInItsFindings) {
+    const std::string value(100000, '7');
+    const auto config = configFrom(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1",
+        "params": { "Consecutive Number": "1x)" +
+                                   value + R"(", "x)" + value + R"(": "1" } },
+        "mappings": { "100": { "size": 1 } },
+        "services": { "1": { "eventId": 100, "name": ")" +
+                                   value + R"(", "type": ")" + value + R"(" } } })");
+    const auto findings = ConfigCheck::check(config);
+    const std::string cut = std::string(59, '7') + "...";
+    const auto* number = findingAbout(findings, "\"Consecutive Number\" is");
+    ASSERT_NE(number, nullptr);
+    EXPECT_EQ(number->problem, "\"Consecutive Number\" is \"1x" + std::string(58, '7') +
+                                   "...\" (100002 characters)");
+    const auto* key = findingAbout(findings, "not a key");
+    ASSERT_NE(key, nullptr);
+    EXPECT_EQ(key->problem, "x" + cut +
+                                " (100001 characters): not a key the driver reads (it "
+                                "reads Consecutive Number)");
+    std::ostringstream out;
+    axlsim::CheckReport::write(out, config, findings);
+    EXPECT_LT(out.str().size(), 2000U) << out.str();
+    const std::string quoted = "\"" + std::string(60, '7') + "...\" (100000 characters)";
+    EXPECT_THAT(out.str(), HasSubstr("service 1 (" + quoted + " " + quoted + ", event 100)"));
+}
+
+TEST(ConfigCheck, CutsALongValueWithoutSplittingACharacter) {
+    std::string value;
+    for (int i = 0; i < 100; ++i) {
+        value += "\u00e9";  // é, two bytes in UTF-8
+    }
+    const auto findings = findingsOf(R"({ "driver": { "deviceType": ")" + value + R"(" } })");
+    const auto* finding = findingAbout(findings, "deviceType");
+    ASSERT_NE(finding, nullptr);
+    std::string shown;
+    for (int i = 0; i < 60; ++i) {
+        shown += "\xc3\xa9";
+    }
+    EXPECT_EQ(finding->problem, "\"deviceType\" is \"" + shown +
+                                    "...\" (100 characters), which names no module the driver "
+                                    "knows");
 }
 
 TEST(ConfigCheck, AKeyFarFromEveryKeyTheDriverReadsIsFoundWithoutAGuess) {

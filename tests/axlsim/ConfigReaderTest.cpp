@@ -320,6 +320,103 @@ TEST(ConfigReader, ShowsOnlyTheStartOfAnUnterminatedComment) {
     EXPECT_THAT(error.reason(), HasSubstr("...'"));
 }
 
+TEST(ConfigReader, PlacesAnUnterminatedCommentWhereItOpens) {
+    const ConfigError error = errorOf(
+        "{\n  \"description\": \"a\", // a /* in a line comment\n"
+        "  \"expect_stop\": true /* done */ /* " +
+        std::string(5000, 'x') + "\n}");
+    EXPECT_EQ(error.place(), "");
+    EXPECT_THAT(error.reason(), testing::StartsWith("line 3, column 34: the comment that opens "
+                                                    "here has no end: missing closing '*/'; "
+                                                    "last read: '"));
+    EXPECT_LT(error.reason().size(), 200U) << error.reason();
+}
+
+TEST(ConfigReader, PlacesAnUnterminatedCommentAfterANumberWhereItOpens) {
+    const ConfigError error = errorOf("{ \"scenario\": [ { \"at_ms\": 1/* x");
+    EXPECT_THAT(error.reason(), testing::StartsWith("line 1, column 29: the comment"));
+}
+
+TEST(ConfigReader, PlacesAnUnterminatedCommentBeforeTheFirstValue) {
+    const ConfigError error = errorOf("// a\n\n   /* no end");
+    EXPECT_THAT(error.reason(), testing::StartsWith("line 3, column 4: the comment"));
+}
+
+TEST(ConfigReader, RefusesANumberBeyondADoubleNamingItsPlace) {
+    const ConfigError error = errorOf("{\n  \"scenario\": [ { \"at_ms\": 1e999 } ] }");
+    EXPECT_EQ(error.reason(),
+              "line 2, column 28: the number 1e999 is out of range; axlsim reads numbers from "
+              "-1.7976931348623157e308 to 1.7976931348623157e308");
+}
+
+TEST(ConfigReader, CutsANumberBeyondADoubleShort) {
+    const ConfigError error = errorOf("[-1" + std::string(5000, '0') + "]");
+    EXPECT_THAT(error.reason(),
+                testing::StartsWith("line 1, column 2: the number -1" + std::string(38, '0') +
+                                    "... (5002 characters) is out of range"));
+}
+
+TEST(ConfigReader, ReadsObjectsAndListsNested256Deep) {
+    const ConfigError error =
+        errorOf(std::string(255, '[') + "{ \"a\": 1 }" + std::string(255, ']'));
+    // Read, and refused only because the top level is no object.
+    EXPECT_EQ(error.reason(), "expected an object");
+}
+
+TEST(ConfigReader, RefusesObjectsAndListsNestedDeeperThan256NamingWhere) {
+    const ConfigError error =
+        errorOf("{ \"plant\":\n  " + std::string(256, '[') + std::string(256, ']') + " }");
+    EXPECT_EQ(error.reason(),
+              "the objects and lists are nested deeper than 256 levels at line 2, column 258; "
+              "axlsim reads at most 256");
+}
+
+TEST(ConfigReader, RefusesDeepNestingBeforeReadingItAll) {
+    // A hundred thousand levels: the refusal comes at the 257th, without reading the rest.
+    const ConfigError error = errorOf(std::string(100000, '['));
+    EXPECT_THAT(error.reason(), HasSubstr("nested deeper than 256 levels at line 1, column 257"));
+}
+
+TEST(ConfigReader, RefusesTwoServiceKeysThatNameOneNumber) {
+    const ConfigError error = errorOf(R"({ "services": {
+        "1": { "eventId": 100, "type": "DigitalIn" },
+        "01": { "eventId": 101, "type": "DigitalIn" } } })");
+    EXPECT_EQ(error.place(), "/services/01");
+    EXPECT_EQ(error.reason(),
+              "the keys \"1\" and \"01\" name the same service 1 in /services, on line 2 and on "
+              "line 3; give each number once");
+}
+
+TEST(ConfigReader, NamesTwoKeysOfOneNumberInTheOrderOfTheFile) {
+    const ConfigError error = errorOf(R"({ "mappings": {
+        "0100": { "size": 1 },
+        "7": { "size": 1 },
+        "100": { "size": 4 } } })");
+    EXPECT_EQ(error.place(), "/mappings/100");
+    EXPECT_EQ(error.reason(),
+              "the keys \"0100\" and \"100\" name the same event id 100 in /mappings, on line 2 "
+              "and on line 4; give each number once");
+}
+
+TEST(ConfigReader, RefusesTwoKeysOfOneNumberInAListOfDrivers) {
+    const ConfigError error = errorOf(R"({ "drivers": [ { "services": {} }, { "services": {
+        "2": { "eventId": 100, "type": "DigitalIn" },
+        "002": { "eventId": 101, "type": "DigitalIn" } } } ] })");
+    EXPECT_EQ(error.place(), "/drivers/1/services/002");
+    EXPECT_THAT(error.reason(), HasSubstr("name the same service 2 in /drivers/1/services, on "
+                                          "line 2 and on line 3"));
+}
+
+TEST(ConfigReader, NamesTheLineOfAKeyGivenTwiceFarIntoTheFile) {
+    std::string text = "{ \"description\": \"x\",\n";
+    for (int i = 0; i < 100000; ++i) {
+        text += " \n";
+    }
+    text += "\"description\": \"y\" }";
+    const ConfigError error = errorOf(text);
+    EXPECT_THAT(error.reason(), HasSubstr("on line 1 and on line 100002"));
+}
+
 TEST(ConfigReader, AcceptsAStepAtTheLongestRun) {
     const Config config = withScenario(R"([ { "at_ms": 1000000000000, "note": "late" } ])");
     EXPECT_EQ(config.scenario[0].at, std::chrono::milliseconds(1'000'000'000'000));

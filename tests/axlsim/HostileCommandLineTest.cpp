@@ -48,6 +48,14 @@ const char* const kDigital =
     "mappings": { "200": { "size": 1 } },
     "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } } })";
 
+// A button (input 0, event 100), a lamp (output 0, event 200) and a restart (event 300).
+const char* const kButtonLampRestart =
+    R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+    "mappings": { "100": { "size": 1 }, "200": { "size": 1 }, "300": { "size": 1 } },
+    "services": { "1": { "eventId": 100, "type": "DigitalIn", "params": { "PinNum": "0" } },
+                  "2": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } },
+                  "3": { "eventId": 300, "type": "RestartDevice" } } })";
+
 const std::string kUntilRange =
     " is not a time: expected whole milliseconds in decimal digits, from 0 to 10^12 ms (about 31 "
     "years)";
@@ -192,9 +200,10 @@ std::vector<HostileCase> cases() {
          ""},
         {"UnterminatedComment",
          {"check", "$CONFIG"},
-         "{ /* " + std::string(100000, 'x'),
+         "{\n  /* " + std::string(100000, 'x'),
          2,
-         "missing closing '*/'; last read: '{ /* " + std::string(35, 'x') + "...'",
+         "config.json: line 2, column 3: the comment that opens here has no end: missing closing "
+         "'*/'; last read: '{",
          ""},
         {"VcdOnAFullDevice",
          {"run", kFeedbackLoop, "--vcd", "/dev/full"},
@@ -268,11 +277,70 @@ std::vector<HostileCase> cases() {
             R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
               "mappings": { "200": { "size": 1 } },
               "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0", "InitVall": "1" } } } })",
+            "InitVall: not a key the driver reads; InitVal, which it reads, is given already"),
+        checkFinds(
+            "MisspeltServiceKeyAlone",
+            R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
+             "mappings": { "200": { "size": 1 } },
+             "services": { "1": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVall": "1" } } } })",
             "InitVall: not a key the driver reads; did you mean InitVal?"),
         checkFinds(
             "MisspeltDriverKey",
             R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1", "Consecutive Nr": "1" } } })",
-            "Consecutive Nr: not a key the driver reads; did you mean Consecutive Number?"),
+            "Consecutive Nr: not a key the driver reads; Consecutive Number, which it reads, is "
+            "given "
+            "already\n    driver:  never reads it, so it has no effect\n    fix:     remove it\n"),
+        checkFinds(
+            "LongValueInACheckMessage",
+            R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1)" +
+                std::string(100000, '0') + R"(x" } } })",
+            "\"Consecutive Number\" is \"1" + std::string(59, '0') + "...\" (100002 characters)"),
+        checkFinds(
+            "TwoRoutesToOneOutput",
+            std::string(kButtonLampRestart)
+                .insert(1, R"("host": [ { "route": { "from": 100, "to": 200, "map": "invert" } },
+                                   { "route": { "from": 100, "to": 200 } } ], )"),
+            "/host/1 (route 100 -> 200)\n    problem: event 200 of driver 0 (the byte of a "
+            "\"DigitalOut\" service) is driven by /host/0 as well"),
+        checkFinds(
+            "ThresholdRouteToARestartService",
+            std::string(kButtonLampRestart)
+                .insert(
+                    1,
+                    R"("host": [ { "route": { "from": 100, "to": 300, "map": "above", "threshold": 0.5 } } ], )"),
+            "driver 0 restarts at every publication of event 100"),
+        {"ServiceKeysOfOneNumber",
+         {"check", "$CONFIG"},
+         R"({ "services": {
+              "1": { "eventId": 100, "type": "DigitalIn" },
+              "01": { "eventId": 101, "type": "DigitalIn" } } })",
+         2,
+         ": /services/01: the keys \"1\" and \"01\" name the same service 1 in /services, on line "
+         "2 "
+         "and on line 3; give each number once",
+         ""},
+        {"MappingKeysOfOneNumber",
+         {"run", "$CONFIG"},
+         R"({ "mappings": { "100": { "size": 1 },
+                            "0100": { "size": 4 } } })",
+         2,
+         ": /mappings/0100: the keys \"100\" and \"0100\" name the same event id 100 in /mappings, "
+         "on line 1 and on line 2",
+         ""},
+        {"NumberBeyondADouble",
+         {"check", "$CONFIG"},
+         "{\n  \"scenario\": [ { \"at_ms\": 1e999 } ] }",
+         2,
+         "config.json: line 2, column 28: the number 1e999 is out of range; axlsim reads numbers "
+         "from -1.7976931348623157e308 to 1.7976931348623157e308",
+         ""},
+        {"NestedDeeperThan256",
+         {"check", "$CONFIG"},
+         std::string(100000, '['),
+         2,
+         "config.json: the objects and lists are nested deeper than 256 levels at line 1, column "
+         "257; axlsim reads at most 256",
+         ""},
         checkFinds(
             "EventSizeBeyondItsBytes",
             std::string(kDigital).insert(

@@ -16,15 +16,17 @@ using axlsim::LoopCheck;
 using axlsimtest::configFrom;
 using ::testing::HasSubstr;
 
-// One digital driver at position 1 (input 0 publishes 100, output 0 takes 200, 400 restarts)
+// One digital driver at position 1 (input 0 publishes 100, outputs 0 and 1 take 200 and 201, 400
+// restarts)
 // and one analog driver at position 2 (channel 0 publishes 300, output 0 takes 310).
 Config loop(const std::string& sections) {
     return configFrom(R"({ "drivers": [
         { "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
-          "mappings": { "100": { "size": 1 }, "200": { "size": 1 }, "400": { "size": 1 } },
+          "mappings": { "100": { "size": 1 }, "200": { "size": 1 }, "201": { "size": 1 }, "400": { "size": 1 } },
           "services": { "1": { "eventId": 100, "type": "DigitalIn", "params": { "PinNum": "0" } },
                         "2": { "eventId": 200, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } },
-                        "3": { "eventId": 400, "type": "RestartDevice" } } },
+                        "3": { "eventId": 400, "type": "RestartDevice" },
+                        "4": { "eventId": 201, "type": "DigitalOut", "params": { "PinNum": "1", "InitVal": "0" } } } },
 )" + std::string(axlsimtest::kAnalogDriverAtPosition2) +
                       R"( ],
       "bus": [ "AXL_F_DI8_1_DO8_1", "AXL_F_AI2_AO2" ], )" +
@@ -40,8 +42,7 @@ TEST(LoopCheck, FindsNothingWhenEveryModelAndRouteFits) {
                                          { "link": { "from": "2.AO0", "to": "2.AI0" } },
                                          { "signal": { "to": "2.AI1", "shape": "sine", "period_ms": 10 } } ],
                               "host": [ { "route": { "from": 100, "to": 200, "map": "invert" } },
-                                        { "route": { "from": 100, "to": 310, "to_driver": 1 } },
-                                        { "route": { "from": 300, "from_driver": 1, "to": 200, "map": "below", "threshold": 1 } },
+                                        { "route": { "from": 300, "from_driver": 1, "to": 201, "map": "below", "threshold": 1 } },
                                         { "route": { "from": 300, "from_driver": 1, "to": 310, "to_driver": 1, "map": "scale" } },
                                         { "route": { "from": 300, "from_driver": 1, "to": 400 } } ])")
                     .empty());
@@ -89,6 +90,45 @@ TEST(LoopCheck, ARouteToAnIdThatNoOutputOrRestartServiceHasIsReportedWithTheDriv
     EXPECT_FALSE(findings[0].refusesRun);
     EXPECT_THAT(findings[0].consequence,
                 HasSubstr("driver 1 stops with \"Unsubscribed event received\""));
+}
+
+TEST(LoopCheck, TwoRoutesToOneOutputAreReportedNamingBoth) {
+    const auto findings = findingsOf(R"("host": [
+        { "route": { "from": 100, "to": 200 } },
+        { "route": { "from": 100, "to": 201 } },
+        { "route": { "from": 300, "from_driver": 1, "to": 200, "map": "above", "threshold": 5 } },
+        { "route": { "from": 100, "to": 310, "to_driver": 1 } },
+        { "route": { "from": 300, "from_driver": 1, "to": 310, "to_driver": 1, "map": "scale" } } ])");
+    ASSERT_EQ(findings.size(), 2U);
+    EXPECT_EQ(findings[0].path, "/host/2");
+    EXPECT_EQ(findings[0].subject, "route 300 -> 200");
+    EXPECT_FALSE(findings[0].refusesRun);
+    EXPECT_EQ(findings[0].problem,
+              "event 200 of driver 0 (the byte of a \"DigitalOut\" service) is driven by /host/0 "
+              "as well");
+    EXPECT_THAT(findings[0].fix, HasSubstr("drive each output by one route"));
+    EXPECT_EQ(findings[1].path, "/host/4");
+    EXPECT_THAT(findings[1].problem, HasSubstr("event 310 of driver 1 (the float of an "
+                                               "\"AnalogOut\" service) is driven by /host/3"));
+}
+
+TEST(LoopCheck, AThresholdRouteToARestartServiceIsReportedAsRestartingAtEveryPublication) {
+    const auto findings = findingsOf(R"("host": [
+        { "route": { "from": 300, "from_driver": 1, "to": 400, "map": "above", "threshold": 5 } },
+        { "route": { "from": 300, "from_driver": 1, "to": 400, "map": "below", "threshold": 1, "on_change": true } },
+        { "route": { "from": 100, "to": 400 } } ])");
+    ASSERT_EQ(findings.size(), 2U);
+    EXPECT_EQ(findings[0].path, "/host/0");
+    EXPECT_FALSE(findings[0].refusesRun);
+    EXPECT_EQ(findings[0].problem,
+              "\"above\" routes to the restart service (event 400) of driver 0, which gets its "
+              "byte 0 whatever the map gives");
+    EXPECT_EQ(findings[0].consequence,
+              "driver 0 restarts at every publication of event 300 (at start and at every "
+              "change), whatever the threshold");
+    EXPECT_THAT(findings[0].fix, HasSubstr("a route cannot restart on a condition"));
+    EXPECT_EQ(findings[1].path, "/host/1");
+    EXPECT_THAT(findings[1].consequence, HasSubstr("restarts once, at the first publication"));
 }
 
 TEST(LoopCheck, RunRefusesTheFirstRefusedFindingAtItsPointer) {

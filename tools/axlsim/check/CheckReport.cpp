@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "axlsim/check/ShortText.h"
 #include "axlsim/render/ValueText.h"
 
 namespace axlsim {
@@ -14,8 +15,9 @@ using Finding = ConfigCheck::Finding;
 std::string subject(const Config::Driver& driver, const Finding& finding) {
     if (finding.serviceKey) {
         const Config::Service& service = driver.services.at(*finding.serviceKey);
-        return "service " + std::to_string(*finding.serviceKey) + " (" + inQuotes(service.type) +
-               (service.name.empty() ? "" : " " + inQuotes(service.name)) + ", event " +
+        return "service " + std::to_string(*finding.serviceKey) + " (" +
+               shortInQuotes(service.type) +
+               (service.name.empty() ? "" : " " + shortInQuotes(service.name)) + ", event " +
                std::to_string(service.eventId) + ")";
     }
     if (finding.at) {
@@ -38,9 +40,9 @@ std::string driverTitle(const Config& config, int index) {
     const Config::Driver& driver = config.drivers[static_cast<std::size_t>(index)];
     std::string title = "driver " + std::to_string(index);
     if (!driver.name.empty()) {
-        title += " " + inQuotes(driver.name);
+        title += " " + shortInQuotes(driver.name);
     }
-    return title + " (" + inQuotes(driver.deviceType) + ")";
+    return title + " (" + shortInQuotes(driver.deviceType) + ")";
 }
 
 }  // namespace

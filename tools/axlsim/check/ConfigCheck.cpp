@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "ServiceType.h"
+#include "axlsim/check/ShortText.h"
 #include "axlsim/configuration/DriverNumber.h"
 #include "axlsim/render/ValueText.h"
 #include "modules/IbIlConversion.h"
@@ -244,7 +245,7 @@ private:
             Finding& finding =
                 add(Effect::Throws, key, where,
                     it == params.end() ? inQuotes(name) + " is missing"
-                                       : inQuotes(name) + " is " + inQuotes(it->second) +
+                                       : inQuotes(name) + " is " + shortInQuotes(it->second) +
                                              ", which the driver cannot read as a number");
             finding.exception = number.exception();
             finding.fix =
@@ -253,8 +254,8 @@ private:
         }
         if (!number.readsAsWritten()) {
             const std::string value = std::to_string(number.value());
-            Finding& finding =
-                add(Effect::Differs, key, where, inQuotes(name) + " is " + inQuotes(number.text()));
+            Finding& finding = add(Effect::Differs, key, where,
+                                   inQuotes(name) + " is " + shortInQuotes(number.text()));
             finding.consequence = "reads it as " + value +
                                   ": it stops reading at the first character that is not a "
                                   "decimal digit";
@@ -283,20 +284,25 @@ private:
             for (std::size_t i = 0; i < known.size(); ++i) {
                 reads = (i == 0 ? "it reads " : reads + " and ") + std::string(known[i]);
             }
-            Finding& finding = add(
-                Effect::Differs, key, where,
-                visible(name) + ": not a key the driver reads" +
-                    (nearest.empty()
-                         ? (kind.empty() ? "" : " for a " + kind + " service") + " (" + reads + ")"
-                         : "; did you mean " + nearest + "?"));
+            // Renaming into a key that is there already would make a key given twice.
+            const bool given = !nearest.empty() && params.count(nearest) != 0;
+            std::string problem = shortText(name) + ": not a key the driver reads";
+            if (nearest.empty()) {
+                problem += (kind.empty() ? "" : " for a " + kind + " service") + " (" + reads + ")";
+            } else if (given) {
+                problem += "; " + nearest + ", which it reads, is given already";
+            } else {
+                problem += "; did you mean " + nearest + "?";
+            }
+            Finding& finding = add(Effect::Differs, key, where, problem);
             finding.consequence = "never reads it, so it has no effect";
-            finding.fix = nearest.empty() ? "remove it" : "rename it to " + nearest;
+            finding.fix = nearest.empty() || given ? "remove it" : "rename it to " + nearest;
         }
     }
 
     void checkDeviceType() {
         if (model_ == nullptr) {
-            const std::string problem = "\"deviceType\" is " + inQuotes(driver_.deviceType) +
+            const std::string problem = "\"deviceType\" is " + shortInQuotes(driver_.deviceType) +
                                         ", which names no module the driver knows";
             std::string fix = "use " + listed(kDeviceTypes);
             if (const std::string known = meant(driver_.deviceType, kDeviceTypes); !known.empty()) {
@@ -366,10 +372,10 @@ private:
     void checkService(unsigned key, const Config::Service& service) {
         const ServiceType kind = serviceTypeOf(service.type);
         if (kind == Unsupported) {
-            Finding& finding =
-                addStop(key, "initialize",
-                        "\"type\" is " + inQuotes(service.type) + ", which is not a service text",
-                        kUnsupported, service.eventId);
+            Finding& finding = addStop(
+                key, "initialize",
+                "\"type\" is " + shortInQuotes(service.type) + ", which is not a service text",
+                kUnsupported, service.eventId);
             const std::string known = meant(service.type, kServiceTexts);
             finding.fix = known.empty() ? "use one of " + listed(kServiceTexts)
                                         : "write " + inQuotes(known) +

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "axlsim/check/LoopCheck.h"
 
+#include <map>
+#include <utility>
+
 #include "axlsim/configuration/ConfigError.h"
 #include "axlsim/configuration/EventCatalog.h"
 #include "axlsim/configuration/LoopNames.h"
@@ -18,6 +21,10 @@ constexpr const char* kRefused = "axlsim run refuses the configuration";
 std::string receiverText(Receiver receiver) {
     return receiver == Receiver::Analog ? "the float of an \"AnalogOut\" service"
                                         : "the byte of a \"DigitalOut\" service";
+}
+
+std::string subjectOf(const Route& route) {
+    return "route " + std::to_string(route.from) + " -> " + std::to_string(route.to);
 }
 
 std::string fixFor(Route::Map map) {
@@ -40,25 +47,53 @@ std::string fixFor(Route::Map map) {
 }
 
 void checkInputs(const Config& config, std::vector<LoopCheck::Finding>& findings) {
-    for (std::size_t j = 0; j < config.plant.size(); ++j) {
-        for (std::size_t i = 0; i < j; ++i) {
-            if (config.plant[i].to() != config.plant[j].to()) {
-                continue;
-            }
-            const std::string pin = config.plant[j].to().name();
-            findings.push_back(
-                {config.plant[j].path, "plant model on " + inQuotes(pin), true,
-                 inQuotes(pin) + " is driven by " + config.plant[i].path + " as well", kRefused,
-                 "drive each input by one model; a scenario step may still set it now and then"});
-            break;
+    // The first model on each input: each later one is reported against it.
+    std::map<std::string, const PlantModel*> drivenBy;
+    for (const PlantModel& model : config.plant) {
+        const std::string pin = model.to().name();
+        const auto [first, added] = drivenBy.try_emplace(pin, &model);
+        if (added) {
+            continue;
         }
+        findings.push_back(
+            {model.path, "plant model on " + inQuotes(pin), true,
+             inQuotes(pin) + " is driven by " + first->second->path + " as well", kRefused,
+             "drive each input by one model; a scenario step may still set it now and then"});
+    }
+}
+
+// Two routes to one output: the output takes whichever delivered last. Only routes that deliver
+// count; the others are reported already.
+void checkOutputs(const EventCatalog& catalog, const std::vector<Route>& host,
+                  std::vector<LoopCheck::Finding>& findings) {
+    std::map<std::pair<int, uint32_t>, const Route*> drivenBy;
+    for (const Route& route : host) {
+        const Config::Service* source = catalog.inputService(route.fromDriver, route.from);
+        const Receiver receiver = catalog.receiverOf(route.toDriver, route.to);
+        if (source == nullptr || (receiver != Receiver::Digital && receiver != Receiver::Analog) ||
+            !HostRoutes::fits(route.map, source->type == "DigitalIn", receiver)) {
+            continue;
+        }
+        const auto [first, added] = drivenBy.try_emplace({route.toDriver, route.to}, &route);
+        if (added) {
+            continue;
+        }
+        const std::string output =
+            "event " + std::to_string(route.to) + " of driver " + std::to_string(route.toDriver);
+        findings.push_back(
+            {route.path, subjectOf(route), false,
+             output + " (" + receiverText(receiver) + ") is driven by " + first->second->path +
+                 " as well",
+             "the output takes whichever of the two routes delivered last, so it follows "
+             "neither",
+             "drive each output by one route; combine the conditions in the plant or the "
+             "scenario instead"});
     }
 }
 
 void checkRoute(const EventCatalog& catalog, const Route& route,
                 std::vector<LoopCheck::Finding>& findings) {
-    const std::string subject =
-        "route " + std::to_string(route.from) + " -> " + std::to_string(route.to);
+    const std::string subject = subjectOf(route);
     const std::string fromDriver = "driver " + std::to_string(route.fromDriver);
     const std::string toDriver = "driver " + std::to_string(route.toDriver);
     const Config::Service* source = catalog.inputService(route.fromDriver, route.from);
@@ -84,6 +119,22 @@ void checkRoute(const EventCatalog& catalog, const Route& route,
     if (source == nullptr || receiver == Receiver::None) {
         return;
     }
+    if (receiver == Receiver::Restart &&
+        (route.map == Route::Map::Above || route.map == Route::Map::Below)) {
+        const std::string from = "event " + std::to_string(route.from);
+        findings.push_back(
+            {route.path, subject, false,
+             inQuotes(mapName(route.map)) + " routes to the restart service (event " +
+                 std::to_string(route.to) + ") of " + toDriver +
+                 ", which gets its byte 0 whatever the map gives",
+             route.onChange ? toDriver + " restarts once, at the first publication of " + from +
+                                  ", and never again: the byte sent never changes"
+                            : toDriver + " restarts at every publication of " + from +
+                                  " (at start and at every change), whatever the threshold",
+             "a route cannot restart on a condition: switch a \"DigitalOut\" id with the "
+             "threshold instead, or send the restart as a scenario event"});
+        return;
+    }
     const bool digital = source->type == "DigitalIn";
     if (HostRoutes::fits(route.map, digital, receiver)) {
         return;
@@ -105,6 +156,7 @@ std::vector<LoopCheck::Finding> LoopCheck::check(const Config& config) {
     for (const Route& route : config.host) {
         checkRoute(catalog, route, findings);
     }
+    checkOutputs(catalog, config.host, findings);
     return findings;
 }
 

@@ -123,6 +123,36 @@ unsigned Document::tableKey(const std::string& key, const std::string& path) con
     return static_cast<unsigned>(std::stoul(key));
 }
 
+void Document::NumberedKeys::add(unsigned number, const std::string& key) {
+    const auto [earlier, added] = keys_.try_emplace(number, key);
+    if (added) {
+        return;
+    }
+    // Named in the order of the file: the later key is the one to remove.
+    std::string first = earlier->second;
+    std::string second = key;
+    std::optional<std::size_t> firstLine = doc_.lineOf(member(path_, first));
+    std::optional<std::size_t> secondLine = doc_.lineOf(member(path_, second));
+    if (firstLine && secondLine && *secondLine < *firstLine) {
+        std::swap(first, second);
+        std::swap(firstLine, secondLine);
+    }
+    const std::string lines = firstLine && secondLine
+                                  ? ", on line " + std::to_string(*firstLine) + " and on line " +
+                                        std::to_string(*secondLine)
+                                  : "";
+    doc_.fail(member(path_, second), "the keys " + inQuotes(first) + " and " + inQuotes(second) +
+                                         " name the same " + what_ + " " + std::to_string(number) +
+                                         " in " + path_ + lines + "; give each number once");
+}
+
+std::optional<std::size_t> Document::lineOf(const std::string& path) const {
+    if (text_ == nullptr) {
+        return std::nullopt;
+    }
+    return JsonParser::keyLine(*text_, path);
+}
+
 std::map<std::string, std::string> Document::texts(const Json& node,
                                                    const std::string& path) const {
     if (!node.is_object()) {

@@ -6,9 +6,12 @@
 #include <initializer_list>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace axlsim {
@@ -23,7 +26,9 @@ std::string element(const std::string& path, std::size_t index);
 // place and the reason.
 class Document {
 public:
-    explicit Document(std::string file) : file_(std::move(file)) {}
+    // `text`, when given, is what was parsed: messages can then name the lines of keys.
+    explicit Document(std::string file, const std::string* text = nullptr)
+        : file_(std::move(file)), text_(text) {}
 
     [[noreturn]] void fail(const std::string& path, const std::string& reason) const;
 
@@ -45,10 +50,31 @@ public:
     // A key of "mappings" or "services": an unsigned number written as a text.
     unsigned tableKey(const std::string& key, const std::string& path) const;
 
+    // Refuses a second key of `table` (at `path`) that names the same number as an earlier key,
+    // "01" after "1": a table keyed by numbers would otherwise keep one of them silently. `what`
+    // is what the keys name ("service").
+    class NumberedKeys {
+    public:
+        NumberedKeys(const Document& doc, std::string path, std::string what)
+            : doc_(doc), path_(std::move(path)), what_(std::move(what)) {}
+
+        void add(unsigned number, const std::string& key);
+
+    private:
+        const Document& doc_;
+        std::string path_;
+        std::string what_;
+        std::unordered_map<unsigned, std::string> keys_;
+    };
+
+    // The line on which the key at `path` is given, when the text is known.
+    std::optional<std::size_t> lineOf(const std::string& path) const;
+
     std::map<std::string, std::string> texts(const Json& node, const std::string& path) const;
 
 private:
     std::string file_;
+    const std::string* text_;
 };
 
 }  // namespace axlsim

@@ -62,15 +62,19 @@ std::string tooLarge(std::size_t limit) {
 // Calls `read` with the number, the value and the place of each entry of a table ("mappings",
 // "services") whose keys are unsigned numbers written as texts, once the table has proved an
 // object (else `expected`) and the entry's keys are among `keys`.
+// Two keys that name one number ("1" and "01") are refused like a key given twice.
 template <class Read>
 void forEachEntry(const Document& doc, const Json& table, const std::string& at,
-                  const char* expected, std::span<const std::string_view> keys, Read read) {
+                  const char* expected, const char* what, std::span<const std::string_view> keys,
+                  Read read) {
     if (!table.is_object()) {
         doc.fail(at, expected);
     }
+    Document::NumberedKeys numbers(doc, at, what);
     for (const auto& [key, value] : table.items()) {
         const std::string entry = member(at, key);
         const unsigned number = doc.tableKey(key, entry);
+        numbers.add(number, key);
         doc.object(value, entry, keys);
         read(number, value, entry);
     }
@@ -97,19 +101,20 @@ Config::Driver readDriver(const Document& doc, const Json* driver, const Json* m
         }
     }
     if (mappings != nullptr) {
-        forEachEntry(doc, *mappings, member(path, "mappings"), "expected an object of event ids",
-                     kMappingKeys, [&](unsigned id, const Json& value, const std::string& entry) {
-                         if (!value.contains("size")) {
-                             doc.fail(entry, "a mapping needs its \"size\" (nDataSize, in bytes)");
-                         }
-                         result.mappings[id] = static_cast<uint16_t>(
-                             doc.integer(value.at("size"), member(entry, "size"), 0,
-                                         std::numeric_limits<uint16_t>::max()));
-                     });
+        forEachEntry(
+            doc, *mappings, member(path, "mappings"), "expected an object of event ids", "event id",
+            kMappingKeys, [&](unsigned id, const Json& value, const std::string& entry) {
+                if (!value.contains("size")) {
+                    doc.fail(entry, "a mapping needs its \"size\" (nDataSize, in bytes)");
+                }
+                result.mappings[id] =
+                    static_cast<uint16_t>(doc.integer(value.at("size"), member(entry, "size"), 0,
+                                                      std::numeric_limits<uint16_t>::max()));
+            });
     }
     if (services != nullptr) {
         forEachEntry(
-            doc, *services, member(path, "services"), "expected an object of services",
+            doc, *services, member(path, "services"), "expected an object of services", "service",
             kServiceKeys, [&](unsigned serviceKey, const Json& value, const std::string& entry) {
                 Config::Service service;
                 if (!value.contains("eventId")) {
@@ -486,7 +491,7 @@ Config ConfigReader::readStream(std::istream& in, const std::string& name, std::
 }
 
 Config ConfigReader::readText(const std::string& text, const std::string& name) {
-    const Document doc(name);
+    const Document doc(name, &text);
     const Json root = JsonParser::parse(text, name);
     doc.object(root, "", kTopKeys);
 

@@ -8,10 +8,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -45,6 +49,29 @@ private:
 };
 
 TemporaryFiles temporaryFiles;
+
+// Far beyond the longest run of a test, even under a sanitizer or an emulator: a program that has
+// not ended by then hangs (a server that a refusal failed to stop, say), and is stopped, so that it
+// fails its test instead of holding up the suite.
+constexpr std::chrono::seconds kLongestRun{300};
+
+// Waits for the program to end, for at most kLongestRun; kills it after that. True when it ended
+// by itself.
+bool waitWithin(pid_t pid, int& status, rusage& usage) {
+    const auto deadline = std::chrono::steady_clock::now() + kLongestRun;
+    for (;;) {
+        const pid_t ended = wait4(pid, &status, WNOHANG, &usage);
+        if (ended == pid || (ended < 0 && errno != EINTR)) {
+            return true;
+        }
+        if (std::chrono::steady_clock::now() >= deadline) {
+            kill(pid, SIGKILL);
+            wait4(pid, &status, 0, &usage);
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+}
 
 }  // namespace
 
@@ -97,11 +124,15 @@ ProgramRun runProgram(const std::vector<std::string>& arguments, const Redirect&
 
     int status = 0;
     rusage usage{};
-    wait4(pid, &status, 0, &usage);
+    const bool ended = waitWithin(pid, status, usage);
     ProgramRun run;
     run.peakKilobytes = usage.ru_maxrss;
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     run.err = slurp(errPath);
+    if (!ended) {
+        run.err += "\n(the test stopped axlsim: it had not ended within " +
+                   std::to_string(kLongestRun.count()) + " s)";
+    }
     if (redirect.out.empty()) {
         run.out = slurp(outPath);
         unlink(outPath.c_str());

@@ -11,6 +11,7 @@
 #include <ctime>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "TestDriver.h"
 #include "TestPauseClock.h"
@@ -42,21 +43,33 @@ int clockNanosleepRelative() {
     return clock_nanosleep(CLOCK_MONOTONIC, 0, &request, nullptr);
 }
 
+// A call made on a driver thread with a pause clock installed: its result, once the clock has ended
+// the pause it asked for, and the pauses the clock was asked for.
+struct PausedCall {
+    int result = -2;
+    std::vector<timespec> requests;
+};
+
+PausedCall callOnADriverThread(const std::function<int()>& call) {
+    TestPauseClock clock;
+    PausedCall paused;
+    TestDriver driver(driverParams("IO1"), [&](TestDriver&) { paused.result = call(); });
+    driver.initialize();
+    EXPECT_TRUE(clock.waitForPauses(1));
+    clock.release();
+    driver.joinThread();
+    paused.requests = clock.requests();
+    return paused;
+}
+
 class SleepCalls : public ::testing::TestWithParam<SleepCall> {};
 
 TEST_P(SleepCalls, OnADriverThreadPauseOnTheHostsClockForTheRequestedTime) {
-    TestPauseClock clock;
-    int result = -2;
-    TestDriver driver(driverParams("IO1"), [&](TestDriver&) { result = GetParam().call(); });
-    driver.initialize();
-    ASSERT_TRUE(clock.waitForPauses(1));
+    const PausedCall paused = callOnADriverThread(GetParam().call);
 
-    clock.release();
-    driver.joinThread();
-
-    EXPECT_EQ(result, 0);
-    ASSERT_EQ(clock.requests().size(), 1U);
-    EXPECT_EQ(nanosecondsOf(clock.requests()[0]), GetParam().pause);
+    EXPECT_EQ(paused.result, 0);
+    ASSERT_EQ(paused.requests.size(), 1U);
+    EXPECT_EQ(nanosecondsOf(paused.requests[0]), GetParam().pause);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -68,27 +81,19 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(SleepCall, AnAbsoluteClockNanosleepOnADriverThreadPausesOnTheHostsClockUntilTheDeadline) {
-    TestPauseClock clock;
-    int result = -2;
-    long long asked = 0;
-    TestDriver driver(driverParams("IO1"), [&](TestDriver&) {
+    constexpr long long kAhead = 2 * kNanosecondsPerSecond;
+    const PausedCall paused = callOnADriverThread([] {
         timespec deadline{};
         clock_gettime(CLOCK_MONOTONIC, &deadline);
-        deadline.tv_sec += 2;
-        asked = 2 * kNanosecondsPerSecond;
-        result = clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &deadline, nullptr);
+        deadline.tv_sec += kAhead / kNanosecondsPerSecond;
+        return clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &deadline, nullptr);
     });
-    driver.initialize();
-    ASSERT_TRUE(clock.waitForPauses(1));
 
-    clock.release();
-    driver.joinThread();
-
-    EXPECT_EQ(result, 0);
-    ASSERT_EQ(clock.requests().size(), 1U);
+    EXPECT_EQ(paused.result, 0);
+    ASSERT_EQ(paused.requests.size(), 1U);
     // What is left of the two seconds once the call has read the clock.
-    EXPECT_LE(nanosecondsOf(clock.requests()[0]), asked);
-    EXPECT_GT(nanosecondsOf(clock.requests()[0]), asked / 2);
+    EXPECT_LE(nanosecondsOf(paused.requests[0]), kAhead);
+    EXPECT_GT(nanosecondsOf(paused.requests[0]), kAhead / 2);
 }
 
 TEST(SleepCall, AnInvalidClockNanosleepOnADriverThreadFailsWithEinvalAndDoesNotPause) {

@@ -7,19 +7,18 @@ add_subdirectory(${AXL_GOOGLETEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE
 
 include(GoogleTest)
 
-# axl_add_gtest(NAME SOURCES ... LIBRARIES ... [ENVIRONMENT VAR=VALUE ...] [LEAK_SUPPRESSIONS]
-# [ALSO_ON_THREADS]): one test program, each test case a CTest test, run with the environment given.
+# axl_add_gtest(NAME SOURCES ... LIBRARIES ... [LEAK_SUPPRESSIONS] [ALSO_ON_THREADS]): one test
+# program, each test case a CTest test.
 #   LEAK_SUPPRESSIONS  every case runs with tests/lsan.supp: the driver's input payload buffers
 #                      are never released, on purpose, and nothing else may leak.
 #   ALSO_ON_THREADS    every case runs once more (prefix "threads.") with every virtual clock
 #                      running the drivers on threads of their own instead of fibers.
 function(axl_add_gtest name)
-    cmake_parse_arguments(ARG "LEAK_SUPPRESSIONS;ALSO_ON_THREADS" "" "SOURCES;LIBRARIES;ENVIRONMENT"
-        ${ARGN})
+    cmake_parse_arguments(ARG "LEAK_SUPPRESSIONS;ALSO_ON_THREADS" "" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gmock GTest::gtest_main)
     target_compile_features(${name} PRIVATE cxx_std_20)
-    set(environment ${ARG_ENVIRONMENT})
+    set(environment "")
     if(ARG_LEAK_SUPPRESSIONS)
         list(APPEND environment
             "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")

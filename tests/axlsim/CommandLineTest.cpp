@@ -13,6 +13,7 @@
 
 #include "Program.h"
 #include "RunningProgram.h"
+#include "Sanitizers.h"
 #include "VcdReader.h"
 
 namespace {
@@ -388,24 +389,10 @@ TEST(CommandLine, AnInterruptedRunSaysSoInItsReport) {
 }
 #endif
 
-bool builtWithSanitizers() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    return true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-    return true;
-#else
-    return false;
-#endif
-#else
-    return false;
-#endif
-}
-
 // Six hours rather than a day, so that the sanitizer and emulator builds run it in reasonable
 // time; docs/performance.md has a day, a month and a year.
 TEST(CommandLine, ARunOfSixHoursTakesNoMoreMemoryThanARunOfAnHour) {
-    if (builtWithSanitizers()) {
+    if (testsupport::builtWithAddressSanitizer() || testsupport::builtWithThreadSanitizer()) {
         GTEST_SKIP()
             << "AddressSanitizer and ThreadSanitizer keep freed memory in quarantine and "
                "shadow, so the resident set grows with what a run allocates, not with what "

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Sanitizers.h"
+
 namespace {
 
 struct Outcome {
@@ -87,25 +89,10 @@ bool raceWithin(const std::vector<std::vector<Stack>>& races, std::string_view f
     });
 }
 
-// GCC defines __SANITIZE_THREAD__; clang tells through __has_feature.
-bool builtWithThreadSanitizer() {
-#if defined(__SANITIZE_THREAD__)
-    return true;
-#elif defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-    return true;
-#else
-    return false;
-#endif
-#else
-    return false;
-#endif
-}
-
 class PlantedRace : public testing::Test {
 protected:
     void SetUp() override {
-        if (!builtWithThreadSanitizer()) {
+        if (!testsupport::builtWithThreadSanitizer()) {
             GTEST_SKIP() << "only meaningful under ThreadSanitizer";
         }
     }

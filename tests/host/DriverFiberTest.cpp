@@ -15,6 +15,7 @@
 
 #include "DriverFiber.h"
 #include "PosixThread.h"
+#include "Sanitizers.h"
 #include "ThreadState.h"
 
 using orbel::DriverFiber;
@@ -293,20 +294,6 @@ protected:
     void SetUp() override { GTEST_FLAG_SET(death_test_style, "fast"); }
 };
 
-bool builtWithSanitizers() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    return true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-    return true;
-#else
-    return false;
-#endif
-#else
-    return false;
-#endif
-}
-
 // Frames of a kilobyte each, so deep that they leave the fiber's stack.
 int recurse(int depth) {
     volatile char frame[1024];
@@ -372,7 +359,7 @@ TEST_F(DriverFiberMisuse, ResumingAFiberOnAnotherThreadAbortsWithAMessage) {
 }
 
 TEST_F(DriverFiberMisuse, AnOverflowOfItsStackFaultsAtOnce) {
-    if (builtWithSanitizers()) {
+    if (testsupport::builtWithAddressSanitizer() || testsupport::builtWithThreadSanitizer()) {
         GTEST_SKIP()
             << "the sanitizers report an overflow themselves, with stacks of their own size";
     }

@@ -345,6 +345,9 @@ class ModbusLoadTest(unittest.TestCase):
 
         def work(k):
             client = self.server.client()
+            # A connect returns once the kernel has queued the connection, before the server has
+            # accepted it; an answer says that it has.
+            self.assertFalse(client.read_coils(k, 1).isError())
             connected.wait()
             value = False
             try:

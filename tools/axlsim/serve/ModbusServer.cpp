@@ -177,20 +177,24 @@ void ModbusServer::serve() {
     }
 }
 
+// Every connection waiting in the listen queue, not one a wake-up: clients whose connect has
+// returned are served without waiting behind the requests of those accepted before them.
 void ModbusServer::accept() {
-    const int socket = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-    if (socket < 0) {
-        return;
+    for (;;) {
+        const int socket = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+        if (socket < 0) {
+            return;
+        }
+        if (connections_.size() >= static_cast<std::size_t>(kMaxClients)) {
+            close(socket);
+            continue;
+        }
+        // Answers are small and go at once, not held back for more.
+        const int on = 1;
+        setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+        connections_.push_back(Connection{socket, {}, std::nullopt});
+        ++clients_;
     }
-    if (connections_.size() >= static_cast<std::size_t>(kMaxClients)) {
-        close(socket);
-        return;
-    }
-    // Answers are small and go at once, not held back for more.
-    const int on = 1;
-    setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    connections_.push_back(Connection{socket, {}, std::nullopt});
-    ++clients_;
 }
 
 bool ModbusServer::receive(Connection& connection) {

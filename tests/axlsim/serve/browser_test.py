@@ -207,74 +207,110 @@ class ModbusPageTest(LivePageTest):
 
 
 class HtmlReportTest(unittest.TestCase):
-    def test_the_report_opens_and_draws_one_waveform_per_signal(self):
-        folder = tempfile.mkdtemp()
-        report = os.path.join(folder, "report.html")
+    def setUp(self):
+        self.folder = tempfile.mkdtemp()
+        self.report = os.path.join(self.folder, "report.html")
+
+    def tearDown(self):
         try:
-            run = subprocess.run([AXLSIM, "run", os.path.join(EXAMPLES, "feedback_loop.json"),
-                                  "--json", "--html", report],
-                                 capture_output=True, text=True, timeout=60)
-            self.assertEqual(run.returncode, 0, run.stderr)
-            browser.driver.set_window_size(1400, 1000)
-            browser.open("file://" + report)
-            try:
-                browser.until(lambda: browser.script(
-                    "return document.getElementById('chart').dataset.signals || ''") != "",
-                    "the report draws its signals")
-                signals = browser.script("return chart.names()")
-                drawn = browser.script(
-                    "return document.getElementById('chart').dataset.signals").split("|")
-            finally:
-                browser.save_screenshot(self.id().split(".")[-1])
+            browser.save_screenshot(self.id().split(".")[-1])
         finally:
-            shutil.rmtree(folder)
+            shutil.rmtree(self.folder)
+
+    def write_config(self, config):
+        path = os.path.join(self.folder, "config.json")
+        with open(path, "w") as out:
+            json.dump(config, out)
+        return path
+
+    def open_report(self):
+        """Opens the report in Chromium once its chart has drawn its signals; their names."""
+        browser.driver.set_window_size(1400, 1000)
+        browser.open("file://" + self.report)
+        browser.until(lambda: browser.script(
+            "return document.getElementById('chart').dataset.signals || ''") != "",
+            "the report draws its signals")
+        return browser.script("return chart.names()")
+
+    def run_axlsim(self, config, *arguments):
+        run = subprocess.run([AXLSIM, "run", config, "--json", "--html", self.report, *arguments],
+                             capture_output=True, text=True, timeout=60)
+        self.assertEqual(run.returncode, 0, run.stderr)
+
+    def shown(self, element_id):
+        """The text of a note of the report, or None while it is hidden."""
+        return browser.script(
+            "const e = document.getElementById(arguments[0]); return e.hidden ? null : e.textContent",
+            element_id)
+
+    def test_the_report_opens_and_draws_one_waveform_per_signal(self):
+        self.run_axlsim(os.path.join(EXAMPLES, "feedback_loop.json"))
+        signals = self.open_report()
+        drawn = browser.script(
+            "return document.getElementById('chart').dataset.signals").split("|")
         self.assertEqual(sorted(drawn), sorted(signals))
         self.assertEqual(len(signals), len(set(signals)))
         for signal in ("1.DI0", "1.DI1", "1.DO0", "1.DO5", "published 100", "published 101",
                        "received 200", "received 201"):
             self.assertIn(signal, signals)
+        self.assertIsNone(self.shown("waves-note"))
+        self.assertIsNone(self.shown("timeline-note"))
+        self.assertIsNone(self.shown("interrupted"))
 
     def test_a_note_that_opens_an_html_comment_and_a_script_shows_as_text(self):
         hostile = "<!--<script> a & b </script> c"
-        folder = tempfile.mkdtemp()
-        config = os.path.join(folder, "hostile.json")
-        report = os.path.join(folder, "report.html")
-        with open(config, "w") as out:
-            json.dump({"description": hostile,
-                       "driver": {"deviceType": "AXL_F_DI8_1_DO8_1",
-                                  "params": {"Consecutive Number": "1"}},
-                       "mappings": {"200": {"size": 1}},
-                       "services": {"1": {"eventId": 200, "type": "DigitalOut",
-                                          "params": {"PinNum": "0", "InitVal": "0"}}},
-                       "scenario": [{"at_ms": 5, "note": hostile},
-                                    {"at_ms": 10, "event": {"id": 200, "value": 1}},
-                                    {"at_ms": 20, "end": True}]}, out)
-        try:
-            run = subprocess.run([AXLSIM, "run", config, "--json", "--html", report],
-                                 capture_output=True, text=True, timeout=60)
-            self.assertEqual(run.returncode, 0, run.stderr)
-            browser.driver.set_window_size(1400, 1000)
-            browser.open("file://" + report)
-            try:
-                browser.until(lambda: browser.script(
-                    "return document.getElementById('chart').dataset.signals || ''") != "",
-                    "the report draws its signals")
-                signals = browser.script("return chart.names()")
-                note = browser.script(
-                    "return document.querySelector('#timeline tr.kind-note td:last-child')"
-                    ".textContent")
-                description = browser.script(
-                    "return document.getElementById('description').textContent")
-                scripts = browser.script("return document.scripts.length")
-            finally:
-                browser.save_screenshot(self.id().split(".")[-1])
-        finally:
-            shutil.rmtree(folder)
+        self.run_axlsim(self.write_config({
+            "description": hostile,
+            "driver": {"deviceType": "AXL_F_DI8_1_DO8_1", "params": {"Consecutive Number": "1"}},
+            "mappings": {"200": {"size": 1}},
+            "services": {"1": {"eventId": 200, "type": "DigitalOut",
+                               "params": {"PinNum": "0", "InitVal": "0"}}},
+            "scenario": [{"at_ms": 5, "note": hostile},
+                         {"at_ms": 10, "event": {"id": 200, "value": 1}},
+                         {"at_ms": 20, "end": True}]}))
+        signals = self.open_report()
+        note = browser.script(
+            "return document.querySelector('#timeline tr.kind-note td:last-child').textContent")
+        description = browser.script("return document.getElementById('description').textContent")
         self.assertIn("1.DO0", signals)
         self.assertEqual(json.loads(note), {"text": hostile})
         self.assertEqual(description, hostile)
-        self.assertEqual(scripts, 2)
+        self.assertEqual(browser.script("return document.scripts.length"), 2)
 
+    def test_the_report_of_a_long_run_says_what_it_left_out_and_draws_the_rest(self):
+        # An input that changes every millisecond for a minute: 60,000 lines and changes.
+        self.run_axlsim(self.write_config({
+            "driver": {"deviceType": "AXL_F_DI8_1_DO8_1", "params": {"Consecutive Number": "1"}},
+            "mappings": {"100": {"size": 1}},
+            "services": {"1": {"eventId": 100, "type": "DigitalIn", "params": {"PinNum": "0"}}},
+            "plant": [{"signal": {"to": "1.DI0", "shape": "square", "period_ms": 2,
+                                  "duty": 0.5}}]}), "--until", "60000")
+        signals = self.open_report()
+        self.assertIn("1.DI0", signals)
+        self.assertRegex(self.shown("waves-note"),
+                         r"^The waveforms show \d+ of \d+ changes: of each signal, the first and "
+                         r"the last in each 30 ms of the run\.$")
+        self.assertRegex(self.shown("timeline-note"),
+                         r"^The timeline shows the first 10000 and the last 10000 of \d+ lines\.$")
+        gap = browser.script("return document.querySelector('#timeline tr.gap').textContent")
+        self.assertRegex(gap, r"^\.\.\. \d+ lines left out \.\.\.$")
+        self.assertEqual(browser.script("return document.querySelectorAll('#timeline tr').length"),
+                         1 + 10000 + 1 + 10000)
+        self.assertIsNone(self.shown("interrupted"))
+
+    def test_the_report_of_a_run_stopped_by_a_closed_pipe_says_so(self):
+        # As `axlsim run ... | head -1` does: the reader goes after its first line.
+        run = subprocess.Popen([AXLSIM, "run", os.path.join(EXAMPLES, "feedback_loop.json"),
+                                "--until", "1000000000000", "--html", self.report],
+                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        run.stdout.readline()
+        run.stdout.close()
+        self.assertEqual(run.wait(timeout=60), 2)
+        run.stderr.close()
+        self.open_report()
+        self.assertRegex(self.shown("interrupted"),
+                         r"^The run was interrupted by a failed write to the standard output "
+                         r"\(Broken pipe\) at \d+(\.\d+)? ms: this report shows it up to there\.$")
 
 if __name__ == "__main__":
     unittest.main()

@@ -3,7 +3,6 @@
 
 #include <string>
 
-#include "axlsim/check/ShortText.h"
 #include "axlsim/render/ValueText.h"
 
 namespace axlsim {

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "ServiceType.h"
-#include "axlsim/check/ShortText.h"
 #include "axlsim/configuration/DriverNumber.h"
 #include "axlsim/render/ValueText.h"
 #include "modules/IbIlConversion.h"

@@ -366,10 +366,7 @@ std::string outOfRange(const std::string& what, const std::string& text,
     // The parser has read the number and at most one character after it.
     const auto read = static_cast<std::size_t>(position.furthest() - text.data());
     const auto start = text.rfind(number, read);
-    const std::string shown = number.size() > kLastReadShown
-                                  ? number.substr(0, kLastReadShown) + "... (" +
-                                        std::to_string(number.size()) + " characters)"
-                                  : number;
+    const std::string shown = shortText(number, kLastReadShown);
     const std::string place =
         start == std::string::npos ? "" : placeText(position.placeOf(text.data() + start)) + ": ";
     return place + "the number " + shown +

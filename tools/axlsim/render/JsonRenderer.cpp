@@ -27,26 +27,26 @@ Json outputsByPosition(const std::vector<std::vector<uint8_t>>& outputs) {
     return object;
 }
 
-// A line as text, its time written from the nanoseconds: nlohmann writes a double with Grisu2,
-// whose text is not always the shortest ("1013.8897920000001" for 1013.889792).
-std::string lineText(const Json& line, std::chrono::nanoseconds t) {
-    constexpr std::string_view kStart = "{\"t_ms\":";
-    std::string text = line.dump(-1, ' ', false, Json::error_handler_t::replace);
-    if (text.starts_with(kStart)) {
-        const auto end = text.find_first_of(",}", kStart.size());
-        text.replace(kStart.size(), end - kStart.size(), millisecondsText(t));
-    }
-    return text;
-}
-
 }  // namespace
+
+// nlohmann writes a double with Grisu2, whose text is not always the shortest
+// ("1013.8897920000001" for 1013.889792), so the time is written from the nanoseconds.
+std::string JsonRenderer::text(const Json& line, std::chrono::nanoseconds t) {
+    constexpr std::string_view kStart = "{\"t_ms\":";
+    std::string written = line.dump(-1, ' ', false, Json::error_handler_t::replace);
+    if (written.starts_with(kStart)) {
+        const auto end = written.find_first_of(",}", kStart.size());
+        written.replace(kStart.size(), end - kStart.size(), millisecondsText(t));
+    }
+    return written;
+}
 
 JsonRenderer::JsonRenderer(std::ostream& out, const Config& config)
     : out_(out), config_(config), catalog_(config.drivers) {}
 
 void JsonRenderer::happening(const Happening& happening) {
     if (const auto object = line(happening)) {
-        out_ << lineText(*object, happening.t) << '\n';
+        out_ << text(*object, happening.t) << '\n';
     }
 }
 
@@ -178,7 +178,7 @@ void JsonRenderer::finish(const RunResult& result) {
         line["gds_outputs"] = outputsByPosition(result.gdsOutputs);
         line["restarts"] = result.restarts;
         line["publishes"] = result.drivers[i].publishes;
-        out_ << lineText(line, result.end) << '\n';
+        out_ << text(line, result.end) << '\n';
     }
     out_.flush();
 }
@@ -188,7 +188,7 @@ void JsonRenderer::interrupted(std::chrono::nanoseconds at, const std::string& s
     line["t_ms"] = milliseconds(at);
     line["kind"] = "interrupted";
     line["signal"] = signal;
-    out_ << lineText(line, at) << '\n';
+    out_ << text(line, at) << '\n';
     out_.flush();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "axlsim/render/ValueText.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
@@ -47,6 +48,11 @@ Lead leadOf(unsigned char byte) {
     return {};
 }
 
+// A byte that continues a UTF-8 sequence rather than starting a character.
+bool continues(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
+}
+
 // The length of the valid UTF-8 sequence at the start of `text`, 0 when it is not one.
 std::size_t sequenceLength(std::string_view text) {
     const Lead lead = leadOf(static_cast<unsigned char>(text[0]));
@@ -58,7 +64,7 @@ std::size_t sequenceLength(std::string_view text) {
         return 0;
     }
     for (int i = 2; i < lead.length; ++i) {
-        if ((static_cast<unsigned char>(text[static_cast<std::size_t>(i)]) & 0xc0) != 0x80) {
+        if (!continues(text[static_cast<std::size_t>(i)])) {
             return 0;
         }
     }
@@ -85,6 +91,27 @@ bool actsOnTheTerminal(char32_t point) {
 
 std::string byteEscaped(unsigned char byte) {
     return "\\x" + toHex(std::span<const uint8_t>(&byte, 1));
+}
+
+// Characters as a reader counts them: UTF-8 sequences count once.
+std::size_t characterCount(std::string_view text) {
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return !continues(c); }));
+}
+
+// The first `shown` characters, not cutting a UTF-8 sequence, when there are more.
+std::string_view head(std::string_view text, std::size_t shown) {
+    std::size_t end = 0;
+    for (std::size_t counted = 0; end < text.size(); ++end) {
+        if (!continues(text[end]) && counted++ == shown) {
+            break;
+        }
+    }
+    return text.substr(0, end);
+}
+
+std::string lengthOf(std::string_view text) {
+    return " (" + std::to_string(characterCount(text)) + " characters)";
 }
 
 }  // namespace
@@ -168,6 +195,17 @@ std::string millisecondsText(std::chrono::nanoseconds t) {
     const auto result = std::to_chars(text, text + sizeof text,
                                       static_cast<double>(ns) / kNanosecondsPerMillisecond);
     return std::string(text, result.ptr);
+}
+
+std::string shortText(std::string_view text, std::size_t characters) {
+    const std::string_view shown = head(text, characters);
+    return shown.size() == text.size() ? visible(text) : visible(shown) + "..." + lengthOf(text);
+}
+
+std::string shortInQuotes(std::string_view text, std::size_t characters) {
+    const std::string_view shown = head(text, characters);
+    return shown.size() == text.size() ? inQuotes(text)
+                                       : "\"" + visible(shown) + "...\"" + lengthOf(text);
 }
 
 }  // namespace axlsim

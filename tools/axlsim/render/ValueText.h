@@ -18,6 +18,14 @@ std::string visible(std::string_view text);
 // control characters escaped.
 std::string inQuotes(std::string_view text);
 
+// A text of the configuration as a message shows it: visible(), and cut to its first `characters`
+// characters with its length when it is longer ("xx... (100000 characters)"), so that a value of
+// any length makes a message of a few lines.
+std::string shortText(std::string_view text, std::size_t characters = 60);
+
+// The same in double quotes, the length after the closing quote.
+std::string shortInQuotes(std::string_view text, std::size_t characters = 60);
+
 // The shortest decimal text that reads back as exactly this float ("4.125", "0.1").
 std::string floatText(float value);
 

@@ -14,7 +14,7 @@ void RunTally::count(const Happening& happening) {
     if (happening.driver < 0 || static_cast<std::size_t>(happening.driver) >= drivers_.size()) {
         return;
     }
-    Driver& driver = drivers_[static_cast<std::size_t>(happening.driver)];
+    RunResult::DriverState& driver = drivers_[static_cast<std::size_t>(happening.driver)];
     if (std::holds_alternative<Happening::Publish>(happening.what)) {
         ++driver.publishes;
     } else if (std::holds_alternative<Happening::Stop>(happening.what)) {

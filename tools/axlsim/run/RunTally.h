@@ -23,14 +23,8 @@ public:
     void summarise(RunResult& result, bool expectStop) const;
 
 private:
-    struct Driver {
-        int publishes = 0;
-        bool stopped = false;
-        bool threw = false;
-    };
-
     int restarts_ = 0;
-    std::vector<Driver> drivers_;
+    std::vector<RunResult::DriverState> drivers_;  // all but `created`, which the run knows
 };
 
 }  // namespace axlsim

@@ -40,9 +40,9 @@ if(TARGET plcnext_driver)
     endif()
 endif()
 
-# The virtual controller's libraries, with the host library that it reports to.
+# The virtual controller's libraries, with the host library and the virtual clock between them.
 set(AXL_VIRTUAL_CONTROLLER_LIBRARIES
-    orbel_intrf vplc vplc_runtime Arp.Plc.AnsiC Arp.System.Commons Arp.System.Rsc
+    orbel_intrf vplc vplc_clock vplc_runtime Arp.Plc.AnsiC Arp.System.Commons Arp.System.Rsc
     Arp.System.Module)
 
 if(TARGET vplc)
@@ -64,6 +64,7 @@ if(TARGET vplc)
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/host/ ${PROJECT_SOURCE_DIR}/platform/
                       ${PROJECT_SOURCE_DIR}/sim/host/include/
                       ${PROJECT_SOURCE_DIR}/sim/controller/include/
+                      ${PROJECT_SOURCE_DIR}/sim/clock/include/
                       ${PROJECT_SOURCE_DIR}/sim/runtime/include/
             DESTINATION ${AXL_WORKSTATION_INCLUDE_DIR} COMPONENT workstation
             FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <chrono>
 #include <optional>
 #include <stdexcept>
 #include <thread>
@@ -12,13 +9,11 @@
 
 #include "Arp/Plc/AnsiC/Domain/PlcOperationHandler.h"
 #include "Arp/Plc/AnsiC/Io/Axio.h"
-#include "FakeScanner.h"
 #include "GdsAccess.h"
 #include "vplc/Plant.h"
 #include "vplc/PlcDomain.h"
 
 using controllertest::acquire;
-using controllertest::FakeScanner;
 using controllertest::lastError;
 using vplc::Fault;
 using vplc::Module;
@@ -120,31 +115,6 @@ TEST(Plant, TheInputCopyHookSetsInputsThatTheSameCopyDelivers) {
     EXPECT_EQ(plant.inputsOnBus(1), (std::vector<uint8_t>{0, 0, 0, 2}));
     EXPECT_TRUE(ArpPlcAxio_WriteFromGdsToAxio(0));
     EXPECT_EQ(calls, 2);
-}
-
-// A running driver thread may be inside the hook, or about to call it: changing it then would
-// free what the thread runs, so the change is refused and the hook stays.
-TEST(Plant, TheInputCopyHookCannotChangeWhileADriverThreadRuns) {
-    using namespace std::chrono_literals;
-    auto plant = Plant::of({Module::DI8_DO8});
-    std::atomic<int> calls{0};
-    plant.onInputCopy([&calls] { ++calls; });
-    {
-        FakeScanner scanner(0, 100ms);
-        scanner.initialize();
-
-        EXPECT_THAT([&plant] { plant.onInputCopy(nullptr); },
-                    ::testing::ThrowsMessage<std::logic_error>(
-                        ::testing::HasSubstr("1 driver thread is running and may be calling the "
-                                             "input-copy hook")));
-    }
-    const int before = calls.load();
-
-    EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
-    EXPECT_EQ(calls.load(), before + 1);
-    plant.onInputCopy(nullptr);
-    EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
-    EXPECT_EQ(calls.load(), before + 1);
 }
 
 // The plant's writes and the scan's copies exclude each other on the controller's lock; under

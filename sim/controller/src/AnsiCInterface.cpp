@@ -10,9 +10,8 @@
 #include "Controller.h"
 #include "FrameLayout.h"
 #include "GdsFrame.h"
+#include "HostQueries.h"
 #include "LastError.h"
-#include "orbel/PauseClock.h"
-#include "vplc/VirtualClock.h"
 
 namespace vplc::ansic {
 
@@ -289,9 +288,7 @@ bool endWrite(TGdsBuffer* pBuffer) {
 
 bool readFromAxioToGds(unsigned long) {
     static const PlatformFunction call("ArpPlcAxio_ReadFromAxioToGds");
-    if (auto* clock = dynamic_cast<VirtualClock*>(orbel::pauseClock())) {
-        clock->atScanStart();
-    }
+    hostQueries::scanStarting();
     // A copy, taken under the lock: the bus that holds the hook may be removed, or the hook
     // changed by a thread that is no driver's, once the lock is let go. The hook is called
     // without the lock, since it sets the plant's inputs, which takes the lock exclusively.

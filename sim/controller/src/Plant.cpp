@@ -10,7 +10,7 @@
 #include "FrameLayout.h"
 #include "GdsFrame.h"
 #include "GdsFrameLock.h"
-#include "orbel/DriverThreads.h"
+#include "HostQueries.h"
 #include "vplc/PlatformCalls.h"
 
 namespace vplc {
@@ -118,7 +118,7 @@ std::vector<uint8_t> Plant::inputsOnBus(int position) const {
 }
 
 void Plant::onInputCopy(std::function<void()> hook) {
-    if (const int running = orbel::runningDriverThreads(); running > 0) {
+    if (const int running = hostQueries::runningDriverThreads(); running > 0) {
         throw std::logic_error(
             "vplc::Plant::onInputCopy: " + std::to_string(running) +
             (running == 1 ? " driver thread is" : " driver threads are") +

@@ -15,7 +15,7 @@
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using controllertest::FakeScanner;
+using clocktest::FakeScanner;
 using vplc::Module;
 using vplc::Plant;
 using vplc::VirtualClock;
@@ -267,7 +267,7 @@ TEST_F(VirtualTime, EndingAHeldThreadEndsItAtTheGateBeforeItsScan) {
 TEST(VirtualClock, JoiningADriverFiberThatIsPausedIsRefused) {
     VirtualClock clock(VirtualClock::Mode::Fibers);
     auto plant = Plant::of({Module::DI8_DO8});
-    controllertest::FakeScanner scanner(0, std::chrono::milliseconds(100));
+    clocktest::FakeScanner scanner(0, std::chrono::milliseconds(100));
     scanner.initialize();
     clock.settle();
 

@@ -6,7 +6,7 @@
 #include "Arp/Plc/AnsiC/Io/Axio.h"
 #include "orbel/DriverThreads.h"
 
-namespace controllertest {
+namespace clocktest {
 
 namespace {
 
@@ -52,4 +52,4 @@ void FakeScanner::run() {
     }
 }
 
-}  // namespace controllertest
+}  // namespace clocktest

@@ -8,7 +8,7 @@
 #include "PosixThread.h"
 #include "SI_base.h"
 
-namespace controllertest {
+namespace clocktest {
 
 // A driver whose thread scans like a real one: a few 1 ms pauses first, then for ever a bus copy
 // of the inputs followed by a pause of one scan period. `onScan` runs after each bus copy.
@@ -32,4 +32,4 @@ private:
     std::atomic<int> scans_{0};
 };
 
-}  // namespace controllertest
+}  // namespace clocktest

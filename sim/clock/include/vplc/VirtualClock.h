@@ -100,7 +100,8 @@ public:
     int pausedThreads() const;
     int heldThreads() const;
 
-    // The scan gate: the controller calls it at the start of ArpPlcAxio_ReadFromAxioToGds.
+    // The scan gate: the controller calls it at the start of ArpPlcAxio_ReadFromAxioToGds, through
+    // the scan-start hook (vplc/HostHooks.h) that this library installs.
     void atScanStart();
 
     // orbel::PauseClock

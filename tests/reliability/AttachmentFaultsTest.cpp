@@ -46,9 +46,7 @@ struct AttachmentRow {
     std::string site = {};
     std::vector<std::string> printed = {};  // lines the driver writes to standard output
     std::vector<LoggedLine> log = {};
-    std::string neutral = {};
-    std::string teardown = {};
-    std::string next = {};
+    RowNotes notes = {};
     std::function<int()> child = {};                // runs the row in the child process
     std::vector<std::string> stops = {};            // of both drivers
     std::map<std::string, std::string> facts = {};  // what the child must report
@@ -201,9 +199,9 @@ AttachmentRow failedLoadRow(const std::string& name, const std::string& call,
             .site = site,
             .printed = printed,
             .log = {notAttached, notAttached},
-            .neutral = "no module, no GDS buffer, no thread; stopped",
-            .teardown = "nothing was acquired",
-            .next = "a second driver stops the same way; the load is not retried",
+            .notes = {.neutral = "no module, no GDS buffer, no thread; stopped",
+                      .next = "a second driver stops the same way; the load is not retried",
+                      .teardown = "nothing was acquired"},
             .child = [arm = std::move(arm)] { return failedAttachmentChild(arm); },
             .stops = {"PLCnext runtime not available", "PLCnext runtime not available"},
             .facts = {{"buffersAcquired", "0"},
@@ -221,10 +219,10 @@ std::vector<AttachmentRow> attachmentRows() {
             .site = "runtime attachment: registering the start handler",
             .printed = {},
             .log = {},
-            .neutral = "the start reaches the handler registered before; initialize waits",
-            .teardown = kBothReleased,
-            .next = "initialize returns once a start reaches the loader's handler; the driver "
-                    "then runs",
+            .notes = {.neutral = "the start reaches the handler registered before; initialize "
+                                 "waits",
+                      .next = "initialize returns once a start reaches the loader's handler; the "
+                              "driver then runs"},
             .child = missedStartChild,
             .stops = {},
             .facts = {{"startedWhileWaiting", "0"},
@@ -271,9 +269,9 @@ TEST_P(Attachment, Row) {
     for (const std::string& line : row.printed) {
         log += "stdout: " + line + " / ";
     }
-    log += MatrixPrinter::describe(row.log);
-    MatrixPrinter::instance().add({row.call, row.site, log, row.neutral, "no frame access",
-                                   row.teardown, row.next, !HasFailure()});
+    log += describeLog(row.log);
+    MatrixPrinter::instance().add({row.call, row.site, log, row.notes.neutral, "no frame access",
+                                   row.notes.teardown, row.notes.next, !HasFailure()});
 }
 
 INSTANTIATE_TEST_SUITE_P(FaultMatrix, Attachment, testing::ValuesIn(attachmentRows()),

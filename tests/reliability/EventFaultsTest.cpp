@@ -3,19 +3,23 @@
 // after every kind of event.
 
 #include <string>
+#include <vector>
 
-#include "FaultRowTest.h"
+#include "FaultMatrix.h"
+#include "Steps.h"
 
 using namespace faultmatrix;
 
-FAULT_MATRIX_ROWS(Event) {
+namespace {
+
+std::vector<FaultRow> eventRows() {
     return {
         {.name = "DigitalOutputEventBeginWriteFails",
          .fault = {kBeginWrite, "writeDigital: output event (pin 5 <- 0)", "OUT frame busy"},
          .steps = {startDigital, failNext, deliver(kPin5, 0), digitalInGds(0x20),
                    digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x40)},
          .log = {failure(kNoBeginWrite, "OUT frame busy")},
-         .cells = {"EndWrite still called; GDS and bus keep 0x20",
+         .notes = {"EndWrite still called; GDS and bus keep 0x20",
                    "pin 5's 0 is remembered: the next event (pin 6 <- 1) puts 0x40 on the bus"}},
         {.name = "DigitalOutputEventEndWriteFails",
          .fault = {kEndWrite, "writeDigital: output event (pin 5 <- 0)", kOutUnlockTimedOut},
@@ -23,7 +27,7 @@ FAULT_MATRIX_ROWS(Event) {
                    digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x00), deliver(kPin6, 1),
                    digitalOnBus(0x40)},
          .log = writeLockKept(),
-         .cells = {"GDS holds 0x00; the copy to the bus fails while the host thread still "
+         .notes = {"GDS holds 0x00; the copy to the bus fails while the host thread still "
                    "holds the lock, bus keeps 0x20",
                    "next event: its Begin is refused, its End frees the lock, its copy brings "
                    "0x00; the one after is written (0x40)"}},
@@ -32,7 +36,7 @@ FAULT_MATRIX_ROWS(Event) {
          .steps = {startAnalog, failNext, deliverFloat(kChannel1, 2.5f), analogInGds(1, 15000),
                    analogOnBus(1, 15000), deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
          .log = {failure(kNoBeginWrite, "OUT frame busy")},
-         .cells = {"EndWrite still called; GDS and bus keep 15000",
+         .notes = {"EndWrite still called; GDS and bus keep 15000",
                    "the next event (2.5) is written: 7500 on the bus"}},
         {.name = "AnalogOutputEventEndWriteFails",
          .fault = {kEndWrite, "writeAnalog: output event (channel 1 <- 2.5)", kOutUnlockTimedOut},
@@ -40,7 +44,7 @@ FAULT_MATRIX_ROWS(Event) {
                    analogOnBus(1, 15000), deliverFloat(kChannel1, 1.0f), analogOnBus(1, 7500),
                    deliverFloat(kChannel1, 1.0f), analogOnBus(1, 3000)},
          .log = writeLockKept(),
-         .cells = {"GDS holds 7500; the copy to the bus fails while the host thread still "
+         .notes = {"GDS holds 7500; the copy to the bus fails while the host thread still "
                    "holds the lock, bus keeps 15000",
                    "next event (1.0): its Begin is refused, its End frees the lock, its copy "
                    "brings 7500; the one after is written (3000)"}},
@@ -49,14 +53,14 @@ FAULT_MATRIX_ROWS(Event) {
                    "Axioline bus cycle missed"},
          .steps = {startDigital, failNext, deliver(kPin5, 0), digitalInGds(0x00),
                    digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x40)},
-         .cells = {"result ignored, nothing logged; GDS 0x00, bus keeps 0x20",
+         .notes = {"result ignored, nothing logged; GDS 0x00, bus keeps 0x20",
                    "the next event (pin 6 <- 1) brings both: 0x40"}},
         {.name = "AnalogOutputEventWriteOutputsFails",
          .fault = {kWriteOutputs, "onReceiveEvent: after an analog output event (channel 1 <- 2.5)",
                    "Axioline bus cycle missed"},
          .steps = {startAnalog, failNext, deliverFloat(kChannel1, 2.5f), analogInGds(1, 7500),
                    analogOnBus(1, 15000), deliverFloat(kChannel1, 1.0f), analogOnBus(1, 3000)},
-         .cells = {"result ignored, nothing logged; GDS 7500, bus keeps 15000",
+         .notes = {"result ignored, nothing logged; GDS 7500, bus keeps 15000",
                    "the next event (1.0) is copied: 3000"}},
         {.name = "RestartEventWriteOutputsFails",
          .fault = {kWriteOutputs, "onReceiveEvent: after a restart event",
@@ -64,16 +68,20 @@ FAULT_MATRIX_ROWS(Event) {
          .steps = {startDigital, failNext, deliver(kRestart, 1), restarts(1), digitalOnBus(0x20),
                    deliver(kPin6, 1), digitalOnBus(0x60)},
          .log = {notice(kRestartNotice)},
-         .cells = {"result ignored; the restart is made, outputs unchanged",
+         .notes = {"result ignored; the restart is made, outputs unchanged",
                    "the next output event is written and copied"}},
         {.name = "UnsubscribedEventWriteOutputsFails",
          .fault = {kWriteOutputs, "onReceiveEvent: after an unsubscribed event",
                    "Axioline bus cycle missed"},
          .steps = {startDigital, failNext, deliver(kUnsubscribed, 1), digitalOnBus(0x20),
                    deliver(kPin6, 1), digitalOnBus(0x60)},
-         .cells = {"result ignored; the event is reported, outputs unchanged",
+         .notes = {"result ignored; the event is reported, outputs unchanged",
                    "the next output event is written and copied"},
          .stops = {"Unsubscribed event received"}},
 
     };
 }
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(Event, FaultMatrix, testing::ValuesIn(eventRows()), rowName);

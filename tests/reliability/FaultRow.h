@@ -98,9 +98,10 @@ struct InjectedFault {
     std::string error = {};
 };
 
-// What the printed matrix tells of a row beside what it observes: the neutral result, what
-// happens afterwards, and what teardown releases.
-struct MatrixCells {
+// A row's behaviour in words, for the printed matrix's columns: the neutral result, what happens
+// afterwards, and what teardown releases. Documentation only, never compared with anything: the
+// row's steps, log and stops are what the test checks, and these words say what they show.
+struct RowNotes {
     std::string neutral = {};
     std::string next = {};
     std::string teardown = kBothReleased;
@@ -114,7 +115,7 @@ struct FaultRow {
     std::vector<Step> steps = {};
     std::vector<LoggedLine> log =
         {};  // every line after the version line, in order, teardown included
-    MatrixCells cells = {};
+    RowNotes notes = {};
     std::vector<std::string> stops = {};  // stopWithError messages, in order
     int buffersKept = 0;                  // buffers the platform still holds after teardown
 };

@@ -43,10 +43,13 @@ void MatrixPrinter::TearDown() {
             << " | " << line.neutral << " | " << line.balance << " | " << line.teardown << " | "
             << line.next << " | " << (line.passed ? "yes" : "NO") << " |\n";
     }
+    out << "\nThe log lines, the Begin/End counts and ok are what the rows observed; the neutral "
+           "result, teardown and afterwards columns are the rows' own words for what their steps "
+           "check.\n";
     std::cout << out.str() << std::endl;
 }
 
-std::string MatrixPrinter::describe(const std::vector<hosting::LoggedLine>& lines) {
+std::string describeLog(const std::vector<hosting::LoggedLine>& lines) {
     if (lines.empty()) {
         return "(none)";
     }

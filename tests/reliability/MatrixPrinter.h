@@ -32,11 +32,11 @@ public:
     void add(MatrixLine line);
     void TearDown() override;
 
-    // Log lines as one cell: "level: text" joined by " / ", or "(none)".
-    static std::string describe(const std::vector<hosting::LoggedLine>& lines);
-
 private:
     std::vector<MatrixLine> lines_;
 };
+
+// Log lines as one cell: "level: text" joined by " / ", or "(none)".
+std::string describeLog(const std::vector<hosting::LoggedLine>& lines);
 
 }  // namespace faultmatrix

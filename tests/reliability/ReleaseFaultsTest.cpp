@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "FaultRowTest.h"
+#include "FaultMatrix.h"
+#include "Steps.h"
 
 using namespace faultmatrix;
 
@@ -24,7 +25,7 @@ FaultRow failedRelease(const std::string& name, const std::string& site, const S
         .steps = {start, both ? Step(failTwice) : Step(failNext), destroy, calls(kRelease, 2)},
         .log = std::vector<LoggedLine>(static_cast<std::size_t>(failures),
                                        failure(kNoRelease, kStillMapped)),
-        .cells = {"the destructor goes on; nothing is thrown",
+        .notes = {"the destructor goes on; nothing is thrown",
                   "the driver is gone; the platform keeps what it could not release",
                   both ? "both kept by the platform" : "1:IN released, 1:OUT kept by the platform"},
         .buffersKept = failures};
@@ -32,7 +33,9 @@ FaultRow failedRelease(const std::string& name, const std::string& site, const S
 
 }  // namespace
 
-FAULT_MATRIX_ROWS(Release) {
+namespace {
+
+std::vector<FaultRow> releaseRows() {
     return {
         failedRelease("DigitalDestructorReleaseOfOutFails",
                       "digital module destructor: buffer 1:OUT (released first)", startDigital, 1),
@@ -44,3 +47,7 @@ FAULT_MATRIX_ROWS(Release) {
                       "analog module destructor: buffers 1:OUT and 1:IN", startAnalog, 2),
     };
 }
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(Release, FaultMatrix, testing::ValuesIn(releaseRows()), rowName);

@@ -2,8 +2,10 @@
 // Restart events: the device-control service lookup and the restart operation.
 
 #include <string>
+#include <vector>
 
-#include "FaultRowTest.h"
+#include "FaultMatrix.h"
+#include "Steps.h"
 #include "vplc/Runtime.h"
 
 using namespace faultmatrix;
@@ -26,13 +28,15 @@ FaultRow refusedRestart(const std::string& name, const InjectedFault& fault, con
                       serviceLookup(Runtime::Lookup::Normal), deliver(kRestart, 1), restarts(1),
                       callsSinceMark(kWriteOutputs, 1)},
             .log = {notice(kRestartNotice), notice(kRestartNotice)},
-            .cells = {"exception reaches the host; no restart, no copy to the bus " + outcome,
+            .notes = {"exception reaches the host; no restart, no copy to the bus " + outcome,
                       "the next restart event restarts once"}};
 }
 
 }  // namespace
 
-FAULT_MATRIX_ROWS(Restart) {
+namespace {
+
+std::vector<FaultRow> restartRows() {
     const std::string service = std::string(Runtime::kGetService);
     return {
         refusedRestart("RestartGetServiceThrows", {service, kRestartEvent, "RSC layer not ready"},
@@ -66,3 +70,7 @@ FAULT_MATRIX_ROWS(Restart) {
                        "(Arp::Exception); the service object is still released"),
     };
 }
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(Restart, FaultMatrix, testing::ValuesIn(restartRows()), rowName);

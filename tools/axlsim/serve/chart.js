@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Waveforms of a run's pins, channels and events, built from its timeline objects (those of
 // `axlsim run --json`). The live page draws the last seconds; the report the whole run.
 class AxlChart {

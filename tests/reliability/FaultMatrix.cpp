@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "FaultRowTest.h"
+#include "FaultMatrix.h"
 
 #include <cstddef>
 #include <vector>
@@ -22,11 +22,11 @@ std::string balanceOf(const vplc::Plant& plant) {
 
 }  // namespace
 
-std::string FaultRowTest::nameOf(const testing::TestParamInfo<FaultRow>& info) {
+std::string rowName(const testing::TestParamInfo<FaultRow>& info) {
     return info.param.name;
 }
 
-void FaultRowTest::runRow() {
+TEST_P(FaultMatrix, Row) {
     const FaultRow& row = GetParam();
     SCOPED_TRACE(row.fault.call + " at " + row.fault.site);
     MatrixPrinter& printer = MatrixPrinter::instance();
@@ -57,8 +57,8 @@ void FaultRowTest::runRow() {
     if (!row.fault.error.empty()) {
         EXPECT_GT(plant.calls(row.fault.call), 0) << "the failing call was never made";
     }
-    printer.add({row.fault.call, row.fault.site, MatrixPrinter::describe(row.log),
-                 row.cells.neutral, balance, row.cells.teardown, row.cells.next, !HasFailure()});
+    printer.add({row.fault.call, row.fault.site, describeLog(row.log), row.notes.neutral, balance,
+                 row.notes.teardown, row.notes.next, !HasFailure()});
 }
 
 }  // namespace faultmatrix

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "FullyConfigured.h"
+#include "hosting/HostCalls.h"
 #include "orbel/DriverThreads.h"
 
 namespace axlbench {
@@ -25,8 +27,8 @@ EventRig::EventRig(EventKind kind, Side side) : plant_(plantOf(moduleOf(kind))) 
     }
     switch (kind) {
         case EventKind::Digital:
-            event_.nId = kFirstOutputId + 3;
-            event_.nSize = 1;
+            eventId_ = kFirstOutputId + 3;
+            eventSize_ = 1;
             payloads_[1][0] = 1;
             bytes_[1][0] = 0x08;
             expected = {0x08};
@@ -35,8 +37,8 @@ EventRig::EventRig(EventKind kind, Side side) : plant_(plantOf(moduleOf(kind))) 
             }
             break;
         case EventKind::TwoPins:
-            event_.nId = kSharedOutputId;
-            event_.nSize = 1;
+            eventId_ = kSharedOutputId;
+            eventSize_ = 1;
             payloads_[1][0] = 1;
             bytes_[1][0] = 0xC0;
             expected = {0xC0};
@@ -46,8 +48,8 @@ EventRig::EventRig(EventKind kind, Side side) : plant_(plantOf(moduleOf(kind))) 
             }
             break;
         case EventKind::Analog: {
-            event_.nId = kFirstOutputId + 1;
-            event_.nSize = 4;
+            eventId_ = kFirstOutputId + 1;
+            eventSize_ = 4;
             // 2.5 and 5.0 are the words 7500 (0x1D4C) and 15000 (0x3A98), stored big-endian.
             const float values[2] = {2.5f, 5.0f};
             std::memcpy(payloads_[0], &values[0], sizeof(float));
@@ -64,7 +66,8 @@ EventRig::EventRig(EventKind kind, Side side) : plant_(plantOf(moduleOf(kind))) 
         }
     }
     if (side == Side::Driver) {
-        driver_ = std::make_unique<BenchDriver>(moduleOf(kind));
+        driver_ = hosting::host::create(fullyConfigured(moduleOf(kind)));
+        hosting::host::initialize(*driver_);
         if (host_.stops() != 0 || host_.failures() != 0) {
             throw std::runtime_error("the driver did not start as configured");
         }
@@ -83,8 +86,7 @@ EventRig::~EventRig() {
 void EventRig::deliver() {
     phase_ ^= 1;
     if (driver_) {
-        event_.pData = payloads_[phase_];
-        driver_->host().onReceiveEvent(event_);
+        hosting::host::deliver(*driver_, eventId_, payloads_[phase_], eventSize_);
     } else {
         writer_->write(bytes_[phase_]);
     }

@@ -5,13 +5,13 @@
 #include <cstdint>
 #include <thread>
 
-#include "TestHost.h"
 #include "hosting/DriverConfig.h"
+#include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::TestHost;
+namespace host = hosting::host;
 using hosting::DriverConfig;
 using namespace std::chrono_literals;
 
@@ -19,19 +19,18 @@ TEST(Concurrency, OutputEventsOnAHostThreadRunAlongsideTheScanOfTheDriverThread)
     orbel::Recorder recorder;
     vplc::VirtualClock clock;
     auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
-    auto driver = TestHost::create(DriverConfig::digital()
-                                       .digitalIn(1, "0")
-                                       .digitalIn(2, "5")
-                                       .digitalOut(3, "1", "0")
-                                       .digitalOut(4, "6", "0"));
-    TestHost::initialize(*driver);
+    auto driver = host::create(DriverConfig::digital()
+                                   .digitalIn(1, "0")
+                                   .digitalIn(2, "5")
+                                   .digitalOut(3, "1", "0")
+                                   .digitalOut(4, "6", "0"));
+    host::initialize(*driver);
     clock.settle();
 
     constexpr int kEvents = 400;
     std::thread host([&] {
         for (int i = 0; i < kEvents; ++i) {
-            TestHost::deliverBytes(*driver, i % 2 == 0 ? 3 : 4,
-                                   {static_cast<uint8_t>(i / 2 % 2 == 0)});
+            host::deliver(*driver, i % 2 == 0 ? 3 : 4, {static_cast<uint8_t>(i / 2 % 2 == 0)});
         }
     });
     constexpr int kScans = 40;

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "Arp/System/Commons/Exceptions/Exceptions.h"
-#include "TestHost.h"
 #include "hosting/DriverConfig.h"
+#include "hosting/HostCalls.h"
 #include "hosting/LoggedLine.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
@@ -15,8 +15,8 @@
 #include "vplc/Runtime.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::DriverPtr;
-using drivertest::TestHost;
+using hosting::DriverPtr;
+namespace host = hosting::host;
 using hosting::DriverConfig;
 using hosting::LoggedLine;
 
@@ -31,8 +31,8 @@ protected:
     DeviceRestart() {
         vplc::Runtime::reset();
         clock_.holdScans(true);
-        driver_ = TestHost::create(DriverConfig::digital().restart(30).digitalOut(20, "0", "0"));
-        TestHost::initialize(*driver_);
+        driver_ = host::create(DriverConfig::digital().restart(30).digitalOut(20, "0", "0"));
+        host::initialize(*driver_);
         clock_.settle();
         recorder_.clear();
         busCopiesAtStart_ = plant_.calls("ArpPlcAxio_WriteFromGdsToAxio");
@@ -43,7 +43,7 @@ protected:
         vplc::Runtime::reset();
     }
 
-    void restart() { TestHost::deliverBytes(*driver_, 30, {0}); }
+    void restart() { host::deliver(*driver_, 30, {0}); }
 
     // Restarts: the message of the exception of type E that reaches the host, or nothing if none
     // does.

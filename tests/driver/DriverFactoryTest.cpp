@@ -6,20 +6,20 @@
 #include <string>
 #include <vector>
 
+#include "ExposedDriver.h"
 #include "PLCNext.h"
-#include "TestHost.h"
 #include "hosting/DriverConfig.h"
-#include "hosting/ExposedDriver.h"
+#include "hosting/HostCalls.h"
 #include "hosting/LoggedLine.h"
 #include "orbel/DriverThreads.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 
-using drivertest::TestHost;
+namespace host = hosting::host;
 using hosting::DriverConfig;
-using hosting::ExposedDriver;
 using hosting::LoggedLine;
 using hosting::loggedLines;
+using testsupport::ExposedDriver;
 
 namespace {
 
@@ -35,7 +35,7 @@ int consecutiveNumberFrom(const std::string& text) {
 template <class Exception>
 std::string whatTheFactoryThrows(const DriverConfig& config) {
     try {
-        TestHost::create(config);
+        host::create(config);
     } catch (const Exception& error) {
         return error.what();
     }
@@ -115,7 +115,7 @@ TEST(DriverFactory, ASuccessfulParseLeavesTheCallersErrnoAlone) {
 TEST(DriverFactory, TheVersionLineNamesTheServiceIO1) {
     orbel::Recorder recorder;
 
-    auto driver = TestHost::create(DriverConfig::digital().serviceName("IO1"));
+    auto driver = host::create(DriverConfig::digital().serviceName("IO1"));
 
     EXPECT_EQ(loggedLines(recorder), std::vector<LoggedLine>{kVersionLine});
     const auto logs = recorder.logs(driver.get());
@@ -125,7 +125,7 @@ TEST(DriverFactory, TheVersionLineNamesTheServiceIO1) {
 TEST(DriverFactory, TheVersionLineCarriesWhateverServiceTextTheHostGives) {
     orbel::Recorder recorder;
 
-    auto driver = TestHost::create(DriverConfig::analog().serviceName("Line 4 %d"));
+    auto driver = host::create(DriverConfig::analog().serviceName("Line 4 %d"));
 
     const auto logs = recorder.logs();
     ASSERT_EQ(logs.size(), 1u);
@@ -136,8 +136,7 @@ TEST(DriverFactory, ConstructionTouchesNoHardwareAndStartsNoThread) {
     auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
     orbel::Recorder recorder;
 
-    auto driver =
-        TestHost::create(DriverConfig::digital().digitalIn(10, "1").digitalOut(20, "2", "1"));
+    auto driver = host::create(DriverConfig::digital().digitalIn(10, "1").digitalOut(20, "2", "1"));
 
     EXPECT_EQ(plant.calls("ArpPlcIo_GetBufferPtrByBufferID"), 0);
     EXPECT_EQ(plant.calls("ArpPlcAxio_ReadFromAxioToGds"), 0);

@@ -7,18 +7,18 @@
 #include <string>
 #include <vector>
 
-#include "TestHost.h"
+#include "ExposedDriver.h"
 #include "hosting/DriverConfig.h"
-#include "hosting/ExposedDriver.h"
+#include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "orbel/StopFlag.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::DriverPtr;
-using drivertest::TestHost;
+using hosting::DriverPtr;
+namespace host = hosting::host;
 using hosting::DriverConfig;
-using hosting::ExposedDriver;
+using testsupport::ExposedDriver;
 
 namespace {
 
@@ -30,7 +30,7 @@ protected:
 
     // Initialises the driver and waits until its thread, if it started one, is at the gate.
     void initialize(CSI_base& driver) {
-        TestHost::initialize(driver);
+        host::initialize(driver);
         clock_.settle();
     }
 

@@ -8,16 +8,16 @@
 #include <vector>
 
 #include "Arp/Plc/AnsiC/Io/Axio.h"
+#include "ExposedDriver.h"
 #include "PosixThread.h"
-#include "TestHost.h"
 #include "hosting/DriverConfig.h"
-#include "hosting/ExposedDriver.h"
+#include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/Runtime.h"
 #include "vplc/VirtualClock.h"
 
-using namespace drivertest;
+using testsupport::ExposedDriver;
 using namespace hosting;
 using namespace std::chrono_literals;
 
@@ -85,13 +85,13 @@ TEST(PlatformArguments, EveryBusTransferOfTheDriverPasses0) {
     vplc::VirtualClock clock;
     auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
     {
-        auto driver = TestHost::create(
+        auto driver = host::create(
             DriverConfig::digital().digitalIn(10, "0").digitalOut(20, "1", "1").restart(30));
-        TestHost::initialize(*driver);
+        host::initialize(*driver);
         clock.runUntil(250ms);
-        TestHost::deliverBytes(*driver, 20, {0});
-        TestHost::deliverBytes(*driver, 30, {0});
-        TestHost::deliverBytes(*driver, 99, {0});
+        host::deliver(*driver, 20, {0});
+        host::deliver(*driver, 30, {0});
+        host::deliver(*driver, 99, {0});
         ASSERT_EQ(vplc::Runtime::restarts(), 1);
         ASSERT_EQ(recorder.stops(driver.get()).size(), 1u);
     }

@@ -3,13 +3,13 @@
 
 #include <chrono>
 #include <cstdint>
-#include <cstring>
 #include <vector>
 
 #include "CombinedModule.h"
-#include "TestHost.h"
+#include "ExposedDriver.h"
 #include "hosting/DriverConfig.h"
-#include "hosting/ExposedDriver.h"
+#include "hosting/FloatBytes.h"
+#include "hosting/HostCalls.h"
 #include "modules/IbIlConversion.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
@@ -17,17 +17,12 @@
 
 using namespace drivertest;
 using namespace hosting;
+using testsupport::ExposedDriver;
 using namespace std::chrono_literals;
 
 namespace {
 
 using Duration = vplc::VirtualClock::Duration;
-
-std::vector<uint8_t> floatBytes(float value) {
-    std::vector<uint8_t> bytes(sizeof value);
-    std::memcpy(bytes.data(), &value, sizeof value);
-    return bytes;
-}
 
 // A driver's scan on virtual time. With a single input the initial phase publishes at 0 and
 // pauses 1 ms, so the endless scan runs at 1 ms, 101 ms, 201 ms and so on.
@@ -40,7 +35,7 @@ protected:
         if (module != nullptr) {
             driver_->setModule(module);
         }
-        TestHost::initialize(*driver_);
+        host::initialize(*driver_);
         clock_.settle();
     }
 

@@ -6,15 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "DriverFactory.h"
 #include "HostRecords.h"
 #include "SI_base.h"
 #include "VirtualTable.h"
 #include "orbel/Recorder.h"
 
 namespace {
-
-using CreateSiObjectFn = CSI_base* (*)(stSP_Params_t, std::map<unsigned, stMappingElem_t>*,
-                                       std::map<unsigned, stServiceParams_t>*);
 
 std::vector<std::string> stopMessages(const orbel::Recorder& recorder, const CSI_base* driver) {
     std::vector<std::string> messages;
@@ -31,7 +29,7 @@ std::vector<std::string> stopMessages(const orbel::Recorder& recorder, const CSI
 TEST(DriverSlots, TheBuiltDriverTakesHostEventsAndIsDeletedThroughTheContractSlots) {
     void* library = dlopen(AXL_DRIVER_PATH, RTLD_NOW);
     ASSERT_NE(library, nullptr) << dlerror();
-    auto createSiObject = reinterpret_cast<CreateSiObjectFn>(dlsym(library, "CreateSiObject"));
+    auto createSiObject = reinterpret_cast<DriverFactory>(dlsym(library, kDriverFactorySymbol));
     ASSERT_NE(createSiObject, nullptr);
     orbel::Recorder recorder;
     stSP_Params_t params;

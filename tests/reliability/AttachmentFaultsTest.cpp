@@ -20,10 +20,8 @@
 #include "ArpModuleLoader.h"
 #include "FaultRow.h"
 #include "MatrixPrinter.h"
-#include "PLCNext.h"
 #include "hosting/ChildProcess.h"
-#include "orbel/CallScope.h"
-#include "orbel/DriverThreads.h"
+#include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/PlatformCalls.h"
@@ -105,30 +103,19 @@ void printRecorded(const orbel::Recorder& recorder) {
     }
 }
 
-CSI_base* createDigitalDriver() {
-    DriverConfig records = digitalRecords();
-    orbel::CallScope creation(nullptr);
-    return CreateSiObject(records.params, &records.mappings, &records.services);
-}
-
-void initializeDriver(CSI_base& driver) {
-    orbel::CallScope scope(&driver);
-    driver.initialize();
-}
-
 // A load that fails: the first driver stops at once, and so does a second one, without a retry.
 int failedAttachmentChild(const std::function<void()>& arm) {
     orbel::Recorder recorder;
     vplc::VirtualClock clock;
     vplc::Plant plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
     arm();
-    CSI_base* first = createDigitalDriver();
-    initializeDriver(*first);
+    auto first = hosting::host::create(digitalRecords());
+    hosting::host::initialize(*first);
     printFact("buffersAcquired", plant.calls(kGetBuffer));
-    orbel::destroyDriver(first);
-    CSI_base* second = createDigitalDriver();
-    initializeDriver(*second);
-    orbel::destroyDriver(second);
+    hosting::host::destroy(first);
+    auto second = hosting::host::create(digitalRecords());
+    hosting::host::initialize(*second);
+    hosting::host::destroy(second);
     printFact("loads", static_cast<int>(Runtime::moduleMainCalls().size()));
     printFact("threadsStarted", static_cast<int>(recorder.threadStarts().size()));
     printFact("buffersHeld", plant.buffersHeld());
@@ -156,8 +143,8 @@ int missedStartChild() {
     vplc::Plant plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
     ArpPlcDomain_SetHandler(previousHandler);
     vplc::inject(kSetHandler, Fault::next("handler table full"));
-    CSI_base* driver = createDigitalDriver();
-    std::thread host([driver] { initializeDriver(*driver); });
+    auto driver = hosting::host::create(digitalRecords());
+    std::thread host([&driver] { hosting::host::initialize(*driver); });
     {
         std::unique_lock lock(startsMutex);
         startsChanged.wait(lock, [] { return startsSeen > 0; });
@@ -172,7 +159,7 @@ int missedStartChild() {
     host.join();
     clock.settle();
     printFact("threadAfterStart", static_cast<int>(recorder.threadStarts().size()));
-    orbel::destroyDriver(driver);
+    hosting::host::destroy(driver);
     printFact("buffersHeld", plant.buffersHeld());
     printRecorded(recorder);
     return 0;

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "hosting/DriverRig.h"
 
-#include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <utility>
 
-#include "PLCNext.h"
-#include "orbel/CallScope.h"
+#include "hosting/FloatBytes.h"
+#include "hosting/HostCalls.h"
 #include "vplc/Runtime.h"
 
 namespace hosting {
@@ -17,8 +15,6 @@ namespace {
 // Longer than the longest pause of a scan, so that a released thread always comes back to the
 // scan gate within it.
 constexpr std::chrono::milliseconds kScanSpan{200};
-
-constexpr std::size_t kMinimumPayload = 4;
 
 }  // namespace
 
@@ -31,24 +27,24 @@ DriverRig::~DriverRig() {
     vplc::Runtime::reset();
 }
 
-CSI_base& DriverRig::create(const DriverConfig& records) {
-    return adopt([&records] {
-        auto mappings = records.mappings;
-        auto services = records.services;
-        return CreateSiObject(records.params, &mappings, &services);
-    });
+CSI_base& DriverRig::create(const DriverConfig& records, DriverFactory factory) {
+    driver_ = host::create(records, factory);
+    return *driver_;
+}
+
+CSI_base& DriverRig::create(DriverConfig& records, DriverFactory factory) {
+    driver_ = host::create(records, factory);
+    return *driver_;
 }
 
 CSI_base& DriverRig::adopt(const std::function<CSI_base*()>& construct) {
-    orbel::CallScope creation(nullptr);
-    driver_.reset(construct());
+    driver_ = host::adopt(construct);
     return *driver_;
 }
 
 void DriverRig::initialize() {
     clock_.holdScans(true);
-    orbel::CallScope scope(driver_.get());
-    driver_->initialize();
+    host::initialize(*driver_);
     clock_.settle();
 }
 
@@ -58,34 +54,23 @@ void DriverRig::passGate() {
 }
 
 void DriverRig::deliver(uint32_t id, std::vector<uint8_t> payload, uint32_t size) {
-    payload.resize(std::max(payload.size(), kMinimumPayload));
-    stEventParams_t event;
-    event.pData = payload.data();
-    event.nId = id;
-    event.nSize = size;
-    driver_->receiveEvent(event);
+    host::deliver(*driver_, id, payload, size);
 }
 
 void DriverRig::deliver(uint32_t id, std::vector<uint8_t> payload) {
-    const auto size = static_cast<uint32_t>(payload.size());
-    deliver(id, std::move(payload), size);
+    host::deliver(*driver_, id, std::move(payload));
 }
 
 void DriverRig::deliverFloat(uint32_t id, float value) {
-    std::vector<uint8_t> payload(sizeof value);
-    std::memcpy(payload.data(), &value, sizeof value);
-    deliver(id, std::move(payload));
+    host::deliver(*driver_, id, floatBytes(value));
 }
 
 void DriverRig::deliverNull(uint32_t id) {
-    stEventParams_t event;
-    event.nId = id;
-    event.nSize = 1;
-    driver_->receiveEvent(event);
+    host::deliverNull(*driver_, id, 1);
 }
 
 void DriverRig::destroy() {
-    driver_.reset();
+    host::destroy(driver_);
 }
 
 bool DriverRig::threadStarted() const {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <vector>
 
+#include "DriverFactory.h"
 #include "SI_base.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverPtr.h"
@@ -30,8 +31,11 @@ public:
     DriverRig(const DriverRig&) = delete;
     DriverRig& operator=(const DriverRig&) = delete;
 
-    // Through the exported factory, as a host does; the version line is attributed to it.
-    CSI_base& create(const DriverConfig& records);
+    // Through the factory, as a host does; the version line is attributed to the driver.
+    CSI_base& create(const DriverConfig& records, DriverFactory factory = &CreateSiObject);
+
+    // The same with the records' own tables, so that the test sees what the factory did to them.
+    CSI_base& create(DriverConfig& records, DriverFactory factory = &CreateSiObject);
 
     // Takes a driver that `construct` makes, attributing its version line to it.
     CSI_base& adopt(const std::function<CSI_base*()>& construct);

@@ -18,7 +18,21 @@ constexpr std::chrono::milliseconds kScanSpan{200};
 
 }  // namespace
 
-DriverRig::DriverRig() : plant_(vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2})) {
+namespace {
+
+vplc::Plant plantOf(const std::vector<vplc::Module>& bus) {
+    vplc::Plant::Builder builder = vplc::Plant::builder();
+    for (vplc::Module module : bus) {
+        builder.module(module);
+    }
+    return builder.build();
+}
+
+}  // namespace
+
+DriverRig::DriverRig() : DriverRig({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2}) {}
+
+DriverRig::DriverRig(const std::vector<vplc::Module>& bus) : plant_(plantOf(bus)) {
     vplc::Runtime::reset();
 }
 

@@ -15,9 +15,12 @@
 
 namespace hosting {
 
-// A host with one driver on the virtual controller, on virtual time. The bus holds the digital
-// module at position 1 and the analog module at position 2. Scans are held at their start, so
-// that the test lets the driver thread through one scan at a time and nothing runs in between.
+// A host with one driver on the virtual controller, on virtual time: the recorder, the clock, the
+// bus and the driver, made in that order. The bus holds the digital module at position 1 and the
+// analog module at position 2, unless a bus of its own is given. After initialize() scans are
+// held at their start, so that the test lets the driver thread through one scan at a time and
+// nothing runs in between; a host that lets them run initialises with host::initialize instead.
+// The runtime's defaults are brought back when the rig is made and when it goes.
 //
 // The members are made in the order the host needs them and go in reverse: the driver (its
 // thread ended first) before the plant, the plant before the clock.
@@ -27,6 +30,7 @@ public:
     static constexpr int kAnalogPosition = 2;
 
     DriverRig();
+    explicit DriverRig(const std::vector<vplc::Module>& bus);
     ~DriverRig();
     DriverRig(const DriverRig&) = delete;
     DriverRig& operator=(const DriverRig&) = delete;

@@ -10,6 +10,7 @@
 #include "SI_base.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverLibrary.h"
+#include "hosting/DriverRig.h"
 #include "hosting/FloatBytes.h"
 #include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
@@ -17,6 +18,7 @@
 #include "vplc/VirtualClock.h"
 
 using hosting::DriverConfig;
+using hosting::DriverRig;
 using hosting::floatBytes;
 using namespace std::chrono_literals;
 namespace host = hosting::host;
@@ -35,10 +37,6 @@ protected:
         }
     }
 
-    hosting::DriverPtr<> create(const DriverConfig& config) {
-        return host::create(config, library_->factory());
-    }
-
     std::unique_ptr<hosting::DriverLibrary> library_;
 };
 
@@ -54,23 +52,23 @@ TEST_F(LoadedDriverLibrary, OffersTheFactoryAndTheRuntimeEntryButNothingOfItsIns
 }
 
 TEST_F(LoadedDriverLibrary, ADriverMadeThroughTheFactoryServesTheDigitalModule) {
-    orbel::Recorder recorder;
-    vplc::VirtualClock clock;
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    DriverRig rig({vplc::Module::DI8_DO8});
+    auto& recorder = rig.recorder();
+    auto& plant = rig.plant();
     plant.setDigitalInputs(1, 0x08);
 
-    auto owned = create(
-        DriverConfig::digital().serviceName("IO9").digitalIn(10, "3").digitalOut(20, "6", "0"));
-    ASSERT_NE(owned, nullptr);
-    const CSI_base* driver = owned.get();
-    host::initialize(*owned);
-    clock.settle();
+    CSI_base& owned = rig.create(
+        DriverConfig::digital().serviceName("IO9").digitalIn(10, "3").digitalOut(20, "6", "0"),
+        library_->factory());
+    const CSI_base* driver = &owned;
+    host::initialize(owned);
+    rig.clock().settle();
 
-    host::deliver(*owned, 20, {1});
+    host::deliver(owned, 20, {1});
     EXPECT_EQ(plant.digitalOutputsOnBus(1), 0x40);
 
     plant.setDigitalInput(1, 3, false);
-    clock.runFor(150ms);
+    rig.clock().runFor(150ms);
 
     const auto published = recorder.published(driver);
     ASSERT_EQ(published.size(), 2u);
@@ -82,48 +80,49 @@ TEST_F(LoadedDriverLibrary, ADriverMadeThroughTheFactoryServesTheDigitalModule) 
     EXPECT_EQ(logs[0].text, "CPLCNext: Drivername[Plc Next]-Version [1.3.2] - Service[IO9]");
     EXPECT_TRUE(recorder.stops().empty());
 
-    host::destroy(owned);
+    rig.destroy();
     EXPECT_EQ(plant.buffersHeld(), 0);
 }
 
 TEST_F(LoadedDriverLibrary, ADriverMadeThroughTheFactoryServesTheAnalogModule) {
-    orbel::Recorder recorder;
-    vplc::VirtualClock clock;
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    DriverRig rig({vplc::Module::AI2_AO2});
+    auto& plant = rig.plant();
     plant.setAnalogInput(1, 1, 15000);
 
-    auto driver = create(DriverConfig::analog().analogIn(11, "1").analogOut(21, "0", "1"));
-    host::initialize(*driver);
-    clock.settle();
+    CSI_base& driver = rig.create(DriverConfig::analog().analogIn(11, "1").analogOut(21, "0", "1"),
+                                  library_->factory());
+    host::initialize(driver);
+    rig.clock().settle();
     EXPECT_EQ(plant.analogOutputOnBus(1, 0), 3000);
 
-    host::deliver(*driver, 21, floatBytes(10.0f));
+    host::deliver(driver, 21, floatBytes(10.0f));
     EXPECT_EQ(plant.analogOutputOnBus(1, 0), 30000);
 
-    const auto published = recorder.published(driver.get());
+    const auto published = rig.recorder().published(&driver);
     ASSERT_EQ(published.size(), 1u);
     EXPECT_EQ(published[0].bytes, floatBytes(5.0f));
 
-    host::destroy(driver);
+    rig.destroy();
 }
 
 TEST_F(LoadedDriverLibrary, ARefusedConfigurationIsReportedToTheHost) {
-    orbel::Recorder recorder;
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    DriverRig rig({vplc::Module::DI8_DO8});
 
-    auto driver = create(DriverConfig::digital().service(1, "Counter", 1));
-    host::initialize(*driver);
+    CSI_base& driver =
+        rig.create(DriverConfig::digital().service(1, "Counter", 1), library_->factory());
+    host::initialize(driver);
 
-    const auto stops = recorder.stops(driver.get());
+    const auto stops = rig.recorder().stops(&driver);
     ASSERT_EQ(stops.size(), 1u);
     EXPECT_EQ(stops[0].message, "Unsupported service type.");
-    host::destroy(driver);
-    EXPECT_EQ(plant.buffersHeld(), 0);
+    rig.destroy();
+    EXPECT_EQ(rig.plant().buffersHeld(), 0);
 }
 
 TEST_F(LoadedDriverLibrary, TheFactorysNumberErrorsReachTheHost) {
     try {
-        create(DriverConfig::digital().param("Consecutive Number", "none"));
+        host::create(DriverConfig::digital().param("Consecutive Number", "none"),
+                     library_->factory());
         FAIL() << "nothing thrown";
     } catch (const std::invalid_argument& error) {
         EXPECT_STREQ(error.what(), "stoi");

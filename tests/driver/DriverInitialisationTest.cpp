@@ -9,6 +9,7 @@
 
 #include "ExposedDriver.h"
 #include "hosting/DriverConfig.h"
+#include "hosting/DriverRig.h"
 #include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "orbel/StopFlag.h"
@@ -18,6 +19,7 @@
 using hosting::DriverPtr;
 namespace host = hosting::host;
 using hosting::DriverConfig;
+using hosting::DriverRig;
 using testsupport::ExposedDriver;
 
 namespace {
@@ -38,9 +40,11 @@ protected:
         return DriverPtr<ExposedDriver>(new ExposedDriver(config));
     }
 
-    orbel::Recorder recorder_;
-    vplc::VirtualClock clock_;
-    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
+    DriverRig rig_;
+    orbel::Recorder& recorder_ = rig_.recorder();
+    vplc::VirtualClock& clock_ = rig_.clock();
+    vplc::Plant& plant_ = rig_.plant();
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "CombinedModule.h"
 #include "ExposedDriver.h"
 #include "hosting/DriverConfig.h"
+#include "hosting/DriverRig.h"
 #include "hosting/FloatBytes.h"
 #include "hosting/HostCalls.h"
 #include "modules/AXL_F_DI8_1_DO8_1.h"
@@ -20,6 +21,7 @@ using drivertest::combinedModule;
 using hosting::DriverPtr;
 namespace host = hosting::host;
 using hosting::DriverConfig;
+using hosting::DriverRig;
 using hosting::floatBytes;
 using testsupport::ExposedDriver;
 
@@ -67,9 +69,11 @@ protected:
         return plant_.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesAtStart_;
     }
 
-    orbel::Recorder recorder_;
-    vplc::VirtualClock clock_;
-    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
+    DriverRig rig_;
+    orbel::Recorder& recorder_ = rig_.recorder();
+    vplc::VirtualClock& clock_ = rig_.clock();
+    vplc::Plant& plant_ = rig_.plant();
     DriverPtr<ExposedDriver> driver_;
     int busCopiesAtStart_ = 0;
 };

@@ -8,6 +8,7 @@
 
 #include "ExposedDriver.h"
 #include "hosting/DriverConfig.h"
+#include "hosting/DriverRig.h"
 #include "hosting/HostCalls.h"
 #include "hosting/LoggedLine.h"
 #include "modules/AXL_F_AI2_AO2.h"
@@ -19,6 +20,7 @@
 using hosting::DriverPtr;
 namespace host = hosting::host;
 using hosting::DriverConfig;
+using hosting::DriverRig;
 using hosting::LoggedLine;
 using testsupport::ExposedDriver;
 
@@ -121,9 +123,11 @@ protected:
         return ::testing::AssertionSuccess();
     }
 
-    orbel::Recorder recorder_;
-    vplc::VirtualClock clock_;
-    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
+    DriverRig rig_;
+    orbel::Recorder& recorder_ = rig_.recorder();
+    vplc::VirtualClock& clock_ = rig_.clock();
+    vplc::Plant& plant_ = rig_.plant();
     DriverPtr<ExposedDriver> driver_;
 };
 

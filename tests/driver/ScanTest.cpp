@@ -8,6 +8,7 @@
 #include "CombinedModule.h"
 #include "ExposedDriver.h"
 #include "hosting/DriverConfig.h"
+#include "hosting/DriverRig.h"
 #include "hosting/FloatBytes.h"
 #include "hosting/HostCalls.h"
 #include "modules/IbIlConversion.h"
@@ -81,9 +82,11 @@ protected:
         return starts;
     }
 
-    orbel::Recorder recorder_;
-    vplc::VirtualClock clock_;
-    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
+    DriverRig rig_;
+    orbel::Recorder& recorder_ = rig_.recorder();
+    vplc::VirtualClock& clock_ = rig_.clock();
+    vplc::Plant& plant_ = rig_.plant();
     DriverPtr<ExposedDriver> driver_;
 };
 

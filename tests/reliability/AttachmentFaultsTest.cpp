@@ -21,6 +21,7 @@
 #include "FaultRow.h"
 #include "MatrixPrinter.h"
 #include "hosting/ChildProcess.h"
+#include "hosting/DriverRig.h"
 #include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
@@ -105,17 +106,15 @@ void printRecorded(const orbel::Recorder& recorder) {
 
 // A load that fails: the first driver stops at once, and so does a second one, without a retry.
 int failedAttachmentChild(const std::function<void()>& arm) {
-    orbel::Recorder recorder;
-    vplc::VirtualClock clock;
-    vplc::Plant plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    hosting::DriverRig rig;
+    const orbel::Recorder& recorder = rig.recorder();
+    const vplc::Plant& plant = rig.plant();
     arm();
-    auto first = hosting::host::create(digitalRecords());
-    hosting::host::initialize(*first);
+    hosting::host::initialize(rig.create(digitalRecords()));
     printFact("buffersAcquired", plant.calls(kGetBuffer));
-    hosting::host::destroy(first);
-    auto second = hosting::host::create(digitalRecords());
-    hosting::host::initialize(*second);
-    hosting::host::destroy(second);
+    rig.destroy();
+    hosting::host::initialize(rig.create(digitalRecords()));
+    rig.destroy();
     printFact("loads", static_cast<int>(Runtime::moduleMainCalls().size()));
     printFact("threadsStarted", static_cast<int>(recorder.threadStarts().size()));
     printFact("buffersHeld", plant.buffersHeld());
@@ -138,13 +137,13 @@ void previousHandler(PlcOperation operation) {
 }
 
 int missedStartChild() {
-    orbel::Recorder recorder;
-    vplc::VirtualClock clock;
-    vplc::Plant plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    hosting::DriverRig rig;
+    const orbel::Recorder& recorder = rig.recorder();
+    const vplc::Plant& plant = rig.plant();
     ArpPlcDomain_SetHandler(previousHandler);
     vplc::inject(kSetHandler, Fault::next("handler table full"));
-    auto driver = hosting::host::create(digitalRecords());
-    std::thread host([&driver] { hosting::host::initialize(*driver); });
+    CSI_base& driver = rig.create(digitalRecords());
+    std::thread host([&driver] { hosting::host::initialize(driver); });
     {
         std::unique_lock lock(startsMutex);
         startsChanged.wait(lock, [] { return startsSeen > 0; });
@@ -157,9 +156,9 @@ int missedStartChild() {
     printFact("threadWhileWaiting", static_cast<int>(recorder.threadStarts().size()));
     PlcOperationHandler(PlcOperation_StartCold);
     host.join();
-    clock.settle();
+    rig.clock().settle();
     printFact("threadAfterStart", static_cast<int>(recorder.threadStarts().size()));
-    hosting::host::destroy(driver);
+    rig.destroy();
     printFact("buffersHeld", plant.buffersHeld());
     printRecorded(recorder);
     return 0;

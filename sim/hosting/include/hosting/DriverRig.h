@@ -64,6 +64,7 @@ public:
     bool threadStarted() const;
 
     CSI_base& driver() { return *driver_; }
+    const CSI_base& driver() const { return *driver_; }
     orbel::Recorder& recorder() { return recorder_; }
     vplc::VirtualClock& clock() { return clock_; }
     vplc::Plant& plant() { return plant_; }

@@ -11,7 +11,6 @@
 #include "hosting/DriverConfig.h"
 #include "hosting/HostCalls.h"
 #include "hosting/LoggedLine.h"
-#include "orbel/DriverThreads.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 
@@ -148,12 +147,12 @@ TEST(DriverFactory, ConstructionTouchesNoHardwareAndStartsNoThread) {
 TEST(DriverFactory, TheHostsTablesAreReadAndNotChanged) {
     auto config = DriverConfig::digital().digitalIn(10, "1").restart(30);
     config.services[10].mapParams.erase("PinNum");
-    auto mappings = config.mappings;
-    auto services = config.services;
 
-    CSI_base* driver = CreateSiObject(config.params, &mappings, &services);
-    orbel::destroyDriver(driver);
+    // Handed the records' own tables.
+    host::create(config).reset();
 
+    const auto& mappings = config.mappings;
+    const auto& services = config.services;
     ASSERT_EQ(mappings.size(), 1u);
     EXPECT_EQ(mappings.at(10).nDataSize, 1);
     ASSERT_EQ(services.size(), 2u);
@@ -165,7 +164,8 @@ TEST(DriverFactory, TheDriverIsUsedAndDeletedThroughItsHostBase) {
     orbel::Recorder recorder;
     auto config = DriverConfig::digital();
 
-    CSI_base* driver = CreateSiObject(config.params, &config.mappings, &config.services);
+    // Deleted below through its base, not by the host's owner.
+    CSI_base* driver = host::create(config).release();
 
     ASSERT_NE(driver, nullptr);
     EXPECT_NE(dynamic_cast<CPLCNext*>(driver), nullptr);

@@ -7,6 +7,7 @@
 
 #include "FloorFrames.h"
 #include "FloorWriter.h"
+#include "HostRecords.h"
 #include "ScanBatchClock.h"
 #include "SilentHost.h"
 #include "Workload.h"
@@ -15,8 +16,8 @@
 
 namespace axlbench {
 
-// Output events on the virtual controller, handled by the driver (delivered through receiveEvent,
-// as its host delivers them) or by the floor. Successive events
+// Output events on the virtual controller, handled by the driver's onReceiveEvent (called through
+// the CSI_base interface) or by the floor. Successive events
 // alternate between two values, so every event changes the outputs; the floor writes the very
 // bytes the driver writes. The driver's scanning thread is held meanwhile, so nothing else runs.
 class EventRig {
@@ -40,8 +41,7 @@ private:
     std::unique_ptr<FloorWriter> writer_;
     // Configured with every pin of the module at position 1 (see Workload.h for its event ids).
     hosting::DriverPtr<> driver_;
-    uint32_t eventId_ = 0;
-    uint32_t eventSize_ = 0;
+    stEventParams_t event_;
     unsigned char payloads_[2][4] = {};  // what the host sends to the driver
     unsigned char bytes_[2][2] = {};     // what the floor writes, as the driver writes it
     int phase_ = 0;

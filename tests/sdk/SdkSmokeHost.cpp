@@ -18,6 +18,7 @@
 #include "HostRecords.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverLibrary.h"
+#include "hosting/DriverRig.h"
 #include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
@@ -72,10 +73,10 @@ int main(int argc, char** argv) {
         return 2;
     }
 
-    orbel::Recorder recorder;
-    vplc::VirtualClock clock;
-    auto plant = vplc::Plant::builder().module(vplc::Module::DI8_DO8).build();
-    plant.setDigitalInput(1, 0, true);
+    hosting::DriverRig rig({vplc::Module::DI8_DO8});
+    const orbel::Recorder& recorder = rig.recorder();
+    const vplc::Plant& plant = rig.plant();
+    rig.plant().setDigitalInput(1, 0, true);
 
     auto records =
         hosting::DriverConfig::digital().mapping(kInputEvent, 1).mapping(kOutputEvent, 1);
@@ -83,11 +84,11 @@ int main(int argc, char** argv) {
         {1, service(kInputEvent, "DigitalIn", {{"PinNum", "0"}})},
         {2, service(kOutputEvent, "DigitalOut", {{"PinNum", "3"}, {"InitVal", "0"}})}};
 
-    auto owned = host::create(records, library->factory());
-    const CSI_base* driver = owned.get();
-    host::initialize(*owned);
-    clock.runUntil(50ms);
-    host::deliver(*owned, kOutputEvent, {1});
+    CSI_base& owned = rig.create(records, library->factory());
+    const CSI_base* driver = &owned;
+    host::initialize(owned);
+    rig.clock().runUntil(50ms);
+    host::deliver(owned, kOutputEvent, {1});
 
     const std::vector<orbel::Publication> published = recorder.published(driver);
     bool passed = true;
@@ -97,7 +98,7 @@ int main(int argc, char** argv) {
     passed &= check(plant.digitalOutputsOnBus(1) == 0x08, "output 3 of the module is on the bus");
     passed &= check(recorder.stops(driver).empty(), "the driver did not stop with an error");
 
-    host::destroy(owned);
+    rig.destroy();
     for (const char* soname : {"libArp.Plc.AnsiC.so", "libArp.System.Commons.so",
                                "libArp.System.Rsc.so", "libArp.System.Module.so"}) {
         std::printf("%s loaded from %s\n", soname, loadedFrom(soname).c_str());

@@ -8,8 +8,8 @@
 
 #include "axlsim/configuration/Config.h"
 #include "axlsim/configuration/ConfigReader.h"
-#include "axlsim/run/DriverLibrary.h"
 #include "axlsim/run/ScenarioPlayer.h"
+#include "hosting/DriverLibrary.h"
 
 namespace {
 
@@ -45,7 +45,7 @@ std::string tenMinutes() {
 
 void TenMinutesOfOneDriverOnTheVirtualClock(benchmark::State& state) {
     const axlsim::Config config = axlsim::ConfigReader::readText(tenMinutes(), "ten minutes");
-    const axlsim::DriverLibrary library(AXLSIM_DRIVER_PATH);
+    const hosting::DriverLibrary library(AXLSIM_DRIVER_PATH);
     std::size_t happenings = 0;
     for (auto _ : state) {
         const axlsim::RunResult result = axlsim::ScenarioPlayer::run(config, library, {});

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "axlsim/configuration/Config.h"
-#include "axlsim/run/DriverLibrary.h"
 #include "axlsim/run/ScenarioPlayer.h"
+#include "hosting/DriverLibrary.h"
 
 namespace {
 
@@ -109,7 +109,7 @@ axlsim::Config scenarioOf(const std::vector<vplc::Module>& bus) {
 
 void virtualTime(benchmark::State& state, std::vector<vplc::Module> bus) {
     const axlsim::Config config = scenarioOf(bus);
-    const axlsim::DriverLibrary library(AXLSIM_DRIVER_PATH);
+    const hosting::DriverLibrary library(AXLSIM_DRIVER_PATH);
     int publishes = 0;
     long runs = 0;
     std::chrono::duration<double> wall{0};

@@ -2,6 +2,7 @@
 // Loads libplcnext_driver.so the way a host runtime does, creates a driver for an AXL F DI8/1
 // DO8/1 module on the virtual controller, and prints what the driver does while the plant
 // changes, on a virtual clock.
+// It hosts by hand, with no helper library, so that every call a host makes is on this page.
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -12,6 +13,7 @@
 #include <span>
 #include <string>
 
+#include "DriverFactory.h"
 #include "HostRecords.h"
 #include "SI_base.h"
 #include "orbel/CallScope.h"
@@ -24,8 +26,6 @@
 namespace {
 
 using namespace std::chrono_literals;
-using CreateSiObjectFn = CSI_base* (*)(stSP_Params_t, std::map<unsigned, stMappingElem_t>*,
-                                       std::map<unsigned, stServiceParams_t>*);
 
 const vplc::VirtualClock* gClock = nullptr;
 
@@ -90,7 +90,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "cannot load the driver: %s\n", dlerror());
         return 2;
     }
-    auto createSiObject = reinterpret_cast<CreateSiObjectFn>(dlsym(library, "CreateSiObject"));
+    auto createSiObject = reinterpret_cast<DriverFactory>(dlsym(library, kDriverFactorySymbol));
     if (createSiObject == nullptr) {
         std::fprintf(stderr, "%s has no CreateSiObject\n", path.c_str());
         return 2;

@@ -14,7 +14,6 @@
 // --heap-only leaves out resident memory and CPU time, which under an emulator are the
 // emulator's own.
 
-#include <dlfcn.h>
 #include <malloc.h>
 #include <sys/resource.h>
 
@@ -28,12 +27,12 @@
 #include <thread>
 #include <vector>
 
-#include "HostRecords.h"
 #include "SI_base.h"
 #include "SleepingThread.h"
 #include "ThreadCpuClocks.h"
-#include "orbel/CallScope.h"
-#include "orbel/DriverThreads.h"
+#include "hosting/DriverLibrary.h"
+#include "hosting/DriverPtr.h"
+#include "hosting/HostCalls.h"
 #include "rig/FullyConfigured.h"
 #include "rig/Workload.h"
 #include "vplc/Plant.h"
@@ -43,9 +42,6 @@ namespace {
 
 using axlbench::ModuleKind;
 using namespace std::chrono_literals;
-
-using Factory = CSI_base* (*)(stSP_Params_t, std::map<unsigned, stMappingElem_t>*,
-                              std::map<unsigned, stServiceParams_t>*);
 
 // The scan pauses 100 ms; the initial publications pause 1 ms each.
 constexpr auto kSettling = 1s;
@@ -136,15 +132,10 @@ bool parse(int argc, char** argv, Options& options) {
     return options.seconds > 0.0;
 }
 
-CSI_base* startDriver(Factory factory, ModuleKind module, int position) {
+hosting::DriverPtr<> startDriver(DriverFactory factory, ModuleKind module, int position) {
     hosting::DriverConfig config = axlbench::fullyConfigured(module, position);
-    CSI_base* driver = nullptr;
-    {
-        orbel::CallScope creation(nullptr);
-        driver = factory(config.params, &config.mappings, &config.services);
-    }
-    orbel::CallScope scope(driver);
-    driver->initialize();
+    auto driver = hosting::host::create(config, factory);
+    hosting::host::initialize(*driver);
     return driver;
 }
 
@@ -167,12 +158,12 @@ double percentOf(std::chrono::duration<double> used, std::chrono::duration<doubl
 }
 
 void idleRun(const Options& options, const axlbench::ThreadCpuClocks& clocks,
-             const std::vector<CSI_base*>& drivers) {
+             const std::vector<hosting::DriverPtr<>>& drivers) {
     axlbench::SleepingThread sleeper;
     std::this_thread::sleep_for(kSettling);
     std::vector<std::chrono::nanoseconds> before;
-    for (CSI_base* driver : drivers) {
-        before.push_back(clocks.cpuTime(driver));
+    for (const hosting::DriverPtr<>& driver : drivers) {
+        before.push_back(clocks.cpuTime(driver.get()));
     }
     const std::chrono::nanoseconds sleeperBefore = sleeper.cpuTime();
     const int scansBefore = vplc::calls("ArpPlcAxio_ReadFromAxioToGds");
@@ -188,7 +179,7 @@ void idleRun(const Options& options, const axlbench::ThreadCpuClocks& clocks,
                 wall.count(), scans);
     std::printf("  %-52s %10s %12s\n", "", "CPU time", "of a core");
     for (std::size_t i = 0; i < drivers.size(); ++i) {
-        const std::chrono::duration<double> used = clocks.cpuTime(drivers[i]) - before[i];
+        const std::chrono::duration<double> used = clocks.cpuTime(drivers[i].get()) - before[i];
         const double share = percentOf(used, wall);
         std::printf("  %-52s %7.3f ms %10.4f %%  (target < %.2f %%: %s)\n", kDrivers[i].name,
                     used.count() * 1e3, share, kCpuShareTarget,
@@ -214,21 +205,14 @@ int run(const Options& options) {
     printMemoryStep("host with the virtual controller, no driver library", last, nullptr,
                     options.heapOnly);
 
-    void* library = dlopen(options.driver.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) {
-        throw std::runtime_error(dlerror());
-    }
-    const auto factory = reinterpret_cast<Factory>(dlsym(library, "CreateSiObject"));
-    if (factory == nullptr) {
-        throw std::runtime_error("the library has no CreateSiObject");
-    }
+    const hosting::DriverLibrary library(options.driver);
     Memory now = memoryNow();
     printMemoryStep("+ driver library loaded (dlopen)", now, &last, options.heapOnly);
     last = now;
 
-    std::vector<CSI_base*> drivers;
+    std::vector<hosting::DriverPtr<>> drivers;
     for (const DriverOnBus& driver : kDrivers) {
-        drivers.push_back(startDriver(factory, driver.module, driver.position));
+        drivers.push_back(startDriver(library.factory(), driver.module, driver.position));
         std::this_thread::sleep_for(kSettling);
         now = memoryNow();
         printMemoryStep((std::string("+ ") + driver.name).c_str(), now, &last, options.heapOnly);
@@ -242,9 +226,7 @@ int run(const Options& options) {
         idleRun(options, clocks, drivers);
     }
 
-    for (CSI_base* driver : drivers) {
-        orbel::destroyDriver(driver);
-    }
+    drivers.clear();
     return 0;
 }
 

@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "FullyConfigured.h"
+#include "hosting/HostCalls.h"
 #include "orbel/DriverThreads.h"
 
 namespace axlbench {
@@ -37,7 +39,8 @@ std::vector<FloorScanner::Read> readsOf(ModuleKind module, const FloorFrames& fr
 
 ScanRig::ScanRig(ModuleKind module, Side side) : plant_(plantWithInputs(module)) {
     if (side == Side::Driver) {
-        driver_ = std::make_unique<BenchDriver>(module);
+        driver_ = hosting::host::create(fullyConfigured(module));
+        hosting::host::initialize(*driver_);
         if (host_.stops() != 0 || host_.failures() != 0) {
             throw std::runtime_error("the driver did not start as configured");
         }

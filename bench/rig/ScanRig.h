@@ -4,12 +4,12 @@
 #include <chrono>
 #include <memory>
 
-#include "BenchDriver.h"
 #include "FloorFrames.h"
 #include "FloorScanner.h"
 #include "ScanBatchClock.h"
 #include "SilentHost.h"
 #include "Workload.h"
+#include "hosting/DriverPtr.h"
 #include "vplc/Plant.h"
 
 namespace axlbench {
@@ -38,7 +38,8 @@ private:
     ScanBatchClock clock_;
     std::unique_ptr<FloorFrames> frames_;
     std::unique_ptr<FloorScanner> floor_;
-    std::unique_ptr<BenchDriver> driver_;
+    // Configured with every pin of the module at position 1 (see Workload.h for its event ids).
+    hosting::DriverPtr<> driver_;
 };
 
 }  // namespace axlbench

@@ -11,6 +11,7 @@
 //   axl_soak [--events N] [--min-seconds S] [--seed N]   (defaults: 1000000, 3, 1)
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -24,12 +25,12 @@
 #include <vector>
 
 #include "InputChanger.h"
-#include "PLCNext.h"
 #include "SoakObserver.h"
 #include "WallClock.h"
+#include "hosting/DriverConfig.h"
 #include "hosting/DriverPtr.h"
+#include "hosting/HostCalls.h"
 #include "modules/IbIlConversion.h"
-#include "orbel/CallScope.h"
 #include "orbel/DriverThreads.h"
 #include "vplc/Plant.h"
 
@@ -77,16 +78,12 @@ struct SoakDriver {
 };
 
 void start(SoakDriver& soak) {
-    stSP_Params_t params;
-    params.sName = "soak";
-    params.sServiceName = "soak " + std::to_string(soak.position);
-    params.sDeviceType = soak.deviceType;
-    params.mapParams["Consecutive Number"] = std::to_string(soak.position);
+    hosting::DriverConfig records(soak.deviceType, std::to_string(soak.position));
+    records.params.sName = "soak";
+    records.params.sServiceName = "soak " + std::to_string(soak.position);
     const char* out = soak.analog() ? "AnalogOut" : "DigitalOut";
     const char* in = soak.analog() ? "AnalogIn" : "DigitalIn";
     const uint16_t size = soak.analog() ? 4 : 1;
-    std::map<unsigned, stMappingElem_t> mappings;
-    std::map<unsigned, stServiceParams_t> services;
     const auto add = [&](const char* type, uint32_t id, int pin, bool output) {
         stServiceParams_t service;
         service.nEventId = id;
@@ -96,8 +93,8 @@ void start(SoakDriver& soak) {
         if (output) {
             service.mapParams.emplace("InitVal", "0");
         }
-        services[id] = service;
-        mappings[id].nDataSize = size;
+        records.services[id] = service;
+        records.mapping(id, size);
     };
     for (int pin = 0; pin < soak.outputs; ++pin) {
         add(out, soak.outputId(pin), pin, true);
@@ -106,12 +103,8 @@ void start(SoakDriver& soak) {
         add(in, soak.inputId(pin), pin, false);
     }
     soak.lastCommanded.assign(static_cast<std::size_t>(soak.outputs), 0);
-    {
-        orbel::CallScope creation(nullptr);
-        soak.driver.reset(CreateSiObject(params, &mappings, &services));
-    }
-    orbel::CallScope scope(soak.driver.get());
-    soak.driver->initialize();
+    soak.driver = hosting::host::create(records);
+    hosting::host::initialize(*soak.driver);
 }
 
 // The host's event thread for one driver: output events to random pins, at least `count` of them
@@ -120,26 +113,23 @@ long commandOutputs(SoakDriver& soak, long count, Clock::time_point until, uint3
     std::mt19937 random(seed);
     std::uniform_int_distribution<int> pins(0, soak.outputs - 1);
     std::uniform_int_distribution<unsigned> words(0, 65535);
-    uint8_t payload[4] = {};
-    stEventParams_t event;
-    event.pData = payload;
+    std::array<uint8_t, hosting::host::kLeastPayload> payload{};
     long delivered = 0;
     // The clock is read only now and then: it costs more than an event.
     while (delivered < count || delivered % 1024 != 0 || Clock::now() < until) {
         ++delivered;
         const int pin = pins(random);
-        event.nId = soak.outputId(pin);
+        uint32_t size = 1;
         if (soak.analog()) {
             const float value = from_ib_il(static_cast<uint16_t>(words(random)));
-            std::memcpy(payload, &value, sizeof value);
-            event.nSize = 4;
+            std::memcpy(payload.data(), &value, sizeof value);
+            size = sizeof value;
             soak.lastCommanded[static_cast<std::size_t>(pin)] = to_ib_il(value);
         } else {
             payload[0] = static_cast<uint8_t>(random() & 1u);
-            event.nSize = 1;
             soak.lastCommanded[static_cast<std::size_t>(pin)] = payload[0];
         }
-        soak.driver->receiveEvent(event);
+        hosting::host::deliver(*soak.driver, soak.outputId(pin), payload, size);
     }
     return delivered;
 }

@@ -9,10 +9,10 @@
 
 #include "ConfigurationText.h"
 #include "Findings.h"
-#include "PLCNext.h"
 #include "RecordComparison.h"
-#include "hosting/DriverPtr.h"
-#include "orbel/CallScope.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/DriverRig.h"
+#include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
@@ -161,13 +161,10 @@ void checkLog(Findings& findings, const stSP_Params_t& params, const orbel::Reco
 std::string ConfigurationFuzzer::run(std::span<const uint8_t> input) {
     const ConfigurationText config = ConfigurationText::parse(input);
     Findings findings;
-    orbel::Recorder recorder;
-    vplc::VirtualClock clock;
-    vplc::Plant::Builder bus = vplc::Plant::builder();
-    for (vplc::Module module : config.bus) {
-        bus.module(module);
-    }
-    vplc::Plant plant = bus.build();
+    hosting::DriverRig rig(config.bus);
+    const orbel::Recorder& recorder = rig.recorder();
+    vplc::VirtualClock& clock = rig.clock();
+    vplc::Plant& plant = rig.plant();
     bool releaseFails = false;
     bool unlockFails = false;
     for (const ConfigurationText::Fault& fault : config.faults) {
@@ -176,22 +173,23 @@ std::string ConfigurationFuzzer::run(std::span<const uint8_t> input) {
         unlockFails |= std::string_view(fault.call).starts_with("ArpPlcGds_End");
     }
 
-    auto mappings = config.mappings;
-    auto services = config.services;
-    hosting::DriverPtr<> driver;
+    // The factory gets the records' own tables, so that what it does to them shows.
+    hosting::DriverConfig handed(config.params.sDeviceType);
+    handed.params = config.params;
+    handed.mappings = config.mappings;
+    handed.services = config.services;
+    bool created = false;
     completesOrThrowsStoi(findings, "CreateSiObject", [&] {
-        orbel::CallScope creation(nullptr);
-        driver.reset(CreateSiObject(config.params, &mappings, &services));
+        rig.create(handed);
+        created = true;
     });
-    findings.expect(
-        sameRecords(mappings, config.mappings) && sameRecords(services, config.services),
-        "CreateSiObject changed the host's tables");
+    findings.expect(sameRecords(handed.mappings, config.mappings) &&
+                        sameRecords(handed.services, config.services),
+                    "CreateSiObject changed the host's tables");
 
-    if (driver) {
-        const bool initialised = completesOrThrowsStoi(findings, "initialize", [&] {
-            orbel::CallScope scope(driver.get());
-            driver->initialize();
-        });
+    if (created) {
+        const bool initialised = completesOrThrowsStoi(
+            findings, "initialize", [&] { hosting::host::initialize(rig.driver()); });
         clock.settle();
         const auto stops = recorder.stops();
         const bool running = initialised && stops.empty();
@@ -206,7 +204,7 @@ std::string ConfigurationFuzzer::run(std::span<const uint8_t> input) {
         clock.runFor(std::chrono::milliseconds(250));
         checkOutputs(findings, config, plant);
         checkPublications(findings, config, recorder);
-        driver.reset();
+        rig.destroy();
     }
 
     checkLog(findings, config.params, recorder);

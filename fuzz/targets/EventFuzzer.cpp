@@ -6,9 +6,9 @@
 #include <stdexcept>
 
 #include "Arp/System/Commons/Exceptions/Exceptions.h"
-#include "PLCNext.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/HostCalls.h"
 #include "modules/IbIlConversion.h"
-#include "orbel/CallScope.h"
 #include "vplc/PlatformCalls.h"
 
 namespace fuzz {
@@ -40,27 +40,18 @@ stServiceParams_t input(const char* type, uint32_t id, int pin) {
     return service(type, id, {{"PinNum", std::to_string(pin)}});
 }
 
-CSI_base* createDriver(const char* deviceType, int position,
-                       const std::map<unsigned, stServiceParams_t>& services, uint16_t size) {
-    stSP_Params_t params;
-    params.sName = "fuzz";
-    params.sServiceName = deviceType;
-    params.sDeviceType = deviceType;
-    params.mapParams["Consecutive Number"] = std::to_string(position);
-    std::map<unsigned, stMappingElem_t> mappings;
+hosting::DriverPtr<> createDriver(const char* deviceType, int position,
+                                  std::map<unsigned, stServiceParams_t> services, uint16_t size) {
+    hosting::DriverConfig records(deviceType, std::to_string(position));
+    records.params.sName = "fuzz";
+    records.params.sServiceName = deviceType;
     for (const auto& [key, record] : services) {
         if (record.sServiceType != "RestartDevice") {
-            mappings[record.nEventId].nDataSize = size;
+            records.mapping(record.nEventId, size);
         }
     }
-    auto servicesCopy = services;
-    orbel::CallScope creation(nullptr);
-    return CreateSiObject(params, &mappings, &servicesCopy);
-}
-
-void initialize(CSI_base& driver) {
-    orbel::CallScope scope(&driver);
-    driver.initialize();
+    records.services = std::move(services);
+    return hosting::host::create(records);
 }
 
 std::string hex(uint32_t value) {
@@ -80,22 +71,22 @@ EventFuzzer::EventFuzzer()
     digital.outputs = {{100, {0}}, {101, {1, 2}}, {103, {3}}, {107, {7}}};
     digital.inputs = {110, 114, 117};
     digital.restarts = {190, 191};
-    digital.driver.reset(createDriver("AXL_F_DI8_1_DO8_1", kDigitalPosition,
-                                      {{1, output("DigitalOut", 100, 0)},
-                                       {2, output("DigitalOut", 101, 1)},
-                                       {3, output("DigitalOut", 101, 2)},
-                                       {4, output("DigitalOut", 103, 3)},
-                                       {5, output("DigitalOut", 107, 7)},
-                                       {6, input("DigitalIn", 110, 0)},
-                                       {7, input("DigitalIn", 114, 4)},
-                                       {8, input("DigitalIn", 117, 7)},
-                                       {9, service("RestartDevice", 190, {})},
-                                       {10, service("RestartDevice", 191, {})}},
-                                      1));
+    digital.driver = createDriver("AXL_F_DI8_1_DO8_1", kDigitalPosition,
+                                  {{1, output("DigitalOut", 100, 0)},
+                                   {2, output("DigitalOut", 101, 1)},
+                                   {3, output("DigitalOut", 101, 2)},
+                                   {4, output("DigitalOut", 103, 3)},
+                                   {5, output("DigitalOut", 107, 7)},
+                                   {6, input("DigitalIn", 110, 0)},
+                                   {7, input("DigitalIn", 114, 4)},
+                                   {8, input("DigitalIn", 117, 7)},
+                                   {9, service("RestartDevice", 190, {})},
+                                   {10, service("RestartDevice", 191, {})}},
+                                  1);
     // The watch knows a driver's inputs before its thread can publish them.
     watch_.expectInputs(digital.driver.get(),
                         {{110, {1, false, 0}}, {114, {1, false, 0}}, {117, {1, false, 0}}});
-    initialize(*digital.driver);
+    hosting::host::initialize(*digital.driver);
 
     Target& analog = targets_[1];
     analog.analog = true;
@@ -104,15 +95,15 @@ EventFuzzer::EventFuzzer()
     analog.restarts = {290};
     watch_.analogValueHeld(0, from_ib_il(0));
     watch_.analogValueHeld(1, from_ib_il(0));
-    analog.driver.reset(createDriver("AXL_F_AI2_AO2", kAnalogPosition,
-                                     {{1, output("AnalogOut", 200, 0)},
-                                      {2, output("AnalogOut", 201, 1)},
-                                      {3, input("AnalogIn", 210, 0)},
-                                      {4, input("AnalogIn", 211, 1)},
-                                      {5, service("RestartDevice", 290, {})}},
-                                     4));
+    analog.driver = createDriver("AXL_F_AI2_AO2", kAnalogPosition,
+                                 {{1, output("AnalogOut", 200, 0)},
+                                  {2, output("AnalogOut", 201, 1)},
+                                  {3, input("AnalogIn", 210, 0)},
+                                  {4, input("AnalogIn", 211, 1)},
+                                  {5, service("RestartDevice", 290, {})}},
+                                 4);
     watch_.expectInputs(analog.driver.get(), {{210, {4, true, 0}}, {211, {4, true, 1}}});
-    initialize(*analog.driver);
+    hosting::host::initialize(*analog.driver);
 }
 
 EventFuzzer::~EventFuzzer() {
@@ -173,8 +164,8 @@ void EventFuzzer::deliverEvent(ByteReader& reader) {
     const bool null = (flags & 2) != 0;
     const uint32_t id = chooseId(target, (flags >> 2) & 3, reader);
     const uint32_t size = reader.word() % (kMaxSize + 1);
-    // The host keeps at least four bytes for every event.
-    std::vector<uint8_t> payload(std::max<uint32_t>(size, 4));
+    // At least the four bytes that the host keeps for every event, all of them chosen.
+    std::vector<uint8_t> payload(std::max<std::size_t>(size, hosting::host::kLeastPayload));
     for (int i = 0; i < 4; ++i) {
         payload[static_cast<std::size_t>(i)] = reader.byte();
     }
@@ -189,13 +180,13 @@ void EventFuzzer::deliverEvent(ByteReader& reader) {
     const int copies = vplc::calls("ArpPlcAxio_WriteFromGdsToAxio");
     const int restarts = Runtime::restarts();
 
-    stEventParams_t params;
-    params.pData = null ? nullptr : payload.data();
-    params.nId = id;
-    params.nSize = size;
     std::string thrown;
     try {
-        target.driver->receiveEvent(params);
+        if (null) {
+            hosting::host::deliverNull(*target.driver, id, size);
+        } else {
+            hosting::host::deliver(*target.driver, id, payload, size);
+        }
     } catch (const Arp::System::Commons::ArgumentException&) {
         thrown = "ArgumentException";
     } catch (const Arp::System::Commons::InvalidOperationException&) {

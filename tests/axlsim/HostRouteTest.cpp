@@ -12,11 +12,13 @@
 #include <ostream>
 
 #include "TestRuns.h"
+#include "hosting/FloatBytes.h"
 
 namespace {
 
 using axlsim::Happening;
 using axlsim::RunResult;
+using hosting::floatBytes;
 using namespace axlsimtest;
 using namespace std::chrono_literals;
 
@@ -54,12 +56,6 @@ std::vector<Sent> events(const RunResult& result) {
                          event.what.payload.value_or(std::vector<uint8_t>{}), event.what.size});
     }
     return found;
-}
-
-std::vector<uint8_t> floatBytes(float value) {
-    std::vector<uint8_t> bytes(sizeof value);
-    std::memcpy(bytes.data(), &value, sizeof value);
-    return bytes;
 }
 
 std::size_t indexOf(const RunResult& result, std::chrono::nanoseconds t, auto matches) {

@@ -10,11 +10,13 @@
 #include "axlsim/configuration/ConfigReader.h"
 #include "axlsim/render/JsonRenderer.h"
 #include "axlsim/render/TextRenderer.h"
+#include "hosting/FloatBytes.h"
 
 namespace {
 
 using axlsim::Happening;
 using axlsimtest::configFrom;
+using hosting::floatBytes;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
@@ -25,12 +27,6 @@ const char* const kConfig = R"({ "driver": { "deviceType": "AXL_F_AI2_AO2" },
     "services": { "1": { "eventId": 300, "name": "level", "type": "AnalogIn" },
                   "2": { "eventId": 301, "type": "AnalogIn" },
                   "3": { "eventId": 100, "name": "in0", "type": "DigitalIn" } } })";
-
-std::vector<uint8_t> floatBytes(float value) {
-    std::vector<uint8_t> bytes(sizeof value);
-    std::memcpy(bytes.data(), &value, sizeof value);
-    return bytes;
-}
 
 std::string json(const axlsim::Config& config, const Happening& happening) {
     std::ostringstream out;

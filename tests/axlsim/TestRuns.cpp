@@ -9,8 +9,8 @@
 
 namespace axlsimtest {
 
-const axlsim::DriverLibrary& driverLibrary() {
-    static const axlsim::DriverLibrary library(AXLSIM_DRIVER);
+const hosting::DriverLibrary& driverLibrary() {
+    static const hosting::DriverLibrary library(AXLSIM_DRIVER);
     return library;
 }
 

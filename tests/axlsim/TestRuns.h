@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "axlsim/configuration/Config.h"
-#include "axlsim/run/DriverLibrary.h"
 #include "axlsim/run/RunResult.h"
+#include "hosting/DriverLibrary.h"
 
 namespace axlsimtest {
 
@@ -21,7 +21,7 @@ inline constexpr const char* kAnalogDriverAtPosition2 =
                         "2": { "eventId": 310, "type": "AnalogOut", "params": { "PinNum": "0", "InitVal": "0" } } } })";
 
 // The driver library built with the tests, loaded once per process.
-const axlsim::DriverLibrary& driverLibrary();
+const hosting::DriverLibrary& driverLibrary();
 
 // A configuration from its JSON text.
 axlsim::Config configFrom(const std::string& json);

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <ostream>
 #include <span>
@@ -11,19 +13,19 @@
 #include <string_view>
 #include <vector>
 
+#include "ExposedDriver.h"
 #include "StepClock.h"
-#include "TestHost.h"
 #include "hosting/DriverConfig.h"
-#include "hosting/ExposedDriver.h"
+#include "hosting/HostCalls.h"
 #include "orbel/HostObserver.h"
 #include "vplc/Plant.h"
 #include "vplc/Runtime.h"
 
-using drivertest::DriverPtr;
-using drivertest::StepClock;
-using drivertest::TestHost;
+using hosting::DriverPtr;
+using testsupport::StepClock;
+namespace host = hosting::host;
 using hosting::DriverConfig;
-using hosting::ExposedDriver;
+using testsupport::ExposedDriver;
 
 namespace {
 
@@ -122,20 +124,12 @@ std::vector<std::size_t> arraySizesOfInitialisation(CSI_base& driver) {
     arrayAllocations = 0;
     {
         CountingScope counting;
-        TestHost::initialize(driver);
+        host::initialize(driver);
     }
     for (int index = 0; index < arrayAllocations.load() && index < kArraySizesKept; ++index) {
         sizes.push_back(arraySizes[index].load());
     }
     return sizes;
-}
-
-stEventParams_t eventWith(uint32_t id, uint8_t* payload, uint32_t size) {
-    stEventParams_t event;
-    event.pData = payload;
-    event.nId = id;
-    event.nSize = size;
-    return event;
 }
 
 // The allocations of the driver threads over 20 scan passes, each after `change(pass)`.
@@ -151,15 +145,16 @@ long allocationsOfTwentyPasses(StepClock& clock, Change change) {
     return allocations.load();
 }
 
-// The allocations of 20 deliveries of the event on this thread, each after `change(delivery)`.
-template <class Change>
-long allocationsOfTwentyDeliveries(CSI_base& driver, const stEventParams_t& event, Change change) {
+// The allocations of 20 deliveries of an event (`deliver` delivers it) on this thread, each after
+// `change(delivery)`.
+template <class Deliver, class Change>
+long allocationsOfTwentyDeliveries(Deliver deliver, Change change) {
     allocations = 0;
     {
         CountingScope counting;
         for (int delivery = 0; delivery < 20; ++delivery) {
             change(delivery);
-            driver.receiveEvent(event);
+            deliver();
         }
     }
     return allocations.load();
@@ -232,8 +227,8 @@ TEST_P(AllocationOfAScan, IsNoneAlsoWhenItPublishes) {
     auto plant = vplc::Plant::of({scan.module});
     StepClock clock;
     DriverThreadMarker marker;
-    auto driver = TestHost::create(scan.config());
-    TestHost::initialize(*driver);
+    auto driver = host::create(scan.config());
+    host::initialize(*driver);
     // Through the two initial pauses and two passes, one of them publishing, so that everything
     // the platform sets up on first use is in place.
     clock.step(2);
@@ -267,35 +262,36 @@ TEST(Allocation, DigitalOutputEventsAllocateNothing) {
     auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
     StepClock clock;
     auto driver =
-        TestHost::create(DriverConfig::digital()
-                             .digitalOut(20, "3", "0")
-                             .digitalOut(21, "4", "0")
-                             .service(22, "DigitalOut", 20, {{"PinNum", "5"}, {"InitVal", "0"}}));
-    TestHost::initialize(*driver);
+        host::create(DriverConfig::digital()
+                         .digitalOut(20, "3", "0")
+                         .digitalOut(21, "4", "0")
+                         .service(22, "DigitalOut", 20, {{"PinNum", "5"}, {"InitVal", "0"}}));
+    host::initialize(*driver);
     clock.waitUntilPaused();
-    uint8_t payload = 1;
-    const stEventParams_t event = eventWith(20, &payload, 1);
-    driver->receiveEvent(event);
+    std::array<uint8_t, 1> payload{1};
+    const auto deliver = [&] { host::deliver(*driver, 20, payload, 1); };
+    deliver();
 
-    EXPECT_EQ(
-        allocationsOfTwentyDeliveries(
-            *driver, event, [&](int delivery) { payload = static_cast<uint8_t>(delivery % 2); }),
-        0);
+    EXPECT_EQ(allocationsOfTwentyDeliveries(
+                  deliver, [&](int delivery) { payload[0] = static_cast<uint8_t>(delivery % 2); }),
+              0);
     EXPECT_EQ(plant.digitalOutputsOnBus(1), 0x28);
 }
 
 TEST(Allocation, AnalogOutputEventsAllocateNothing) {
     auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
     StepClock clock;
-    auto driver = TestHost::create(DriverConfig::analog().analogOut(20, "1", "0"));
-    TestHost::initialize(*driver);
+    auto driver = host::create(DriverConfig::analog().analogOut(20, "1", "0"));
+    host::initialize(*driver);
     clock.waitUntilPaused();
-    float value = 1.0f;
-    const stEventParams_t event = eventWith(20, reinterpret_cast<uint8_t*>(&value), sizeof value);
-    driver->receiveEvent(event);
+    std::array<uint8_t, sizeof(float)> payload{};
+    const auto setValue = [&](float value) { std::memcpy(payload.data(), &value, sizeof value); };
+    const auto deliver = [&] { host::deliver(*driver, 20, payload, sizeof(float)); };
+    setValue(1.0f);
+    deliver();
 
     EXPECT_EQ(allocationsOfTwentyDeliveries(
-                  *driver, event, [&](int delivery) { value = static_cast<float>(delivery); }),
+                  deliver, [&](int delivery) { setValue(static_cast<float>(delivery)); }),
               0);
     EXPECT_EQ(plant.analogOutputOnBus(1, 1), 57000);
 }
@@ -308,17 +304,17 @@ TEST(Allocation, AnUnsubscribedEventAllocatesNothingOnItsWayPastTheRestartServic
     StepClock clock;
     DriverThreadMarker marker;
     auto driver =
-        TestHost::create(DriverConfig::digital().digitalOut(20, "3", "0").restart(30).restart(31));
-    TestHost::initialize(*driver);
+        host::create(DriverConfig::digital().digitalOut(20, "3", "0").restart(30).restart(31));
+    host::initialize(*driver);
     clock.waitUntilPaused();
-    uint8_t payload = 1;
-    const stEventParams_t event = eventWith(99, &payload, 1);
-    driver->receiveEvent(event);
+    std::array<uint8_t, 1> payload{1};
+    const auto deliver = [&] { host::deliver(*driver, 99, payload, 1); };
+    deliver();
     const int stopsBefore = marker.stops();
     const int busCopiesBefore = plant.calls("ArpPlcAxio_WriteFromGdsToAxio");
     const int restartsBefore = vplc::Runtime::restarts();
 
-    EXPECT_EQ(allocationsOfTwentyDeliveries(*driver, event, noChange), 0);
+    EXPECT_EQ(allocationsOfTwentyDeliveries(deliver, noChange), 0);
     EXPECT_EQ(marker.stops() - stopsBefore, 20);
     EXPECT_EQ(plant.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesBefore, 20);
     EXPECT_EQ(vplc::Runtime::restarts() - restartsBefore, 0);
@@ -328,14 +324,14 @@ TEST(Allocation, AnEventWithoutDataAllocatesNothing) {
     auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
     StepClock clock;
     DriverThreadMarker marker;
-    auto driver = TestHost::create(DriverConfig::digital().digitalOut(20, "3", "0"));
-    TestHost::initialize(*driver);
+    auto driver = host::create(DriverConfig::digital().digitalOut(20, "3", "0"));
+    host::initialize(*driver);
     clock.waitUntilPaused();
-    const stEventParams_t event = eventWith(20, nullptr, 1);
-    driver->receiveEvent(event);
+    const auto deliver = [&] { host::deliverNull(*driver, 20, 1); };
+    deliver();
     const int stopsBefore = marker.stops();
 
-    EXPECT_EQ(allocationsOfTwentyDeliveries(*driver, event, noChange), 0);
+    EXPECT_EQ(allocationsOfTwentyDeliveries(deliver, noChange), 0);
     EXPECT_EQ(marker.stops() - stopsBefore, 20);
 }
 
@@ -348,7 +344,7 @@ TEST(Allocation, WhereverTheFactoryRunsOutOfMemoryItThrowsBadAllocAndLeavesNothi
         bool created = false;
         try {
             CountingScope counting;
-            auto driver = TestHost::create(config);
+            auto driver = host::create(config);
             created = true;
         } catch (const std::bad_alloc&) {
             ++failures;
@@ -366,7 +362,7 @@ TEST(Allocation, WhereverRegistrationRunsOutOfMemoryItThrowsBadAlloc) {
     auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
     // Attached, and the platform's input copy used once, beforehand: the failing allocation is
     // to meet the driver's own work, not the runtime's start or the virtual controller's.
-    TestHost::initialize(*TestHost::create(DriverConfig("NONE").restart(1)));
+    host::initialize(*host::create(DriverConfig("NONE").restart(1)));
     // Refused at the last service, so that no thread starts.
     const auto config = DriverConfig("MEMORY")
                             .digitalIn(1, "0")
@@ -384,7 +380,7 @@ TEST(Allocation, WhereverRegistrationRunsOutOfMemoryItThrowsBadAlloc) {
         bool initialised = false;
         try {
             CountingScope counting;
-            TestHost::initialize(*driver);
+            host::initialize(*driver);
             initialised = true;
         } catch (const std::bad_alloc&) {
             ++failures;
@@ -405,8 +401,8 @@ TEST(Allocation, AnInputWhoseEventHasNoSizeStillGetsABufferThatHoldsItsValue) {
     digital.mappings.clear();
     auto analog = DriverConfig::analog(2).analogIn(2, "0");
     analog.mappings.clear();
-    auto digitalDriver = TestHost::create(digital);
-    auto analogDriver = TestHost::create(analog);
+    auto digitalDriver = host::create(digital);
+    auto analogDriver = host::create(analog);
 
     EXPECT_EQ(arraySizesOfInitialisation(*digitalDriver), std::vector<std::size_t>{1});
     EXPECT_EQ(arraySizesOfInitialisation(*analogDriver), std::vector<std::size_t>{4});
@@ -415,8 +411,8 @@ TEST(Allocation, AnInputWhoseEventHasNoSizeStillGetsABufferThatHoldsItsValue) {
 TEST(Allocation, AnInputBufferHasTheSizeOfItsEventWhenThatHoldsTheValue) {
     auto plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
     StepClock clock;
-    auto digitalDriver = TestHost::create(DriverConfig::digital().digitalIn(1, "0", 3));
-    auto analogDriver = TestHost::create(DriverConfig::analog(2).analogIn(2, "0", 8));
+    auto digitalDriver = host::create(DriverConfig::digital().digitalIn(1, "0", 3));
+    auto analogDriver = host::create(DriverConfig::analog(2).analogIn(2, "0", 8));
 
     EXPECT_EQ(arraySizesOfInitialisation(*digitalDriver), std::vector<std::size_t>{3});
     EXPECT_EQ(arraySizesOfInitialisation(*analogDriver), std::vector<std::size_t>{8});

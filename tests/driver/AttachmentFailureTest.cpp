@@ -3,14 +3,14 @@
 
 #include <vector>
 
-#include "TestHost.h"
 #include "hosting/DriverConfig.h"
+#include "hosting/HostCalls.h"
 #include "hosting/LoggedLine.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/Runtime.h"
 
-using drivertest::TestHost;
+namespace host = hosting::host;
 using hosting::DriverConfig;
 using hosting::LoggedLine;
 
@@ -36,11 +36,10 @@ protected:
 }  // namespace
 
 TEST_F(WithoutRuntime, ADriverThatCannotAttachReportsItAndDoesNotStart) {
-    auto driver =
-        TestHost::create(DriverConfig::digital().digitalIn(1, "0").digitalOut(2, "1", "1"));
+    auto driver = host::create(DriverConfig::digital().digitalIn(1, "0").digitalOut(2, "1", "1"));
     recorder_.clear();
 
-    TestHost::initialize(*driver);
+    host::initialize(*driver);
 
     EXPECT_EQ(hosting::loggedLines(recorder_), std::vector<LoggedLine>{kNotAttached});
     const auto stops = recorder_.stops(driver.get());
@@ -54,12 +53,12 @@ TEST_F(WithoutRuntime, ADriverThatCannotAttachReportsItAndDoesNotStart) {
 }
 
 TEST_F(WithoutRuntime, EveryLaterDriverOfTheProcessIsRefusedTheSameWay) {
-    auto first = TestHost::create(DriverConfig::digital());
-    TestHost::initialize(*first);
-    auto second = TestHost::create(DriverConfig::analog());
+    auto first = host::create(DriverConfig::digital());
+    host::initialize(*first);
+    auto second = host::create(DriverConfig::analog());
     recorder_.clear();
 
-    TestHost::initialize(*second);
+    host::initialize(*second);
 
     EXPECT_EQ(hosting::loggedLines(recorder_), std::vector<LoggedLine>{kNotAttached});
     ASSERT_EQ(recorder_.stops(second.get()).size(), 1u);

@@ -5,33 +5,30 @@
 #include <cstdint>
 #include <thread>
 
-#include "TestHost.h"
 #include "hosting/DriverConfig.h"
-#include "orbel/Recorder.h"
-#include "vplc/Plant.h"
-#include "vplc/VirtualClock.h"
+#include "hosting/DriverRig.h"
+#include "hosting/HostCalls.h"
 
-using drivertest::TestHost;
+namespace host = hosting::host;
 using hosting::DriverConfig;
 using namespace std::chrono_literals;
 
 TEST(Concurrency, OutputEventsOnAHostThreadRunAlongsideTheScanOfTheDriverThread) {
-    orbel::Recorder recorder;
-    vplc::VirtualClock clock;
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
-    auto driver = TestHost::create(DriverConfig::digital()
-                                       .digitalIn(1, "0")
-                                       .digitalIn(2, "5")
-                                       .digitalOut(3, "1", "0")
-                                       .digitalOut(4, "6", "0"));
-    TestHost::initialize(*driver);
+    hosting::DriverRig rig({vplc::Module::DI8_DO8});
+    auto& clock = rig.clock();
+    auto& plant = rig.plant();
+    CSI_base& driver = rig.create(DriverConfig::digital()
+                                      .digitalIn(1, "0")
+                                      .digitalIn(2, "5")
+                                      .digitalOut(3, "1", "0")
+                                      .digitalOut(4, "6", "0"));
+    host::initialize(driver);
     clock.settle();
 
     constexpr int kEvents = 400;
     std::thread host([&] {
         for (int i = 0; i < kEvents; ++i) {
-            TestHost::deliverBytes(*driver, i % 2 == 0 ? 3 : 4,
-                                   {static_cast<uint8_t>(i / 2 % 2 == 0)});
+            host::deliver(driver, i % 2 == 0 ? 3 : 4, {static_cast<uint8_t>(i / 2 % 2 == 0)});
         }
     });
     constexpr int kScans = 40;
@@ -43,8 +40,8 @@ TEST(Concurrency, OutputEventsOnAHostThreadRunAlongsideTheScanOfTheDriverThread)
 
     // The last two events switched pins 1 and 6 off; every pass saw input 0 change.
     EXPECT_EQ(plant.digitalOutputsOnBus(1), 0x00);
-    EXPECT_EQ(recorder.published(driver.get()).size(), 2u + kScans);
-    EXPECT_TRUE(recorder.stops().empty());
+    EXPECT_EQ(rig.recorder().published(&driver).size(), 2u + kScans);
+    EXPECT_TRUE(rig.recorder().stops().empty());
     EXPECT_EQ(plant.openLocks(), 0);
     EXPECT_EQ(plant.unmatchedEnds(), 0);
 }

@@ -6,8 +6,9 @@
 #include <string>
 
 #include "Arp/System/Commons/Exceptions/Exceptions.h"
-#include "TestHost.h"
 #include "hosting/DriverConfig.h"
+#include "hosting/DriverRig.h"
+#include "hosting/HostCalls.h"
 #include "hosting/LoggedLine.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
@@ -15,8 +16,8 @@
 #include "vplc/Runtime.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::DriverPtr;
-using drivertest::TestHost;
+using hosting::DriverRig;
+namespace host = hosting::host;
 using hosting::DriverConfig;
 using hosting::LoggedLine;
 
@@ -29,21 +30,13 @@ const LoggedLine kRestartLine{
 class DeviceRestart : public ::testing::Test {
 protected:
     DeviceRestart() {
-        vplc::Runtime::reset();
-        clock_.holdScans(true);
-        driver_ = TestHost::create(DriverConfig::digital().restart(30).digitalOut(20, "0", "0"));
-        TestHost::initialize(*driver_);
-        clock_.settle();
+        rig_.create(DriverConfig::digital().restart(30).digitalOut(20, "0", "0"));
+        rig_.initialize();
         recorder_.clear();
         busCopiesAtStart_ = plant_.calls("ArpPlcAxio_WriteFromGdsToAxio");
         servicesAtStart_ = vplc::Runtime::servicesMade();
     }
-    ~DeviceRestart() override {
-        driver_.reset();
-        vplc::Runtime::reset();
-    }
-
-    void restart() { TestHost::deliverBytes(*driver_, 30, {0}); }
+    void restart() { host::deliver(rig_.driver(), 30, {0}); }
 
     // Restarts: the message of the exception of type E that reaches the host, or nothing if none
     // does.
@@ -59,7 +52,7 @@ protected:
 
     std::vector<LoggedLine> logs() const {
         std::vector<LoggedLine> lines;
-        for (const auto& line : recorder_.logs(driver_.get())) {
+        for (const auto& line : recorder_.logs(&rig_.driver())) {
             lines.push_back({line.level, line.format, line.text});
         }
         return lines;
@@ -69,10 +62,10 @@ protected:
         return plant_.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesAtStart_;
     }
 
-    orbel::Recorder recorder_;
-    vplc::VirtualClock clock_;
-    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8});
-    DriverPtr<> driver_;
+    DriverRig rig_{{vplc::Module::DI8_DO8}};
+    orbel::Recorder& recorder_ = rig_.recorder();
+    vplc::VirtualClock& clock_ = rig_.clock();
+    vplc::Plant& plant_ = rig_.plant();
     int busCopiesAtStart_ = 0;
     int servicesAtStart_ = 0;
 };

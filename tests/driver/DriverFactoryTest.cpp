@@ -6,20 +6,19 @@
 #include <string>
 #include <vector>
 
+#include "ExposedDriver.h"
 #include "PLCNext.h"
-#include "TestHost.h"
 #include "hosting/DriverConfig.h"
-#include "hosting/ExposedDriver.h"
+#include "hosting/HostCalls.h"
 #include "hosting/LoggedLine.h"
-#include "orbel/DriverThreads.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 
-using drivertest::TestHost;
+namespace host = hosting::host;
 using hosting::DriverConfig;
-using hosting::ExposedDriver;
 using hosting::LoggedLine;
 using hosting::loggedLines;
+using testsupport::ExposedDriver;
 
 namespace {
 
@@ -35,7 +34,7 @@ int consecutiveNumberFrom(const std::string& text) {
 template <class Exception>
 std::string whatTheFactoryThrows(const DriverConfig& config) {
     try {
-        TestHost::create(config);
+        host::create(config);
     } catch (const Exception& error) {
         return error.what();
     }
@@ -115,7 +114,7 @@ TEST(DriverFactory, ASuccessfulParseLeavesTheCallersErrnoAlone) {
 TEST(DriverFactory, TheVersionLineNamesTheServiceIO1) {
     orbel::Recorder recorder;
 
-    auto driver = TestHost::create(DriverConfig::digital().serviceName("IO1"));
+    auto driver = host::create(DriverConfig::digital().serviceName("IO1"));
 
     EXPECT_EQ(loggedLines(recorder), std::vector<LoggedLine>{kVersionLine});
     const auto logs = recorder.logs(driver.get());
@@ -125,7 +124,7 @@ TEST(DriverFactory, TheVersionLineNamesTheServiceIO1) {
 TEST(DriverFactory, TheVersionLineCarriesWhateverServiceTextTheHostGives) {
     orbel::Recorder recorder;
 
-    auto driver = TestHost::create(DriverConfig::analog().serviceName("Line 4 %d"));
+    auto driver = host::create(DriverConfig::analog().serviceName("Line 4 %d"));
 
     const auto logs = recorder.logs();
     ASSERT_EQ(logs.size(), 1u);
@@ -136,8 +135,7 @@ TEST(DriverFactory, ConstructionTouchesNoHardwareAndStartsNoThread) {
     auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
     orbel::Recorder recorder;
 
-    auto driver =
-        TestHost::create(DriverConfig::digital().digitalIn(10, "1").digitalOut(20, "2", "1"));
+    auto driver = host::create(DriverConfig::digital().digitalIn(10, "1").digitalOut(20, "2", "1"));
 
     EXPECT_EQ(plant.calls("ArpPlcIo_GetBufferPtrByBufferID"), 0);
     EXPECT_EQ(plant.calls("ArpPlcAxio_ReadFromAxioToGds"), 0);
@@ -149,12 +147,12 @@ TEST(DriverFactory, ConstructionTouchesNoHardwareAndStartsNoThread) {
 TEST(DriverFactory, TheHostsTablesAreReadAndNotChanged) {
     auto config = DriverConfig::digital().digitalIn(10, "1").restart(30);
     config.services[10].mapParams.erase("PinNum");
-    auto mappings = config.mappings;
-    auto services = config.services;
 
-    CSI_base* driver = CreateSiObject(config.params, &mappings, &services);
-    orbel::destroyDriver(driver);
+    // Handed the records' own tables.
+    host::create(config).reset();
 
+    const auto& mappings = config.mappings;
+    const auto& services = config.services;
     ASSERT_EQ(mappings.size(), 1u);
     EXPECT_EQ(mappings.at(10).nDataSize, 1);
     ASSERT_EQ(services.size(), 2u);
@@ -166,7 +164,8 @@ TEST(DriverFactory, TheDriverIsUsedAndDeletedThroughItsHostBase) {
     orbel::Recorder recorder;
     auto config = DriverConfig::digital();
 
-    CSI_base* driver = CreateSiObject(config.params, &config.mappings, &config.services);
+    // Deleted below through its base, not by the host's owner.
+    CSI_base* driver = host::create(config).release();
 
     ASSERT_NE(driver, nullptr);
     EXPECT_NE(dynamic_cast<CPLCNext*>(driver), nullptr);

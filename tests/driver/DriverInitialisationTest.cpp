@@ -7,18 +7,20 @@
 #include <string>
 #include <vector>
 
-#include "TestHost.h"
+#include "ExposedDriver.h"
 #include "hosting/DriverConfig.h"
-#include "hosting/ExposedDriver.h"
+#include "hosting/DriverRig.h"
+#include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "orbel/StopFlag.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::DriverPtr;
-using drivertest::TestHost;
+using hosting::DriverPtr;
+namespace host = hosting::host;
 using hosting::DriverConfig;
-using hosting::ExposedDriver;
+using hosting::DriverRig;
+using testsupport::ExposedDriver;
 
 namespace {
 
@@ -30,7 +32,7 @@ protected:
 
     // Initialises the driver and waits until its thread, if it started one, is at the gate.
     void initialize(CSI_base& driver) {
-        TestHost::initialize(driver);
+        host::initialize(driver);
         clock_.settle();
     }
 
@@ -38,9 +40,11 @@ protected:
         return DriverPtr<ExposedDriver>(new ExposedDriver(config));
     }
 
-    orbel::Recorder recorder_;
-    vplc::VirtualClock clock_;
-    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
+    DriverRig rig_;
+    orbel::Recorder& recorder_ = rig_.recorder();
+    vplc::VirtualClock& clock_ = rig_.clock();
+    vplc::Plant& plant_ = rig_.plant();
 };
 
 }  // namespace

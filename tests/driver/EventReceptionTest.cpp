@@ -2,14 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstring>
 #include <utility>
 #include <vector>
 
 #include "CombinedModule.h"
-#include "TestHost.h"
+#include "ExposedDriver.h"
 #include "hosting/DriverConfig.h"
-#include "hosting/ExposedDriver.h"
+#include "hosting/DriverRig.h"
+#include "hosting/FloatBytes.h"
+#include "hosting/HostCalls.h"
 #include "modules/AXL_F_DI8_1_DO8_1.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
@@ -17,10 +18,12 @@
 #include "vplc/VirtualClock.h"
 
 using drivertest::combinedModule;
-using drivertest::DriverPtr;
-using drivertest::TestHost;
+using hosting::DriverPtr;
+namespace host = hosting::host;
 using hosting::DriverConfig;
-using hosting::ExposedDriver;
+using hosting::DriverRig;
+using hosting::floatBytes;
+using testsupport::ExposedDriver;
 
 namespace {
 
@@ -55,7 +58,7 @@ protected:
         if (module != nullptr) {
             driver_->setModule(module);
         }
-        TestHost::initialize(*driver_);
+        host::initialize(*driver_);
         clock_.settle();
         EXPECT_TRUE(recorder_.stops().empty());
         busCopiesAtStart_ = plant_.calls("ArpPlcAxio_WriteFromGdsToAxio");
@@ -66,9 +69,11 @@ protected:
         return plant_.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesAtStart_;
     }
 
-    orbel::Recorder recorder_;
-    vplc::VirtualClock clock_;
-    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
+    DriverRig rig_;
+    orbel::Recorder& recorder_ = rig_.recorder();
+    vplc::VirtualClock& clock_ = rig_.clock();
+    vplc::Plant& plant_ = rig_.plant();
     DriverPtr<ExposedDriver> driver_;
     int busCopiesAtStart_ = 0;
 };
@@ -77,12 +82,8 @@ protected:
 
 TEST_F(EventReception, ANullPayloadIsReportedOnceAndNothingIsWrittenOrCopied) {
     auto& driver = start(DriverConfig::digital().digitalOut(20, "2", "0"));
-    stEventParams_t event;
-    event.pData = nullptr;
-    event.nId = 20;
-    event.nSize = 1;
 
-    TestHost::deliver(driver, event);
+    host::deliverNull(driver, 20, 1);
 
     const auto stops = recorder_.stops(&driver);
     ASSERT_EQ(stops.size(), 1u);
@@ -95,13 +96,13 @@ TEST_F(EventReception, ANullPayloadIsReportedOnceAndNothingIsWrittenOrCopied) {
 TEST_F(EventReception, ADigitalEventSwitchesItsPinAndCopiesTheOutputsToTheBus) {
     auto& driver = start(DriverConfig::digital().digitalOut(20, "2", "0"));
 
-    TestHost::deliverBytes(driver, 20, {1});
+    host::deliver(driver, 20, {1});
 
     EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x04);
     EXPECT_EQ(busCopies(), 1);
     EXPECT_TRUE(recorder_.stops().empty());
 
-    TestHost::deliverBytes(driver, 20, {0});
+    host::deliver(driver, 20, {0});
     EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x00);
     EXPECT_EQ(busCopies(), 2);
 }
@@ -115,7 +116,7 @@ TEST_F(EventReception, TwoDigitalOutputsOfOneEventBothReceiveTheByteLowerPinFirs
           module);
     module->writes.clear();
 
-    TestHost::deliverBytes(*driver_, 20, {1});
+    host::deliver(*driver_, 20, {1});
 
     EXPECT_EQ(module->writes, (std::vector<std::pair<int, unsigned char>>{{2, 1}, {6, 1}}));
     EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x44);
@@ -125,7 +126,7 @@ TEST_F(EventReception, TwoDigitalOutputsOfOneEventBothReceiveTheByteLowerPinFirs
 TEST_F(EventReception, OnlyTheFirstPayloadByteOfADigitalEventIsUsed) {
     auto& driver = start(DriverConfig::digital().digitalOut(20, "3", "0"));
 
-    TestHost::deliverBytes(driver, 20, {1, 0xFE, 0xFF});
+    host::deliver(driver, 20, {1, 0xFE, 0xFF});
 
     EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x08);
 }
@@ -133,7 +134,7 @@ TEST_F(EventReception, OnlyTheFirstPayloadByteOfADigitalEventIsUsed) {
 TEST_F(EventReception, AnAnalogEventIsConvertedToItsWordAndWritten) {
     auto& driver = start(DriverConfig::analog(2).analogOut(21, "1", "0"));
 
-    TestHost::deliverFloat(driver, 21, 1.23456f);
+    host::deliver(driver, 21, floatBytes(1.23456f));
 
     EXPECT_EQ(plant_.analogOutputOnBus(2, 1), 3703);
     EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 0);
@@ -142,15 +143,9 @@ TEST_F(EventReception, AnAnalogEventIsConvertedToItsWordAndWritten) {
 
 TEST_F(EventReception, AnAnalogEventAlwaysTakesFourBytesWhateverItsSizeSays) {
     auto& driver = start(DriverConfig::analog(2).analogOut(21, "0", "0"));
-    const float value = 10.0f;
-    uint8_t payload[sizeof value];
-    std::memcpy(payload, &value, sizeof value);
-    stEventParams_t event;
-    event.pData = payload;
-    event.nId = 21;
-    event.nSize = 1;
+    std::vector<uint8_t> payload = floatBytes(10.0f);
 
-    TestHost::deliver(driver, event);
+    host::deliver(driver, 21, payload, 1);
 
     EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 30000);
 }
@@ -164,10 +159,10 @@ TEST_F(EventReception, AnEventBoundToAnAnalogAndADigitalPinFeedsEachAsItsKind) {
 
     // The digital pin takes the first payload byte, which for 1.0f in the controller's
     // little-endian order is 0x00, so the pin that was switched on goes off.
-    TestHost::deliverBytes(*driver_, 30, {0x01, 0x00, 0x00, 0x00});
+    host::deliver(*driver_, 30, {0x01, 0x00, 0x00, 0x00});
     ASSERT_EQ(plant_.digitalOutputsOnBus(1), 0x01);
 
-    TestHost::deliverFloat(*driver_, 30, 1.0f);
+    host::deliver(*driver_, 30, floatBytes(1.0f));
 
     EXPECT_EQ(plant_.analogOutputOnBus(2, 1), 3000);
     EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x00);
@@ -177,7 +172,7 @@ TEST_F(EventReception, AnEventBoundToAnAnalogAndADigitalPinFeedsEachAsItsKind) {
 TEST_F(EventReception, ARestartEventRestartsTheDeviceOnceThenCopiesTheOutputs) {
     auto& driver = start(DriverConfig::digital().restart(30).digitalOut(20, "1", "0"));
 
-    TestHost::deliverBytes(driver, 30, {0});
+    host::deliver(driver, 30, {0});
 
     EXPECT_EQ(vplc::Runtime::restarts(), 1);
     EXPECT_EQ(busCopies(), 1);
@@ -189,7 +184,7 @@ TEST_F(EventReception, ARestartIdListedTwiceRestartsOnce) {
         DriverConfig::digital().service(1, "RestartDevice", 30).service(2, "RestartDevice", 30));
     ASSERT_EQ(driver.restartEventIds().size(), 2u);
 
-    TestHost::deliverBytes(driver, 30, {0});
+    host::deliver(driver, 30, {0});
 
     EXPECT_EQ(vplc::Runtime::restarts(), 1);
     EXPECT_EQ(busCopies(), 1);
@@ -198,7 +193,7 @@ TEST_F(EventReception, ARestartIdListedTwiceRestartsOnce) {
 TEST_F(EventReception, AnUnknownEventIsReportedAndStillFollowedByOneBusCopy) {
     auto& driver = start(DriverConfig::digital().digitalOut(20, "1", "0").restart(30));
 
-    TestHost::deliverBytes(driver, 99, {1});
+    host::deliver(driver, 99, {1});
 
     const auto stops = recorder_.stops(&driver);
     ASSERT_EQ(stops.size(), 1u);
@@ -213,7 +208,7 @@ TEST_F(EventReception, AnIdOfBothAnOutputAndARestartServiceWritesTheOutputAndNev
     auto& driver =
         start(DriverConfig::digital().digitalOut(40, "1", "0").service(100, "RestartDevice", 40));
 
-    TestHost::deliverBytes(driver, 40, {1});
+    host::deliver(driver, 40, {1});
 
     EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x02);
     EXPECT_EQ(vplc::Runtime::restarts(), 0);
@@ -224,7 +219,7 @@ TEST_F(EventReception, AFailedModuleWriteIsFollowedByTheBusCopyAsUsual) {
     auto& driver = start(DriverConfig::digital().digitalOut(20, "1", "0"));
     plant_.inject("ArpPlcGds_BeginWrite", vplc::Fault::next("frame is busy"));
 
-    TestHost::deliverBytes(driver, 20, {1});
+    host::deliver(driver, 20, {1});
 
     const auto logs = recorder_.logs(&driver);
     ASSERT_EQ(logs.size(), 1u);
@@ -237,7 +232,7 @@ TEST_F(EventReception, AFailedBusCopyIsIgnored) {
     auto& driver = start(DriverConfig::digital().digitalOut(20, "1", "0"));
     plant_.inject("ArpPlcAxio_WriteFromGdsToAxio", vplc::Fault::next("bus busy"));
 
-    TestHost::deliverBytes(driver, 20, {1});
+    host::deliver(driver, 20, {1});
 
     EXPECT_TRUE(recorder_.logs(&driver).empty());
     EXPECT_TRUE(recorder_.stops().empty());

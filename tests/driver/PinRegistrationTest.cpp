@@ -6,9 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "TestHost.h"
+#include "ExposedDriver.h"
 #include "hosting/DriverConfig.h"
-#include "hosting/ExposedDriver.h"
+#include "hosting/DriverRig.h"
+#include "hosting/HostCalls.h"
 #include "hosting/LoggedLine.h"
 #include "modules/AXL_F_AI2_AO2.h"
 #include "modules/AXL_F_DI8_1_DO8_1.h"
@@ -16,11 +17,12 @@
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using drivertest::DriverPtr;
-using drivertest::TestHost;
+using hosting::DriverPtr;
+namespace host = hosting::host;
 using hosting::DriverConfig;
-using hosting::ExposedDriver;
+using hosting::DriverRig;
 using hosting::LoggedLine;
+using testsupport::ExposedDriver;
 
 namespace {
 
@@ -75,7 +77,7 @@ protected:
 
     ExposedDriver& initialize(const DriverConfig& config) {
         driver_.reset(new ExposedDriver(config));
-        TestHost::initialize(*driver_);
+        host::initialize(*driver_);
         clock_.settle();
         return *driver_;
     }
@@ -84,7 +86,7 @@ protected:
     ExposedDriver& initializeWith(INumberedPinModule* module, DriverConfig config) {
         driver_.reset(new ExposedDriver(config));
         driver_->setModule(module);
-        TestHost::initialize(*driver_);
+        host::initialize(*driver_);
         clock_.settle();
         return *driver_;
     }
@@ -121,9 +123,11 @@ protected:
         return ::testing::AssertionSuccess();
     }
 
-    orbel::Recorder recorder_;
-    vplc::VirtualClock clock_;
-    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
+    DriverRig rig_;
+    orbel::Recorder& recorder_ = rig_.recorder();
+    vplc::VirtualClock& clock_ = rig_.clock();
+    vplc::Plant& plant_ = rig_.plant();
     DriverPtr<ExposedDriver> driver_;
 };
 
@@ -294,7 +298,7 @@ TEST_F(PinRegistration, AServiceWithoutPinNumThrowsAndLeavesTheHostsRecordWithou
     driver_.reset(new ExposedDriver(DriverConfig::digital().service(1, "DigitalIn", 1)));
 
     try {
-        TestHost::initialize(*driver_);
+        host::initialize(*driver_);
         FAIL() << "nothing thrown";
     } catch (const std::invalid_argument& error) {
         EXPECT_STREQ(error.what(), "stoi");
@@ -310,7 +314,7 @@ TEST_F(PinRegistration, APinNumAbcThrowsInvalidArgument) {
     driver_.reset(new ExposedDriver(DriverConfig::digital().digitalIn(1, "abc")));
 
     try {
-        TestHost::initialize(*driver_);
+        host::initialize(*driver_);
         FAIL() << "nothing thrown";
     } catch (const std::invalid_argument& error) {
         EXPECT_STREQ(error.what(), "stoi");
@@ -324,7 +328,7 @@ TEST_F(PinRegistration, APinNumBeyondTheIntRangeThrowsOutOfRange) {
     driver_.reset(new ExposedDriver(DriverConfig::analog(2).analogIn(1, "99999999999")));
 
     try {
-        TestHost::initialize(*driver_);
+        host::initialize(*driver_);
         FAIL() << "nothing thrown";
     } catch (const std::out_of_range& error) {
         EXPECT_STREQ(error.what(), "stoi");
@@ -337,7 +341,7 @@ TEST_F(PinRegistration, ADigitalOutputWithoutInitValThrowsBeforeTheModuleIsAsked
         new ExposedDriver(DriverConfig::digital().service(1, "DigitalOut", 1, {{"PinNum", "3"}})));
 
     try {
-        TestHost::initialize(*driver_);
+        host::initialize(*driver_);
         FAIL() << "nothing thrown";
     } catch (const std::invalid_argument& error) {
         EXPECT_STREQ(error.what(), "stoi");
@@ -355,7 +359,7 @@ TEST_F(PinRegistration, ADigitalOutputWithoutInitValIsNotAskedAboutAtAll) {
         DriverConfig(kTestModule).service(1, "DigitalOut", 1, {{"PinNum", "3"}})));
     driver_->setModule(module);
 
-    EXPECT_THROW(TestHost::initialize(*driver_), std::invalid_argument);
+    EXPECT_THROW(host::initialize(*driver_), std::invalid_argument);
 
     EXPECT_EQ(module->questions, 0);
 }
@@ -364,7 +368,7 @@ TEST_F(PinRegistration, ADigitalOutputWithoutInitValThrowsEvenForAPinThatIsNotAv
     driver_.reset(
         new ExposedDriver(DriverConfig::digital().service(1, "DigitalOut", 1, {{"PinNum", "8"}})));
 
-    EXPECT_THROW(TestHost::initialize(*driver_), std::invalid_argument);
+    EXPECT_THROW(host::initialize(*driver_), std::invalid_argument);
 
     EXPECT_TRUE(logs().empty());
     EXPECT_TRUE(recorder_.stops().empty());
@@ -373,7 +377,7 @@ TEST_F(PinRegistration, ADigitalOutputWithoutInitValThrowsEvenForAPinThatIsNotAv
 TEST_F(PinRegistration, AnInvalidInitValThrowsEvenForAPinThatIsNotAvailable) {
     driver_.reset(new ExposedDriver(DriverConfig::analog(2).analogOut(1, "7", "x")));
 
-    EXPECT_THROW(TestHost::initialize(*driver_), std::invalid_argument);
+    EXPECT_THROW(host::initialize(*driver_), std::invalid_argument);
 
     EXPECT_TRUE(logs().empty());
     EXPECT_TRUE(recorder_.stops().empty());

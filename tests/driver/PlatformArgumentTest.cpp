@@ -8,16 +8,15 @@
 #include <vector>
 
 #include "Arp/Plc/AnsiC/Io/Axio.h"
+#include "ExposedDriver.h"
 #include "PosixThread.h"
-#include "TestHost.h"
 #include "hosting/DriverConfig.h"
-#include "hosting/ExposedDriver.h"
-#include "orbel/Recorder.h"
+#include "hosting/DriverRig.h"
+#include "hosting/HostCalls.h"
 #include "vplc/Plant.h"
 #include "vplc/Runtime.h"
-#include "vplc/VirtualClock.h"
 
-using namespace drivertest;
+using testsupport::ExposedDriver;
 using namespace hosting;
 using namespace std::chrono_literals;
 
@@ -79,23 +78,19 @@ extern "C" bool ArpPlcAxio_WriteFromGdsToAxio(unsigned long timeoutMs) {
 }
 
 TEST(PlatformArguments, EveryBusTransferOfTheDriverPasses0) {
-    vplc::Runtime::reset();
     forgetTransfers();
-    orbel::Recorder recorder;
-    vplc::VirtualClock clock;
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
     {
-        auto driver = TestHost::create(
+        DriverRig rig({vplc::Module::DI8_DO8});
+        CSI_base& driver = rig.create(
             DriverConfig::digital().digitalIn(10, "0").digitalOut(20, "1", "1").restart(30));
-        TestHost::initialize(*driver);
-        clock.runUntil(250ms);
-        TestHost::deliverBytes(*driver, 20, {0});
-        TestHost::deliverBytes(*driver, 30, {0});
-        TestHost::deliverBytes(*driver, 99, {0});
+        host::initialize(driver);
+        rig.clock().runUntil(250ms);
+        host::deliver(driver, 20, {0});
+        host::deliver(driver, 30, {0});
+        host::deliver(driver, 99, {0});
         ASSERT_EQ(vplc::Runtime::restarts(), 1);
-        ASSERT_EQ(recorder.stops(driver.get()).size(), 1u);
+        ASSERT_EQ(rig.recorder().stops(&driver).size(), 1u);
     }
-    vplc::Runtime::reset();
 
     // initialize, the initial publication and three passes read; initialize, the output event,
     // the restart and the unsubscribed event write.

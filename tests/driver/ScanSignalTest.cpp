@@ -13,13 +13,13 @@
 #include <thread>
 #include <vector>
 
-#include "TestHost.h"
 #include "hosting/DriverConfig.h"
+#include "hosting/HostCalls.h"
 #include "orbel/HostObserver.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 
-using drivertest::TestHost;
+namespace host = hosting::host;
 using hosting::DriverConfig;
 
 namespace {
@@ -79,8 +79,8 @@ TEST(ScanInRealTime, ASignalDuringThePauseDoesNotShortenIt) {
     auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
     orbel::Recorder recorder;
     FlippingObserver observer(plant);
-    auto driver = TestHost::create(DriverConfig::digital().digitalIn(1, "0"));
-    TestHost::initialize(*driver);
+    auto driver = host::create(DriverConfig::digital().digitalIn(1, "0"));
+    host::initialize(*driver);
     ASSERT_TRUE(recorder.waitUntil([&] { return recorder.threadStarts().size() == 1; }));
     const pthread_t driverThread = recorder.threadStarts()[0].handle;
 

@@ -3,13 +3,14 @@
 
 #include <chrono>
 #include <cstdint>
-#include <cstring>
 #include <vector>
 
 #include "CombinedModule.h"
-#include "TestHost.h"
+#include "ExposedDriver.h"
 #include "hosting/DriverConfig.h"
-#include "hosting/ExposedDriver.h"
+#include "hosting/DriverRig.h"
+#include "hosting/FloatBytes.h"
+#include "hosting/HostCalls.h"
 #include "modules/IbIlConversion.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
@@ -17,17 +18,12 @@
 
 using namespace drivertest;
 using namespace hosting;
+using testsupport::ExposedDriver;
 using namespace std::chrono_literals;
 
 namespace {
 
 using Duration = vplc::VirtualClock::Duration;
-
-std::vector<uint8_t> floatBytes(float value) {
-    std::vector<uint8_t> bytes(sizeof value);
-    std::memcpy(bytes.data(), &value, sizeof value);
-    return bytes;
-}
 
 // A driver's scan on virtual time. With a single input the initial phase publishes at 0 and
 // pauses 1 ms, so the endless scan runs at 1 ms, 101 ms, 201 ms and so on.
@@ -40,7 +36,7 @@ protected:
         if (module != nullptr) {
             driver_->setModule(module);
         }
-        TestHost::initialize(*driver_);
+        host::initialize(*driver_);
         clock_.settle();
     }
 
@@ -86,9 +82,11 @@ protected:
         return starts;
     }
 
-    orbel::Recorder recorder_;
-    vplc::VirtualClock clock_;
-    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
+    DriverRig rig_;
+    orbel::Recorder& recorder_ = rig_.recorder();
+    vplc::VirtualClock& clock_ = rig_.clock();
+    vplc::Plant& plant_ = rig_.plant();
     DriverPtr<ExposedDriver> driver_;
 };
 

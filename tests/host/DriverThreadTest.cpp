@@ -10,8 +10,8 @@
 #include <thread>
 #include <vector>
 
+#include "StepClock.h"
 #include "TestDriver.h"
-#include "TestPauseClock.h"
 #include "orbel/DriverThreads.h"
 #include "orbel/HostObserver.h"
 #include "orbel/Recorder.h"
@@ -19,7 +19,7 @@
 using hosttest::driverParams;
 using hosttest::pauseLikeTheDriver;
 using hosttest::TestDriver;
-using hosttest::TestPauseClock;
+using testsupport::StepClock;
 
 namespace {
 
@@ -140,7 +140,7 @@ TEST(DriverThread, EndingAThreadSleepingInRealTimeReturnsLongBeforeTheSleepIsOve
 
 TEST(DriverThread, EndingAThreadPausedOnThePauseClockEndsItAndTellsTheClock) {
     orbel::Recorder recorder;
-    TestPauseClock clock;
+    StepClock clock;
     TestDriver driver(driverParams("IO1"), scanForEver);
     driver.initialize();
     ASSERT_TRUE(clock.waitForPauses(1));
@@ -156,7 +156,7 @@ TEST(DriverThread, EndingAThreadPausedOnThePauseClockEndsItAndTellsTheClock) {
 }
 
 TEST(DriverThread, APauseThatTheClockCompletesReturnsZero) {
-    TestPauseClock clock;
+    StepClock clock;
     int result = -2;
     TestDriver driver(driverParams("IO1"), [&](TestDriver&) {
         timespec pause{0, 1'000'000};
@@ -172,7 +172,7 @@ TEST(DriverThread, APauseThatTheClockCompletesReturnsZero) {
 }
 
 TEST(DriverThread, APauseWithAnInvalidNanosecondCountFailsWithEinvalAndDoesNotPause) {
-    TestPauseClock clock;
+    StepClock clock;
     int result = 0;
     int error = 0;
     TestDriver driver(driverParams("IO1"), [&](TestDriver&) {
@@ -200,7 +200,7 @@ TEST(DriverThread, EndingADriverWhoseThreadNeverStartedReturnsAtOnce) {
 
 TEST(DriverThread, EndingAThreadTwiceEndsItOnce) {
     orbel::Recorder recorder;
-    TestPauseClock clock;
+    StepClock clock;
     TestDriver driver(driverParams("IO1"), scanForEver);
     driver.initialize();
 
@@ -230,7 +230,7 @@ TEST(DriverThread, DestroyingHundredsOfRunningDriversEndsEachThreadBeforeItsDriv
 
 TEST(DriverThread, DestroyingHundredsOfDriversPausedOnThePauseClockEndsEachThread) {
     orbel::Recorder recorder;
-    TestPauseClock clock;
+    StepClock clock;
     constexpr int kDrivers = 300;
 
     for (int i = 0; i < kDrivers; ++i) {
@@ -280,7 +280,7 @@ TEST(DriverThread, DeletingADriverWhoseThreadHasReturnedWarnsOfNothing) {
 
 TEST(DriverThread, EndAllDriverThreadsEndsTheThreadOfEveryDriver) {
     orbel::Recorder recorder;
-    TestPauseClock clock;
+    StepClock clock;
     std::vector<std::unique_ptr<TestDriver>> drivers;
     for (const char* name : {"IO1", "IO2", "IO3"}) {
         drivers.push_back(std::make_unique<TestDriver>(driverParams(name), scanForEver));
@@ -299,7 +299,7 @@ TEST(DriverThread, EndAllDriverThreadsEndsTheThreadOfEveryDriver) {
 
 TEST(DriverThread, StartingAThreadThatStillRunsIsIgnoredWithAWarning) {
     orbel::Recorder recorder;
-    TestPauseClock clock;
+    StepClock clock;
     TestDriver driver(driverParams("IO1"), scanForEver);
     driver.initialize();
 

@@ -12,13 +12,13 @@
 #include <optional>
 #include <thread>
 
+#include "StepClock.h"
 #include "TestDriver.h"
-#include "TestPauseClock.h"
 #include "orbel/Recorder.h"
 
 using hosttest::driverParams;
 using hosttest::TestDriver;
-using hosttest::TestPauseClock;
+using testsupport::StepClock;
 
 namespace {
 
@@ -125,7 +125,7 @@ TEST(Nanosleep, OnAHostThreadAnInvalidNanosecondCountFailsWithEinval) {
 }
 
 TEST(Nanosleep, OnAHostThreadItSleepsInRealTimeEvenWithAPauseClockInstalled) {
-    TestPauseClock clock;
+    StepClock clock;
 
     const SleepOutcome outcome = sleepFor(0, 1'000'000);
 

@@ -7,15 +7,15 @@
 #include <vector>
 
 #include "LogMessage.h"
-#include "TestPauseClock.h"
+#include "StepClock.h"
 #include "orbel/HostObserver.h"
 #include "orbel/ObserverRegistration.h"
 #include "orbel/PauseClock.h"
 #include "orbel/PauseClockInstallation.h"
 
-using hosttest::TestPauseClock;
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
+using testsupport::StepClock;
 
 namespace {
 
@@ -43,15 +43,15 @@ TEST(ObserverRegistration, TheObserverSeesWhatIsReportedWhileTheRegistrationLive
 
 TEST(PauseClockInstallation, TheClockIsInstalledWhileItLivesAndRealTimeComesBackAfter) {
     {
-        TestPauseClock clock;
+        StepClock clock;
         EXPECT_EQ(orbel::pauseClock(), &clock);
     }
     EXPECT_EQ(orbel::pauseClock(), nullptr);
 }
 
 TEST(PauseClockInstallation, ASecondClockIsRefusedAndTheFirstStaysInstalled) {
-    TestPauseClock first;
-    std::optional<TestPauseClock> second;
+    StepClock first;
+    std::optional<StepClock> second;
     EXPECT_THROW(second.emplace(), std::logic_error);
     EXPECT_EQ(orbel::pauseClock(), &first);
 }

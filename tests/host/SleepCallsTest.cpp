@@ -13,12 +13,12 @@
 #include <string>
 #include <vector>
 
+#include "StepClock.h"
 #include "TestDriver.h"
-#include "TestPauseClock.h"
 
 using hosttest::driverParams;
 using hosttest::TestDriver;
-using hosttest::TestPauseClock;
+using testsupport::StepClock;
 
 namespace {
 
@@ -51,7 +51,7 @@ struct PausedCall {
 };
 
 PausedCall callOnADriverThread(const std::function<int()>& call) {
-    TestPauseClock clock;
+    StepClock clock;
     PausedCall paused;
     TestDriver driver(driverParams("IO1"), [&](TestDriver&) { paused.result = call(); });
     driver.initialize();
@@ -97,7 +97,7 @@ TEST(SleepCall, AnAbsoluteClockNanosleepOnADriverThreadPausesOnTheHostsClockUnti
 }
 
 TEST(SleepCall, AnInvalidClockNanosleepOnADriverThreadFailsWithEinvalAndDoesNotPause) {
-    TestPauseClock clock;
+    StepClock clock;
     int result = 0;
     TestDriver driver(driverParams("IO1"), [&](TestDriver&) {
         const timespec request{0, kNanosecondsPerSecond};
@@ -112,7 +112,7 @@ TEST(SleepCall, AnInvalidClockNanosleepOnADriverThreadFailsWithEinvalAndDoesNotP
 }
 
 TEST(SleepCall, OnAHostThreadTheySleepInRealTimeEvenWithAPauseClockInstalled) {
-    TestPauseClock clock;
+    StepClock clock;
     timespec before{};
     timespec after{};
     clock_gettime(CLOCK_MONOTONIC, &before);

@@ -1,20 +1,18 @@
 // SPDX-License-Identifier: MIT
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 #include <vector>
 
 #include "HostRecords.h"
 #include "SI_base.h"
 #include "VirtualTable.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/DriverLibrary.h"
+#include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 
 namespace {
-
-using CreateSiObjectFn = CSI_base* (*)(stSP_Params_t, std::map<unsigned, stMappingElem_t>*,
-                                       std::map<unsigned, stServiceParams_t>*);
 
 std::vector<std::string> stopMessages(const orbel::Recorder& recorder, const CSI_base* driver) {
     std::vector<std::string> messages;
@@ -29,18 +27,11 @@ std::vector<std::string> stopMessages(const orbel::Recorder& recorder, const CSI
 // The library as a host loads it: by file, through its exported factory, and from then on only
 // by virtual-table position.
 TEST(DriverSlots, TheBuiltDriverTakesHostEventsAndIsDeletedThroughTheContractSlots) {
-    void* library = dlopen(AXL_DRIVER_PATH, RTLD_NOW);
-    ASSERT_NE(library, nullptr) << dlerror();
-    auto createSiObject = reinterpret_cast<CreateSiObjectFn>(dlsym(library, "CreateSiObject"));
-    ASSERT_NE(createSiObject, nullptr);
+    const hosting::DriverLibrary library(AXL_DRIVER_PATH);
     orbel::Recorder recorder;
-    stSP_Params_t params;
-    params.sServiceName = "IO1";
-    params.sDeviceType = "AXL_F_DI8_1_DO8_1";
-    params.mapParams["Consecutive Number"] = "1";
-    std::map<unsigned, stMappingElem_t> mappings;
-    std::map<unsigned, stServiceParams_t> services;
-    CSI_base* driver = createSiObject(params, &mappings, &services);
+    // Deleted below through its slot, not by the host's owner.
+    CSI_base* driver =
+        hosting::host::create(hosting::DriverConfig::digital(), library.factory()).release();
     const stEventParams_t withoutData{nullptr, 7, 1};
 
     layouttest::callSlot<const stEventParams_t&>(driver, 2, withoutData);

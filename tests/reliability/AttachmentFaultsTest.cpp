@@ -20,10 +20,9 @@
 #include "ArpModuleLoader.h"
 #include "FaultRow.h"
 #include "MatrixPrinter.h"
-#include "PLCNext.h"
 #include "hosting/ChildProcess.h"
-#include "orbel/CallScope.h"
-#include "orbel/DriverThreads.h"
+#include "hosting/DriverRig.h"
+#include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/PlatformCalls.h"
@@ -103,30 +102,17 @@ void printRecorded(const orbel::Recorder& recorder) {
     }
 }
 
-CSI_base* createDigitalDriver() {
-    DriverConfig records = digitalRecords();
-    orbel::CallScope creation(nullptr);
-    return CreateSiObject(records.params, &records.mappings, &records.services);
-}
-
-void initializeDriver(CSI_base& driver) {
-    orbel::CallScope scope(&driver);
-    driver.initialize();
-}
-
 // A load that fails: the first driver stops at once, and so does a second one, without a retry.
 int failedAttachmentChild(const std::function<void()>& arm) {
-    orbel::Recorder recorder;
-    vplc::VirtualClock clock;
-    vplc::Plant plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    hosting::DriverRig rig;
+    const orbel::Recorder& recorder = rig.recorder();
+    const vplc::Plant& plant = rig.plant();
     arm();
-    CSI_base* first = createDigitalDriver();
-    initializeDriver(*first);
+    hosting::host::initialize(rig.create(digitalRecords()));
     printFact("buffersAcquired", plant.calls(kGetBuffer));
-    orbel::destroyDriver(first);
-    CSI_base* second = createDigitalDriver();
-    initializeDriver(*second);
-    orbel::destroyDriver(second);
+    rig.destroy();
+    hosting::host::initialize(rig.create(digitalRecords()));
+    rig.destroy();
     printFact("loads", static_cast<int>(Runtime::moduleMainCalls().size()));
     printFact("threadsStarted", static_cast<int>(recorder.threadStarts().size()));
     printFact("buffersHeld", plant.buffersHeld());
@@ -149,13 +135,13 @@ void previousHandler(PlcOperation operation) {
 }
 
 int missedStartChild() {
-    orbel::Recorder recorder;
-    vplc::VirtualClock clock;
-    vplc::Plant plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    hosting::DriverRig rig;
+    const orbel::Recorder& recorder = rig.recorder();
+    const vplc::Plant& plant = rig.plant();
     ArpPlcDomain_SetHandler(previousHandler);
     vplc::inject(kSetHandler, Fault::next("handler table full"));
-    CSI_base* driver = createDigitalDriver();
-    std::thread host([driver] { initializeDriver(*driver); });
+    CSI_base& driver = rig.create(digitalRecords());
+    std::thread host([&driver] { hosting::host::initialize(driver); });
     {
         std::unique_lock lock(startsMutex);
         startsChanged.wait(lock, [] { return startsSeen > 0; });
@@ -168,9 +154,9 @@ int missedStartChild() {
     printFact("threadWhileWaiting", static_cast<int>(recorder.threadStarts().size()));
     PlcOperationHandler(PlcOperation_StartCold);
     host.join();
-    clock.settle();
+    rig.clock().settle();
     printFact("threadAfterStart", static_cast<int>(recorder.threadStarts().size()));
-    orbel::destroyDriver(driver);
+    rig.destroy();
     printFact("buffersHeld", plant.buffersHeld());
     printRecorded(recorder);
     return 0;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "FaultRow.h"
 
-#include <cstring>
-
 #include "hosting/DriverRig.h"
 
 namespace faultmatrix {
@@ -22,12 +20,6 @@ DriverConfig analogRecords() {
         .analogIn(kAnalogIn, "0")
         .analogOut(kChannel1, "1", "5")
         .restart(kRestart);
-}
-
-Payload floatBytes(float value) {
-    Payload bytes(sizeof value);
-    std::memcpy(bytes.data(), &value, sizeof value);
-    return bytes;
 }
 
 LoggedLine failure(const char* format, const std::string& error) {

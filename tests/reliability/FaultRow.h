@@ -74,8 +74,6 @@ DriverConfig analogRecords();
 using Payload = std::vector<uint8_t>;
 using Publications = std::vector<std::pair<uint32_t, Payload>>;
 
-Payload floatBytes(float value);
-
 // A failure line of `format` with the platform's error text in place of its "%s".
 LoggedLine failure(const char* format, const std::string& error);
 LoggedLine notice(const char* text);

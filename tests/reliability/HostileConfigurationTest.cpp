@@ -12,19 +12,17 @@
 #include <string>
 #include <vector>
 
-#include "PLCNext.h"
+#include "ExposedDriver.h"
 #include "RecordComparison.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverRig.h"
-#include "hosting/ExposedDriver.h"
 #include "hosting/LoggedLine.h"
 #include "modules/IbIlConversion.h"
-#include "orbel/CallScope.h"
 
 using hosting::DriverConfig;
 using hosting::DriverRig;
-using hosting::ExposedDriver;
 using hosting::LoggedLine;
+using testsupport::ExposedDriver;
 
 namespace {
 
@@ -191,9 +189,7 @@ TEST(HostileConfiguration, EveryConsecutiveNumberFormGivesTheStoiValueOrExceptio
         DriverRig rig;
         const DriverConfig records =
             DriverConfig::digital(1).digitalIn(10, "3").param("Consecutive Number", form.text);
-        auto mappings = records.mappings;
-        auto services = records.services;
-        const auto create = [&] { return CreateSiObject(records.params, &mappings, &services); };
+        DriverConfig handed = records;
 
         if (form.outcome == Outcome::Value) {
             const ExposedDriver& driver = adoptExposed(rig, records);
@@ -201,8 +197,8 @@ TEST(HostileConfiguration, EveryConsecutiveNumberFormGivesTheStoiValueOrExceptio
             EXPECT_TRUE(
                 sameAs(records, driver.hostParams(), driver.hostMappings(), driver.hostServices()));
         } else {
-            expectStoiFailure(form.outcome, [&] { rig.adopt(create); });
-            EXPECT_TRUE(sameAs(records, records.params, mappings, services));
+            expectStoiFailure(form.outcome, [&] { rig.create(handed); });
+            EXPECT_TRUE(sameAs(records, records.params, handed.mappings, handed.services));
         }
 
         EXPECT_EQ(rig.recorder().logs().size(), 1u);
@@ -214,15 +210,12 @@ TEST(HostileConfiguration, EveryConsecutiveNumberFormGivesTheStoiValueOrExceptio
 TEST(HostileConfiguration, AMissingConsecutiveNumberThrowsInvalidArgumentAfterTheVersionLine) {
     DriverRig rig;
     const DriverConfig records = DriverConfig::digital(1).withoutParam("Consecutive Number");
-    auto mappings = records.mappings;
-    auto services = records.services;
-    expectStoiFailure(Outcome::InvalidArgument, [&] {
-        rig.adopt([&] { return CreateSiObject(records.params, &mappings, &services); });
-    });
+    DriverConfig handed = records;
+    expectStoiFailure(Outcome::InvalidArgument, [&] { rig.create(handed); });
     ASSERT_EQ(rig.recorder().logs().size(), 1u);
     EXPECT_EQ(rig.recorder().logs()[0].text,
               "CPLCNext: Drivername[Plc Next]-Version [1.3.2] - Service[IO1]");
-    EXPECT_TRUE(sameAs(records, records.params, mappings, services));
+    EXPECT_TRUE(sameAs(records, records.params, handed.mappings, handed.services));
 }
 
 TEST(HostileConfiguration, EveryPinNumFormGivesTheStoiPinOrExceptionWithTheDriversLines) {

@@ -9,9 +9,11 @@
 
 #include "Arp/System/Commons/Exceptions/Exceptions.h"
 #include "Scenario.h"
+#include "hosting/FloatBytes.h"
 
 namespace faultmatrix {
 
+using hosting::floatBytes;
 using vplc::Fault;
 using vplc::Runtime;
 

@@ -12,11 +12,11 @@
 #include <thread>
 #include <vector>
 
-#include "PLCNext.h"
 #include "hosting/ChildProcess.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverPtr.h"
-#include "orbel/CallScope.h"
+#include "hosting/DriverRig.h"
+#include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
@@ -34,34 +34,13 @@
 #endif
 
 using hosting::DriverConfig;
+using hosting::DriverRig;
+namespace host = hosting::host;
 using namespace std::chrono_literals;
 
 namespace {
 
 constexpr int kCycles = 1000;
-
-using DriverPtr = hosting::DriverPtr<>;
-
-DriverPtr create(const DriverConfig& records) {
-    auto mappings = records.mappings;
-    auto services = records.services;
-    orbel::CallScope creation(nullptr);
-    return DriverPtr(CreateSiObject(records.params, &mappings, &services));
-}
-
-void initialize(CSI_base& driver) {
-    orbel::CallScope scope(&driver);
-    driver.initialize();
-}
-
-void deliver(CSI_base& driver, uint32_t id, uint8_t value) {
-    uint8_t payload[4] = {value, 0, 0, 0};
-    stEventParams_t event;
-    event.pData = payload;
-    event.nId = id;
-    event.nSize = 1;
-    driver.receiveEvent(event);
-}
 
 // The configurations the cycles go through: both modules with inputs and outputs, one without
 // inputs, one that stops during initialisation, and one without a module.
@@ -115,9 +94,9 @@ int threadsOnceEndedOnesHaveGone(int expected) {
 }  // namespace
 
 TEST(Teardown, AThousandCyclesOnVirtualTimeEndEveryThreadAndReleaseEveryBuffer) {
-    orbel::Recorder recorder;
-    vplc::VirtualClock clock;
-    vplc::Plant plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    DriverRig rig;
+    vplc::VirtualClock& clock = rig.clock();
+    vplc::Plant& plant = rig.plant();
     const std::vector<DriverConfig> records = configurations();
     int threadsAfterFirstCycle = 0;
 
@@ -128,21 +107,20 @@ TEST(Teardown, AThousandCyclesOnVirtualTimeEndEveryThreadAndReleaseEveryBuffer) 
         // while it pauses somewhere in its initial publication or its scans.
         const bool holdAtGate = cycle % 3 == 0;
         clock.holdScans(holdAtGate);
-        {
-            DriverPtr driver = create(config);
-            initialize(*driver);
-            if (holdAtGate) {
-                for (int scan = 0; scan < cycle % 4; ++scan) {
-                    clock.releaseScan();
-                }
-            } else {
-                clock.runFor(std::chrono::milliseconds(cycle % 7 * 37));
+        CSI_base& driver = rig.create(config);
+        host::initialize(driver);
+        if (holdAtGate) {
+            for (int scan = 0; scan < cycle % 4; ++scan) {
+                clock.releaseScan();
             }
-            deliver(*driver, 20, static_cast<uint8_t>(cycle % 2));
-            plant.setDigitalInput(1, 0, cycle % 5 == 0);
-            plant.setAnalogInput(2, 1, static_cast<uint16_t>(cycle * 61));
+        } else {
+            clock.runFor(std::chrono::milliseconds(cycle % 7 * 37));
         }
-        expectNothingLeft(plant, recorder);
+        host::deliver(driver, 20, {static_cast<uint8_t>(cycle % 2)});
+        plant.setDigitalInput(1, 0, cycle % 5 == 0);
+        plant.setAnalogInput(2, 1, static_cast<uint16_t>(cycle * 61));
+        rig.destroy();
+        expectNothingLeft(plant, rig.recorder());
         if (cycle == 0) {
             threadsAfterFirstCycle = hosting::threadsOfThisProcess();
         }
@@ -150,7 +128,7 @@ TEST(Teardown, AThousandCyclesOnVirtualTimeEndEveryThreadAndReleaseEveryBuffer) 
     clock.holdScans(false);
 
     EXPECT_EQ(threadsOnceEndedOnesHaveGone(threadsAfterFirstCycle), threadsAfterFirstCycle);
-    EXPECT_GE(recorder.threadStarts().size(), static_cast<std::size_t>(kCycles / 2));
+    EXPECT_GE(rig.recorder().threadStarts().size(), static_cast<std::size_t>(kCycles / 2));
     expectNoLeak();
 }
 
@@ -165,15 +143,15 @@ TEST(Teardown, CyclesOnTheWallClockEndThreadsThatSleepOrScanAtDeletion) {
         // A new driver may take the place of the last one in memory; only its own records count.
         recorder.clear();
         {
-            DriverPtr driver = create(config);
-            initialize(*driver);
+            auto driver = host::create(config);
+            host::initialize(*driver);
             // Deleted after its first or its second publication: the thread is then in a real
             // pause, still publishing, or on its way into the scans.
             const CSI_base* self = driver.get();
             const std::size_t publications = 1 + static_cast<std::size_t>(cycle % 2);
             ASSERT_TRUE(recorder.waitUntil(
                 [&] { return recorder.published(self).size() >= publications; }));
-            deliver(*driver, 21, 1);
+            host::deliver(*driver, 21, {1});
         }
         EXPECT_EQ(recorder.threadStarts().size(), 1u);
         expectNothingLeft(plant, recorder);

@@ -10,13 +10,16 @@
 #include <chrono>
 #include <cstdio>
 #include <map>
+#include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "HostRecords.h"
-#include "SI_base.h"
-#include "orbel/CallScope.h"
-#include "orbel/DriverThreads.h"
+#include "hosting/DriverConfig.h"
+#include "hosting/DriverLibrary.h"
+#include "hosting/DriverRig.h"
+#include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
@@ -24,8 +27,7 @@
 namespace {
 
 using namespace std::chrono_literals;
-using CreateSiObjectFn = CSI_base* (*)(stSP_Params_t, std::map<unsigned, stMappingElem_t>*,
-                                       std::map<unsigned, stServiceParams_t>*);
+namespace host = hosting::host;
 
 constexpr unsigned kInputEvent = 100;
 constexpr unsigned kOutputEvent = 200;
@@ -63,48 +65,30 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: %s DRIVER_LIBRARY\n", argv[0]);
         return 2;
     }
-    void* library = dlopen(argv[1], RTLD_NOW);
-    if (library == nullptr) {
-        std::fprintf(stderr, "cannot load the driver: %s\n", dlerror());
-        return 2;
-    }
-    auto createSiObject = reinterpret_cast<CreateSiObjectFn>(dlsym(library, "CreateSiObject"));
-    if (createSiObject == nullptr) {
-        std::fprintf(stderr, "%s has no CreateSiObject\n", argv[1]);
+    std::unique_ptr<hosting::DriverLibrary> library;
+    try {
+        library = std::make_unique<hosting::DriverLibrary>(argv[1]);
+    } catch (const std::runtime_error& error) {
+        std::fprintf(stderr, "%s\n", error.what());
         return 2;
     }
 
-    orbel::Recorder recorder;
-    vplc::VirtualClock clock;
-    auto plant = vplc::Plant::builder().module(vplc::Module::DI8_DO8).build();
-    plant.setDigitalInput(1, 0, true);
+    hosting::DriverRig rig({vplc::Module::DI8_DO8});
+    const orbel::Recorder& recorder = rig.recorder();
+    const vplc::Plant& plant = rig.plant();
+    rig.plant().setDigitalInput(1, 0, true);
 
-    stSP_Params_t params;
-    params.sServiceName = "IO1";
-    params.sDeviceType = "AXL_F_DI8_1_DO8_1";
-    params.mapParams["Consecutive Number"] = "1";
-    std::map<unsigned, stMappingElem_t> mappings;
-    mappings[kInputEvent].nDataSize = 1;
-    mappings[kOutputEvent].nDataSize = 1;
-    std::map<unsigned, stServiceParams_t> services{
+    auto records =
+        hosting::DriverConfig::digital().mapping(kInputEvent, 1).mapping(kOutputEvent, 1);
+    records.services = {
         {1, service(kInputEvent, "DigitalIn", {{"PinNum", "0"}})},
         {2, service(kOutputEvent, "DigitalOut", {{"PinNum", "3"}, {"InitVal", "0"}})}};
 
-    CSI_base* driver = nullptr;
-    {
-        orbel::CallScope creating(nullptr);
-        driver = createSiObject(params, &mappings, &services);
-    }
-    {
-        orbel::CallScope calling(driver);
-        driver->initialize();
-    }
-    clock.runUntil(50ms);
-    uint8_t on = 1;
-    {
-        orbel::CallScope calling(driver);
-        driver->onReceiveEvent(stEventParams_t{&on, kOutputEvent, 1});
-    }
+    CSI_base& owned = rig.create(records, library->factory());
+    const CSI_base* driver = &owned;
+    host::initialize(owned);
+    rig.clock().runUntil(50ms);
+    host::deliver(owned, kOutputEvent, {1});
 
     const std::vector<orbel::Publication> published = recorder.published(driver);
     bool passed = true;
@@ -114,7 +98,7 @@ int main(int argc, char** argv) {
     passed &= check(plant.digitalOutputsOnBus(1) == 0x08, "output 3 of the module is on the bus");
     passed &= check(recorder.stops(driver).empty(), "the driver did not stop with an error");
 
-    orbel::destroyDriver(driver);
+    rig.destroy();
     for (const char* soname : {"libArp.Plc.AnsiC.so", "libArp.System.Commons.so",
                                "libArp.System.Rsc.so", "libArp.System.Module.so"}) {
         std::printf("%s loaded from %s\n", soname, loadedFrom(soname).c_str());

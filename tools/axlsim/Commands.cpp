@@ -25,9 +25,9 @@
 #include "axlsim/render/TextRenderer.h"
 #include "axlsim/render/ValueText.h"
 #include "axlsim/render/VcdWriter.h"
-#include "axlsim/run/DriverLibrary.h"
 #include "axlsim/run/InterruptSignals.h"
 #include "axlsim/run/ScenarioPlayer.h"
+#include "hosting/DriverLibrary.h"
 
 #if AXLSIM_SERVE
 #include "axlsim/serve/HtmlReport.h"
@@ -73,10 +73,10 @@ std::optional<Config> runnableConfig(const std::string& file) {
     }
 }
 
-std::unique_ptr<DriverLibrary> loadDriver(const std::string& path) {
+std::unique_ptr<hosting::DriverLibrary> loadDriver(const std::string& path) {
     try {
-        return std::make_unique<DriverLibrary>(path.empty() ? DriverLibrary::besideProgram()
-                                                            : path);
+        return std::make_unique<hosting::DriverLibrary>(
+            path.empty() ? hosting::DriverLibrary::besideProgram() : path);
     } catch (const std::exception& error) {
         std::cerr << "axlsim: " << error.what() << '\n';
         return nullptr;

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "hosting/DriverRig.h"
 
-#include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <utility>
 
-#include "PLCNext.h"
-#include "orbel/CallScope.h"
+#include "hosting/FloatBytes.h"
+#include "hosting/HostCalls.h"
 #include "vplc/Runtime.h"
 
 namespace hosting {
@@ -18,11 +16,23 @@ namespace {
 // scan gate within it.
 constexpr std::chrono::milliseconds kScanSpan{200};
 
-constexpr std::size_t kMinimumPayload = 4;
+}  // namespace
+
+namespace {
+
+vplc::Plant plantOf(const std::vector<vplc::Module>& bus) {
+    vplc::Plant::Builder builder = vplc::Plant::builder();
+    for (vplc::Module module : bus) {
+        builder.module(module);
+    }
+    return builder.build();
+}
 
 }  // namespace
 
-DriverRig::DriverRig() : plant_(vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2})) {
+DriverRig::DriverRig() : DriverRig({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2}) {}
+
+DriverRig::DriverRig(const std::vector<vplc::Module>& bus) : plant_(plantOf(bus)) {
     vplc::Runtime::reset();
 }
 
@@ -31,24 +41,24 @@ DriverRig::~DriverRig() {
     vplc::Runtime::reset();
 }
 
-CSI_base& DriverRig::create(const DriverConfig& records) {
-    return adopt([&records] {
-        auto mappings = records.mappings;
-        auto services = records.services;
-        return CreateSiObject(records.params, &mappings, &services);
-    });
+CSI_base& DriverRig::create(const DriverConfig& records, DriverFactory factory) {
+    driver_ = host::create(records, factory);
+    return *driver_;
+}
+
+CSI_base& DriverRig::create(DriverConfig& records, DriverFactory factory) {
+    driver_ = host::create(records, factory);
+    return *driver_;
 }
 
 CSI_base& DriverRig::adopt(const std::function<CSI_base*()>& construct) {
-    orbel::CallScope creation(nullptr);
-    driver_.reset(construct());
+    driver_ = host::adopt(construct);
     return *driver_;
 }
 
 void DriverRig::initialize() {
     clock_.holdScans(true);
-    orbel::CallScope scope(driver_.get());
-    driver_->initialize();
+    host::initialize(*driver_);
     clock_.settle();
 }
 
@@ -58,34 +68,23 @@ void DriverRig::passGate() {
 }
 
 void DriverRig::deliver(uint32_t id, std::vector<uint8_t> payload, uint32_t size) {
-    payload.resize(std::max(payload.size(), kMinimumPayload));
-    stEventParams_t event;
-    event.pData = payload.data();
-    event.nId = id;
-    event.nSize = size;
-    driver_->receiveEvent(event);
+    host::deliver(*driver_, id, payload, size);
 }
 
 void DriverRig::deliver(uint32_t id, std::vector<uint8_t> payload) {
-    const auto size = static_cast<uint32_t>(payload.size());
-    deliver(id, std::move(payload), size);
+    host::deliver(*driver_, id, std::move(payload));
 }
 
 void DriverRig::deliverFloat(uint32_t id, float value) {
-    std::vector<uint8_t> payload(sizeof value);
-    std::memcpy(payload.data(), &value, sizeof value);
-    deliver(id, std::move(payload));
+    host::deliver(*driver_, id, floatBytes(value));
 }
 
 void DriverRig::deliverNull(uint32_t id) {
-    stEventParams_t event;
-    event.nId = id;
-    event.nSize = 1;
-    driver_->receiveEvent(event);
+    host::deliverNull(*driver_, id, 1);
 }
 
 void DriverRig::destroy() {
-    driver_.reset();
+    host::destroy(driver_);
 }
 
 bool DriverRig::threadStarted() const {

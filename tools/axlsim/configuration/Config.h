@@ -45,7 +45,7 @@ struct Config {
         std::string source{};  // who asked for it, when not the scenario: "api"
     };
 
-    // One host event for a driver's onReceiveEvent; no payload stands for a null pData.
+    // One host event for a driver's receiveEvent; no payload stands for a null pData.
     struct Event {
         int driver = 0;
         uint32_t id = 0;

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "axlsim/run/HostRoutes.h"
 
-#include <cstring>
+#include "hosting/FloatBytes.h"
 
 namespace axlsim {
+
+using hosting::floatBytes;
 
 namespace {
 
@@ -14,12 +16,6 @@ double numberOf(const EventCatalog::Value& value) {
         return *byte != 0 ? 1.0 : 0.0;
     }
     return static_cast<double>(std::get<float>(value));
-}
-
-std::vector<uint8_t> floatBytes(float value) {
-    std::vector<uint8_t> bytes(sizeof value);
-    std::memcpy(bytes.data(), &value, sizeof value);
-    return bytes;
 }
 
 }  // namespace

@@ -1,26 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "axlsim/run/HostedDriver.h"
 
-#include <algorithm>
 #include <vector>
 
-#include "SI_base.h"
 #include "axlsim/run/CaughtException.h"
 #include "axlsim/run/HostRecords.h"
-#include "orbel/CallScope.h"
+#include "hosting/HostCalls.h"
 
 namespace axlsim {
 
-namespace {
-
-// The driver reads the first four bytes of an event for an analog output whatever its size, so
-// the host's payload always has at least four; what the scenario leaves out reads as 0.
-constexpr std::size_t kLeastPayload = 4;
-
-}  // namespace
-
-HostedDriver::HostedDriver(int index, const Config::Driver& config, const DriverLibrary& library,
-                           TimelineObserver& observer, Timeline& timeline, const BusWatch& bus)
+HostedDriver::HostedDriver(int index, const Config::Driver& config,
+                           const hosting::DriverLibrary& library, TimelineObserver& observer,
+                           Timeline& timeline, const BusWatch& bus)
     : index_(index),
       config_(config),
       library_(library),
@@ -48,11 +39,7 @@ void HostedDriver::hostCall(const char* where, Call call) {
 
 bool HostedDriver::create() {
     hosting::DriverConfig records = hostRecordsOf(config_);
-    hostCall("create", [&] {
-        orbel::CallScope creating(nullptr);
-        driver_.reset(
-            library_.createSiObject(records.params, &records.mappings, &records.services));
-    });
+    hostCall("create", [&] { driver_ = hosting::host::create(records, library_.factory()); });
     if (driver_ != nullptr) {
         observer_.attach(driver_.get(), index_);
     }
@@ -63,10 +50,7 @@ void HostedDriver::initialize() {
     if (driver_ == nullptr) {
         return;
     }
-    hostCall("initialize", [this] {
-        orbel::CallScope calling(driver_.get());
-        driver_->initialize();
-    });
+    hostCall("initialize", [this] { hosting::host::initialize(*driver_); });
 }
 
 void HostedDriver::deliver(const Config::Event& event) {
@@ -74,15 +58,14 @@ void HostedDriver::deliver(const Config::Event& event) {
         timeline_.add(index_, Happening::Note{"not delivered: the driver was not created"});
         return;
     }
-    std::vector<uint8_t> payload;
-    if (event.payload) {
-        payload = *event.payload;
-        payload.resize(std::max(payload.size(), kLeastPayload), 0);
-    }
-    const stEventParams_t params{event.payload ? payload.data() : nullptr, event.id, event.size};
     hostCall("event", [&] {
-        orbel::CallScope calling(driver_.get());
-        driver_->onReceiveEvent(params);
+        if (!event.payload) {
+            hosting::host::deliverNull(*driver_, event.id, event.size);
+            return;
+        }
+        // What the scenario leaves out of the host's least payload reads as 0.
+        std::vector<uint8_t> payload = *event.payload;
+        hosting::host::deliver(*driver_, event.id, payload, event.size);
     });
 }
 
@@ -91,10 +74,7 @@ void HostedDriver::destroy() {
         return;
     }
     observer_.setHostDriver(index_);
-    {
-        orbel::CallScope calling(driver_.get());
-        driver_.reset();
-    }
+    hosting::host::destroy(driver_);
     observer_.setHostDriver(-1);
 }
 

@@ -5,9 +5,9 @@
 
 #include "axlsim/configuration/Config.h"
 #include "axlsim/run/BusWatch.h"
-#include "axlsim/run/DriverLibrary.h"
 #include "axlsim/run/Timeline.h"
 #include "axlsim/run/TimelineObserver.h"
+#include "hosting/DriverLibrary.h"
 #include "hosting/DriverPtr.h"
 
 namespace axlsim {
@@ -18,7 +18,7 @@ namespace axlsim {
 // on the timeline.
 class HostedDriver {
 public:
-    HostedDriver(int index, const Config::Driver& config, const DriverLibrary& library,
+    HostedDriver(int index, const Config::Driver& config, const hosting::DriverLibrary& library,
                  TimelineObserver& observer, Timeline& timeline, const BusWatch& bus);
     ~HostedDriver();
     HostedDriver(const HostedDriver&) = delete;
@@ -40,7 +40,7 @@ private:
 
     int index_;
     const Config::Driver& config_;
-    const DriverLibrary& library_;
+    const hosting::DriverLibrary& library_;
     TimelineObserver& observer_;
     Timeline& timeline_;
     const BusWatch& bus_;

@@ -6,9 +6,9 @@
 #include <optional>
 
 #include "axlsim/configuration/Config.h"
-#include "axlsim/run/DriverLibrary.h"
 #include "axlsim/run/RunResult.h"
 #include "axlsim/run/Timeline.h"
+#include "hosting/DriverLibrary.h"
 
 namespace axlsim {
 
@@ -34,7 +34,7 @@ public:
         std::function<bool()> stopRequested;
     };
 
-    static RunResult run(const Config& config, const DriverLibrary& library,
+    static RunResult run(const Config& config, const hosting::DriverLibrary& library,
                          const Options& options);
 };
 

@@ -48,7 +48,7 @@ public:
     RestartHook& operator=(const RestartHook&) = delete;
 };
 
-ScenarioRun::ScenarioRun(const Config& config, const DriverLibrary& library,
+ScenarioRun::ScenarioRun(const Config& config, const hosting::DriverLibrary& library,
                          const ScenarioPlayer::Options& options)
     : config_(config),
       options_(options),

@@ -9,7 +9,6 @@
 
 #include "axlsim/configuration/Config.h"
 #include "axlsim/run/BusWatch.h"
-#include "axlsim/run/DriverLibrary.h"
 #include "axlsim/run/HostRoutes.h"
 #include "axlsim/run/HostedDriver.h"
 #include "axlsim/run/PlantModels.h"
@@ -19,6 +18,7 @@
 #include "axlsim/run/ScenarioPlayer.h"
 #include "axlsim/run/Timeline.h"
 #include "axlsim/run/TimelineObserver.h"
+#include "hosting/DriverLibrary.h"
 #include "vplc/Plant.h"
 
 namespace axlsim {
@@ -32,7 +32,7 @@ class RestartHook;
 // from two threads at once.
 class ScenarioRun {
 public:
-    ScenarioRun(const Config& config, const DriverLibrary& library,
+    ScenarioRun(const Config& config, const hosting::DriverLibrary& library,
                 const ScenarioPlayer::Options& options);
     ~ScenarioRun();
     ScenarioRun(const ScenarioRun&) = delete;

@@ -21,7 +21,8 @@ constexpr std::chrono::nanoseconds kMostBehind = 1s;
 
 }  // namespace
 
-LiveRun::LiveRun(const Config& config, const DriverLibrary& library, const Options& options)
+LiveRun::LiveRun(const Config& config, const hosting::DriverLibrary& library,
+                 const Options& options)
     : config_(config),
       renderer_(nowhere_, config),
       state_(config),

@@ -18,11 +18,11 @@
 
 #include "axlsim/configuration/Config.h"
 #include "axlsim/render/JsonRenderer.h"
-#include "axlsim/run/DriverLibrary.h"
 #include "axlsim/run/ScenarioPlayer.h"
 #include "axlsim/run/ScenarioRun.h"
 #include "axlsim/serve/LiveState.h"
 #include "axlsim/serve/TimelineLog.h"
+#include "hosting/DriverLibrary.h"
 
 namespace axlsim {
 
@@ -42,7 +42,7 @@ public:
     // The log keeps this many of the newest lines.
     static constexpr std::size_t kLogLines = 50000;
 
-    LiveRun(const Config& config, const DriverLibrary& library, const Options& options);
+    LiveRun(const Config& config, const hosting::DriverLibrary& library, const Options& options);
     ~LiveRun();
     LiveRun(const LiveRun&) = delete;
     LiveRun& operator=(const LiveRun&) = delete;

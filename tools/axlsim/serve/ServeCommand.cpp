@@ -80,7 +80,7 @@ std::string waitForEnd(const sigset_t& signals, const std::atomic<bool>& stopAsk
 
 }  // namespace
 
-int ServeCommand::serve(const Config& config, const DriverLibrary& library,
+int ServeCommand::serve(const Config& config, const hosting::DriverLibrary& library,
                         const Request& request) {
     const auto pace = paceOf(request);
     if (!pace) {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "axlsim/configuration/Config.h"
-#include "axlsim/run/DriverLibrary.h"
+#include "hosting/DriverLibrary.h"
 
 namespace axlsim {
 
@@ -24,7 +24,8 @@ public:
     };
 
     // 0 once stopped cleanly; 2 when the server cannot be started.
-    static int serve(const Config& config, const DriverLibrary& library, const Request& request);
+    static int serve(const Config& config, const hosting::DriverLibrary& library,
+                     const Request& request);
 };
 
 }  // namespace axlsim

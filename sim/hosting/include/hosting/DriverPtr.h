@@ -7,7 +7,8 @@
 
 namespace hosting {
 
-// Ends a driver's thread before deleting the driver, as a host must.
+// Ends a driver's thread before deleting the driver, under the driver's call scope, as a host
+// must.
 struct DriverDestroyer {
     void operator()(CSI_base* driver) const;
 };

@@ -5,6 +5,7 @@
 #include <functional>
 #include <vector>
 
+#include "DriverFactory.h"
 #include "SI_base.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverPtr.h"
@@ -14,9 +15,12 @@
 
 namespace hosting {
 
-// A host with one driver on the virtual controller, on virtual time. The bus holds the digital
-// module at position 1 and the analog module at position 2. Scans are held at their start, so
-// that the test lets the driver thread through one scan at a time and nothing runs in between.
+// A host with one driver on the virtual controller, on virtual time: the recorder, the clock, the
+// bus and the driver, made in that order. The bus holds the digital module at position 1 and the
+// analog module at position 2, unless a bus of its own is given. After initialize() scans are
+// held at their start, so that the test lets the driver thread through one scan at a time and
+// nothing runs in between; a host that lets them run initialises with host::initialize instead.
+// The runtime's defaults are brought back when the rig is made and when it goes.
 //
 // The members are made in the order the host needs them and go in reverse: the driver (its
 // thread ended first) before the plant, the plant before the clock.
@@ -26,12 +30,16 @@ public:
     static constexpr int kAnalogPosition = 2;
 
     DriverRig();
+    explicit DriverRig(const std::vector<vplc::Module>& bus);
     ~DriverRig();
     DriverRig(const DriverRig&) = delete;
     DriverRig& operator=(const DriverRig&) = delete;
 
-    // Through the exported factory, as a host does; the version line is attributed to it.
-    CSI_base& create(const DriverConfig& records);
+    // Through the factory, as a host does; the version line is attributed to the driver.
+    CSI_base& create(const DriverConfig& records, DriverFactory factory = &CreateSiObject);
+
+    // The same with the records' own tables, so that the test sees what the factory did to them.
+    CSI_base& create(DriverConfig& records, DriverFactory factory = &CreateSiObject);
 
     // Takes a driver that `construct` makes, attributing its version line to it.
     CSI_base& adopt(const std::function<CSI_base*()>& construct);
@@ -56,6 +64,7 @@ public:
     bool threadStarted() const;
 
     CSI_base& driver() { return *driver_; }
+    const CSI_base& driver() const { return *driver_; }
     orbel::Recorder& recorder() { return recorder_; }
     vplc::VirtualClock& clock() { return clock_; }
     vplc::Plant& plant() { return plant_; }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "axlsim/run/DriverLibrary.h"
+#include "hosting/DriverLibrary.h"
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-namespace axlsim {
+namespace hosting {
 
 namespace {
 
@@ -18,20 +18,18 @@ constexpr const char* kLibraryName = "libplcnext_driver.so";
 // The library is never unloaded: it has registered its PLC operation handler with the runtime,
 // which keeps calling it for the life of the process.
 DriverLibrary::DriverLibrary(const std::string& path) : path_(path) {
-    void* library = dlopen(path.c_str(), RTLD_NOW);
-    if (library == nullptr) {
+    handle_ = dlopen(path.c_str(), RTLD_NOW);
+    if (handle_ == nullptr) {
         throw std::runtime_error(std::string("cannot load the driver: ") + dlerror());
     }
-    factory_ = reinterpret_cast<Factory>(dlsym(library, "CreateSiObject"));
+    factory_ = reinterpret_cast<DriverFactory>(symbol(kDriverFactorySymbol));
     if (factory_ == nullptr) {
-        throw std::runtime_error(path + " has no CreateSiObject");
+        throw std::runtime_error(path + " has no " + kDriverFactorySymbol);
     }
 }
 
-CSI_base* DriverLibrary::createSiObject(const stSP_Params_t& params,
-                                        std::map<unsigned, stMappingElem_t>* mappings,
-                                        std::map<unsigned, stServiceParams_t>* services) const {
-    return factory_(params, mappings, services);
+void* DriverLibrary::symbol(const char* name) const {
+    return dlsym(handle_, name);
 }
 
 std::string DriverLibrary::besideProgram() {
@@ -48,4 +46,4 @@ std::string DriverLibrary::besideProgram() {
     return (directory / kLibraryName).string();
 }
 
-}  // namespace axlsim
+}  // namespace hosting

@@ -7,14 +7,14 @@
 #include "PLCNext.h"
 #include "hosting/DriverConfig.h"
 
-namespace hosting {
+namespace testsupport {
 
 // A driver whose settings and tables a test can look at. Made directly, not through the factory
 // (the constructor is the same), so that a test can also hand it a module of its own before
 // initialize().
 class ExposedDriver : public CPLCNext {
 public:
-    explicit ExposedDriver(const DriverConfig& config)
+    explicit ExposedDriver(const hosting::DriverConfig& config)
         : CPLCNext(config.params, config.mappings, config.services) {}
 
     int consecutiveNumber() const { return m_nConsecutiveNumber; }
@@ -32,4 +32,4 @@ public:
     const stSP_Params_t& hostParams() const { return m_spParams; }
 };
 
-}  // namespace hosting
+}  // namespace testsupport

@@ -11,8 +11,8 @@
 
 #include "TestRuns.h"
 #include "VcdReader.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/ConfigReader.h"
-#include "axlsim/render/ValueText.h"
 #include "axlsim/render/VcdWriter.h"
 
 namespace {

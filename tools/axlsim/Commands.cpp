@@ -11,6 +11,7 @@
 #include <system_error>
 #include <variant>
 
+#include "axlsim/base/ValueText.h"
 #include "axlsim/check/CheckReport.h"
 #include "axlsim/check/ConfigCheck.h"
 #include "axlsim/check/LoopCheck.h"
@@ -23,14 +24,13 @@
 #include "axlsim/render/ProgressBar.h"
 #include "axlsim/render/StandardOutput.h"
 #include "axlsim/render/TextRenderer.h"
-#include "axlsim/render/ValueText.h"
 #include "axlsim/render/VcdWriter.h"
 #include "axlsim/run/DriverLibrary.h"
 #include "axlsim/run/InterruptSignals.h"
 #include "axlsim/run/ScenarioPlayer.h"
 
 #if AXLSIM_SERVE
-#include "axlsim/serve/HtmlReport.h"
+#include "axlsim/render/HtmlReport.h"
 #endif
 
 namespace axlsim {

@@ -8,8 +8,8 @@
 #include <iostream>
 
 #include "axlsim/Commands.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/Milliseconds.h"
-#include "axlsim/render/ValueText.h"
 
 #if AXLSIM_SERVE
 #include "axlsim/serve/ListenAddress.h"

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "axlsim/render/ValueText.h"
+#include "axlsim/base/ValueText.h"
 
 namespace axlsim {
 

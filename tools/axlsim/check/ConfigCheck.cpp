@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "ServiceType.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/DriverNumber.h"
-#include "axlsim/render/ValueText.h"
 #include "modules/IbIlConversion.h"
 #include "orbel/LogFormat.h"
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "axlsim/base/CaughtException.h"
 #include "axlsim/configuration/Config.h"
-#include "axlsim/run/CaughtException.h"
 
 namespace axlsim {
 

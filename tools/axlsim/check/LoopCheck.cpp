@@ -4,11 +4,11 @@
 #include <map>
 #include <utility>
 
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/ConfigError.h"
 #include "axlsim/configuration/EventCatalog.h"
 #include "axlsim/configuration/LoopNames.h"
-#include "axlsim/render/ValueText.h"
-#include "axlsim/run/HostRoutes.h"
+#include "axlsim/configuration/RouteFit.h"
 
 namespace axlsim {
 
@@ -71,7 +71,7 @@ void checkOutputs(const EventCatalog& catalog, const std::vector<Route>& host,
         const Config::Service* source = catalog.inputService(route.fromDriver, route.from);
         const Receiver receiver = catalog.receiverOf(route.toDriver, route.to);
         if (source == nullptr || (receiver != Receiver::Digital && receiver != Receiver::Analog) ||
-            !HostRoutes::fits(route.map, source->type == "DigitalIn", receiver)) {
+            !routeMapFits(route.map, source->type == "DigitalIn", receiver)) {
             continue;
         }
         const auto [first, added] = drivenBy.try_emplace({route.toDriver, route.to}, &route);
@@ -136,7 +136,7 @@ void checkRoute(const EventCatalog& catalog, const Route& route,
         return;
     }
     const bool digital = source->type == "DigitalIn";
-    if (HostRoutes::fits(route.map, digital, receiver)) {
+    if (routeMapFits(route.map, digital, receiver)) {
         return;
     }
     findings.push_back({route.path, subject, true,

@@ -5,10 +5,10 @@
 #include <cmath>
 #include <limits>
 
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/ConfigError.h"
 #include "axlsim/configuration/JsonParser.h"
 #include "axlsim/configuration/Milliseconds.h"
-#include "axlsim/render/ValueText.h"
 
 namespace axlsim {
 

@@ -14,16 +14,16 @@
 #include <sstream>
 #include <string_view>
 
+#include "axlsim/base/Hex.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/ConfigDocument.h"
 #include "axlsim/configuration/ConfigError.h"
 #include "axlsim/configuration/DriverNumber.h"
 #include "axlsim/configuration/EventCatalog.h"
-#include "axlsim/configuration/Hex.h"
 #include "axlsim/configuration/JsonParser.h"
 #include "axlsim/configuration/LoopReader.h"
 #include "axlsim/configuration/Milliseconds.h"
 #include "axlsim/configuration/PlcOperationName.h"
-#include "axlsim/render/ValueText.h"
 #include "modules/IbIlConversion.h"
 
 namespace axlsim {

@@ -7,8 +7,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/ConfigError.h"
-#include "axlsim/render/ValueText.h"
 
 namespace axlsim {
 

@@ -10,8 +10,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/LoopNames.h"
-#include "axlsim/render/ValueText.h"
 
 namespace axlsim {
 

@@ -4,10 +4,10 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "axlsim/Overloaded.h"
-#include "axlsim/configuration/Hex.h"
+#include "axlsim/base/Hex.h"
+#include "axlsim/base/Overloaded.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/PlcOperationName.h"
-#include "axlsim/render/ValueText.h"
 
 namespace axlsim {
 

@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "axlsim/Overloaded.h"
+#include "axlsim/base/Overloaded.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/EventCatalog.h"
-#include "axlsim/render/ValueText.h"
 #include "axlsim/run/ProcessData.h"
 
 namespace axlsim {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "SI_base.h"
-#include "axlsim/run/CaughtException.h"
+#include "axlsim/base/CaughtException.h"
 #include "axlsim/run/HostRecords.h"
 #include "orbel/CallScope.h"
 

@@ -6,7 +6,7 @@
 #include <numbers>
 #include <set>
 
-#include "axlsim/Overloaded.h"
+#include "axlsim/base/Overloaded.h"
 #include "axlsim/configuration/DriverNumber.h"
 #include "axlsim/configuration/LoopNames.h"
 #include "axlsim/run/ProcessData.h"

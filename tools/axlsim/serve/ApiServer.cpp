@@ -10,11 +10,11 @@
 #include <limits>
 #include <string_view>
 
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/ConfigDocument.h"
 #include "axlsim/configuration/ConfigError.h"
 #include "axlsim/configuration/ConfigReader.h"
 #include "axlsim/configuration/JsonParser.h"
-#include "axlsim/render/ValueText.h"
 
 namespace axlsim {
 

@@ -13,11 +13,11 @@
 #include <string>
 #include <thread>
 
-#include "axlsim/render/ValueText.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/run/InterruptSignals.h"
 #include "axlsim/serve/ApiServer.h"
-#include "axlsim/serve/Assets.h"
 #include "axlsim/serve/ListenAddress.h"
+#include "axlsim/serve/LivePage.h"
 #include "axlsim/serve/LiveRun.h"
 #include "axlsim/serve/ModbusServer.h"
 #include "axlsim/serve/Token.h"
@@ -112,7 +112,7 @@ int ServeCommand::serve(const Config& config, const DriverLibrary& library,
     ApiServer::Settings settings;
     settings.address = *listen;
     settings.token = Token::fresh();
-    settings.page = Assets::livePage();
+    settings.page = livePage();
     settings.onStop = [&stopAsked] { stopAsked = true; };
     ApiServer server(config, live, settings);
     const int port = server.bind(request.port);

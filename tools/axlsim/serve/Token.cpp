@@ -5,7 +5,7 @@
 #include <random>
 #include <vector>
 
-#include "axlsim/configuration/Hex.h"
+#include "axlsim/base/Hex.h"
 
 namespace axlsim {
 

@@ -27,7 +27,7 @@ struct Dumped {
 };
 
 Dumped dumpOf(const char* example) {
-    const auto config = axlsim::ConfigReader::readFile(std::string(AXLSIM_EXAMPLES "/") + example);
+    const auto config = axlsim::configreader::readFile(std::string(AXLSIM_EXAMPLES "/") + example);
     axlsim::RunResult run = axlsimtest::play(config);
     std::ostringstream out;
     axlsim::VcdWriter::write(out, config, run);
@@ -109,7 +109,7 @@ TEST(Vcd, ShowsEveryPublishedAnalogValueOfTheTimeline) {
 }
 
 TEST(Vcd, AFileNameThatLooksLikeVcdSyntaxCannotBreakTheHeader) {
-    const auto config = axlsim::ConfigReader::readText(
+    const auto config = axlsim::configreader::readText(
         R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } } })",
         "/tmp/a $end $var wire 1 ! x $end\n$enddefinitions $end/config.json");
     const axlsim::RunResult run = axlsimtest::play(config);

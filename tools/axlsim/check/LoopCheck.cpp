@@ -46,7 +46,7 @@ std::string fixFor(Route::Map map) {
            "\"below\" for a digital output";
 }
 
-void checkInputs(const Config& config, std::vector<LoopCheck::Finding>& findings) {
+void checkInputs(const Config& config, std::vector<loopcheck::Finding>& findings) {
     // The first model on each input: each later one is reported against it.
     std::map<std::string, const PlantModel*> drivenBy;
     for (const PlantModel& model : config.plant) {
@@ -65,7 +65,7 @@ void checkInputs(const Config& config, std::vector<LoopCheck::Finding>& findings
 // Two routes to one output: the output takes whichever delivered last. Only routes that deliver
 // count; the others are reported already.
 void checkOutputs(const EventCatalog& catalog, const std::vector<Route>& host,
-                  std::vector<LoopCheck::Finding>& findings) {
+                  std::vector<loopcheck::Finding>& findings) {
     std::map<std::pair<int, uint32_t>, const Route*> drivenBy;
     for (const Route& route : host) {
         const Config::Service* source = catalog.inputService(route.fromDriver, route.from);
@@ -92,7 +92,7 @@ void checkOutputs(const EventCatalog& catalog, const std::vector<Route>& host,
 }
 
 void checkRoute(const EventCatalog& catalog, const Route& route,
-                std::vector<LoopCheck::Finding>& findings) {
+                std::vector<loopcheck::Finding>& findings) {
     const std::string subject = subjectOf(route);
     const std::string fromDriver = "driver " + std::to_string(route.fromDriver);
     const std::string toDriver = "driver " + std::to_string(route.toDriver);
@@ -149,7 +149,7 @@ void checkRoute(const EventCatalog& catalog, const Route& route,
 
 }  // namespace
 
-std::vector<LoopCheck::Finding> LoopCheck::check(const Config& config) {
+std::vector<loopcheck::Finding> loopcheck::check(const Config& config) {
     std::vector<Finding> findings;
     checkInputs(config, findings);
     const EventCatalog catalog(config.drivers);
@@ -160,7 +160,7 @@ std::vector<LoopCheck::Finding> LoopCheck::check(const Config& config) {
     return findings;
 }
 
-void LoopCheck::requireRunnable(const Config& config) {
+void loopcheck::requireRunnable(const Config& config) {
     for (const Finding& finding : check(config)) {
         if (finding.refusesRun) {
             throw ConfigError(config.file, finding.path, finding.problem + "; " + finding.fix);

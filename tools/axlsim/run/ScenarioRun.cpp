@@ -27,7 +27,7 @@ vplc::Plant plantOf(const Config& config) {
     return builder.build();
 }
 
-std::unique_ptr<RunClock> clockFor(const ScenarioPlayer::Options& options) {
+std::unique_ptr<RunClock> clockFor(const scenarioplayer::Options& options) {
     if (options.realTime) {
         return std::make_unique<WallRunClock>();
     }
@@ -49,7 +49,7 @@ public:
 };
 
 ScenarioRun::ScenarioRun(const Config& config, const DriverLibrary& library,
-                         const ScenarioPlayer::Options& options)
+                         const scenarioplayer::Options& options)
     : config_(config),
       options_(options),
       end_(options.until.value_or(config.end)),

@@ -31,7 +31,7 @@ constexpr double kLowestSpeed = 0.1;
 constexpr double kHighestSpeed = 100000.0;
 constexpr const char* kLoopback = "127.0.0.1";
 
-std::optional<LiveRun::Options> paceOf(const ServeCommand::Request& request) {
+std::optional<LiveRun::Options> paceOf(const serving::Request& request) {
     LiveRun::Options options;
     options.paused = request.paused;
     if (request.speed == "max") {
@@ -80,8 +80,7 @@ std::string waitForEnd(const sigset_t& signals, const std::atomic<bool>& stopAsk
 
 }  // namespace
 
-int ServeCommand::serve(const Config& config, const DriverLibrary& library,
-                        const Request& request) {
+int serving::serve(const Config& config, const DriverLibrary& library, const Request& request) {
     const auto pace = paceOf(request);
     if (!pace) {
         std::cerr << "axlsim: --speed: expected a factor from 0.1 to 100000, or max, not "
@@ -111,7 +110,7 @@ int ServeCommand::serve(const Config& config, const DriverLibrary& library,
     LiveRun live(config, library, *pace);
     ApiServer::Settings settings;
     settings.address = *listen;
-    settings.token = Token::fresh();
+    settings.token = freshToken();
     settings.page = livePage();
     settings.onStop = [&stopAsked] { stopAsked = true; };
     ApiServer server(config, live, settings);

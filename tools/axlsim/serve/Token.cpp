@@ -9,7 +9,7 @@
 
 namespace axlsim {
 
-std::string Token::fresh() {
+std::string freshToken() {
     // std::random_device draws from the operating system's random source.
     std::random_device source;
     std::vector<uint8_t> bytes;

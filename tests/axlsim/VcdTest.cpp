@@ -30,7 +30,7 @@ Dumped dumpOf(const char* example) {
     const auto config = axlsim::configreader::readFile(std::string(AXLSIM_EXAMPLES "/") + example);
     axlsim::RunResult run = axlsimtest::play(config);
     std::ostringstream out;
-    axlsim::VcdWriter::write(out, config, run);
+    axlsim::writeVcd(out, config, run);
     return Dumped{std::move(run), VcdReader(out.str())};
 }
 
@@ -114,7 +114,7 @@ TEST(Vcd, AFileNameThatLooksLikeVcdSyntaxCannotBreakTheHeader) {
         "/tmp/a $end $var wire 1 ! x $end\n$enddefinitions $end/config.json");
     const axlsim::RunResult run = axlsimtest::play(config);
     std::ostringstream out;
-    axlsim::VcdWriter::write(out, config, run);
+    axlsim::writeVcd(out, config, run);
     const VcdReader vcd(out.str());
     EXPECT_EQ(vcd.variables().size(), 16U);
     EXPECT_NE(vcd.variable("axlsim.m1_AXL_F_DI8_1_DO8_1.in0"), nullptr);

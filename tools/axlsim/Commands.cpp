@@ -211,7 +211,7 @@ int play(const Config& config, const commands::RunRequest& request, StandardOutp
     // A standard output that cannot be written stops the run like a signal does.
     options.stopRequested = [&out] {
         out.sink().flushIfDue();
-        return InterruptSignals::received() != 0 || out.sink().failed();
+        return receivedInterrupt() != 0 || out.sink().failed();
     };
     std::optional<ProgressBar> bar;
     if (!request.realTime && isatty(STDERR_FILENO) != 0 && plannedEnd >= kLongRun) {
@@ -227,7 +227,7 @@ int play(const Config& config, const commands::RunRequest& request, StandardOutp
         interruption = "a failed write to the standard output (" +
                        std::string(std::strerror(out.sink().error())) + ")";
     } else if (result.interrupted) {
-        interruption = InterruptSignals::name(InterruptSignals::received());
+        interruption = signalName(receivedInterrupt());
     }
     if (!outputLost) {
         renderer->finish(result);

@@ -36,7 +36,7 @@ void Document::fail(const std::string& path, const std::string& reason) const {
     throw ConfigError(file_, path.empty() ? "/" : path, reason);
 }
 
-std::vector<std::string_view> Document::keysOf(
+std::vector<std::string_view> keysOf(
     std::initializer_list<std::span<const std::string_view>> places) {
     std::vector<std::string_view> all;
     for (std::span<const std::string_view> place : places) {

@@ -419,8 +419,8 @@ Scenario readScenario(const Document& doc, const Json& node, const std::vector<v
 
 std::vector<std::string_view> configreader::keys() {
     std::vector<std::string_view> all =
-        Document::keysOf({kTopKeys, kDriverKeys, kMappingKeys, kServiceKeys, kDriversEntryKeys,
-                          kStepKeys, kInputKeys, kEventKeys});
+        keysOf({kTopKeys, kDriverKeys, kMappingKeys, kServiceKeys, kDriversEntryKeys, kStepKeys,
+                kInputKeys, kEventKeys});
     const auto loop = loopreader::keys();
     all.insert(all.end(), loop.begin(), loop.end());
     return all;

@@ -268,8 +268,7 @@ Route readRoute(const Document& doc, const Json& node, const std::string& at, in
 }  // namespace
 
 std::vector<std::string_view> loopreader::keys() {
-    return Document::keysOf(
-        {kModelKeys, kWireKeys, kLinkKeys, kSignalKeys, kHostEntryKeys, kRouteKeys});
+    return keysOf({kModelKeys, kWireKeys, kLinkKeys, kSignalKeys, kHostEntryKeys, kRouteKeys});
 }
 
 std::vector<PlantModel> loopreader::readPlant(const Document& doc, const Json& node,

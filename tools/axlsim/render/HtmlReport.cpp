@@ -120,7 +120,7 @@ void HtmlReport::happening(const Happening& happening) {
         return;
     }
     (*line)["seq"] = ++lines_;
-    std::string text = JsonRenderer::text(*line, happening.t);
+    std::string text = jsonLineText(*line, happening.t);
     if (std::string signal = signalOf(happening); !signal.empty()) {
         ++changes_;
         keepChange(Change{text, std::move(signal), happening.t / partLength_});

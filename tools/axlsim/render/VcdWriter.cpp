@@ -320,7 +320,7 @@ void VcdWriter::finish(std::chrono::nanoseconds end) {
     dump_->stamp(end);
 }
 
-void VcdWriter::write(std::ostream& out, const Config& config, const RunResult& result) {
+void writeVcd(std::ostream& out, const Config& config, const RunResult& result) {
     VcdWriter writer(out, config);
     for (const Happening& happening : result.timeline) {
         writer.change(happening);

@@ -72,7 +72,7 @@ std::string waitForEnd(const sigset_t& signals, const std::atomic<bool>& stopAsk
     const timespec patience{0, 100'000'000};
     while (!stopAsked) {
         if (const int signal = sigtimedwait(&signals, nullptr, &patience); signal > 0) {
-            return InterruptSignals::name(signal);
+            return signalName(signal);
         }
     }
     return "POST /api/stop";

@@ -44,11 +44,11 @@ std::string tenMinutes() {
 }
 
 void TenMinutesOfOneDriverOnTheVirtualClock(benchmark::State& state) {
-    const axlsim::Config config = axlsim::ConfigReader::readText(tenMinutes(), "ten minutes");
+    const axlsim::Config config = axlsim::configreader::readText(tenMinutes(), "ten minutes");
     const hosting::DriverLibrary library(AXLSIM_DRIVER_PATH);
     std::size_t happenings = 0;
     for (auto _ : state) {
-        const axlsim::RunResult result = axlsim::ScenarioPlayer::run(config, library, {});
+        const axlsim::RunResult result = axlsim::scenarioplayer::run(config, library, {});
         happenings = result.timeline.size();
         benchmark::DoNotOptimize(happenings);
     }

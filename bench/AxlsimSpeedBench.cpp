@@ -115,7 +115,7 @@ void virtualTime(benchmark::State& state, std::vector<vplc::Module> bus) {
     std::chrono::duration<double> wall{0};
     for (auto _ : state) {
         const auto start = std::chrono::steady_clock::now();
-        const axlsim::RunResult result = axlsim::ScenarioPlayer::run(config, library, {});
+        const axlsim::RunResult result = axlsim::scenarioplayer::run(config, library, {});
         wall += std::chrono::steady_clock::now() - start;
         ++runs;
         if (!result.wentAsExpected) {

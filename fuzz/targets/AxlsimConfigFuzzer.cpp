@@ -20,7 +20,7 @@ void checkConfig(Findings& findings, const axlsim::Config& config) {
                                    [](const auto& a, const auto& b) { return a.at < b.at; }),
                     "the scenario is not in time order");
     findings.expect(
-        config.bus.size() <= static_cast<std::size_t>(axlsim::ConfigReader::kMaxBusModules),
+        config.bus.size() <= static_cast<std::size_t>(axlsim::configreader::kMaxBusModules),
         "a bus of " + std::to_string(config.bus.size()) + " modules");
     for (const axlsim::Config::Step& step : config.scenario) {
         if (const auto* event = std::get_if<axlsim::Config::Event>(&step.action)) {
@@ -47,10 +47,10 @@ void checkConfig(Findings& findings, const axlsim::Config& config) {
                         "a route at " + route.path + " between drivers off the list");
     }
     try {
-        axlsim::LoopCheck::check(config);
-        const auto found = axlsim::ConfigCheck::check(config);
+        axlsim::loopcheck::check(config);
+        const auto found = axlsim::configcheck::check(config);
         for (int driver = 0; driver < static_cast<int>(config.drivers.size()); ++driver) {
-            axlsim::ConfigCheck::firstFailure(found, driver);
+            axlsim::configcheck::firstFailure(found, driver);
         }
     } catch (const std::exception& e) {
         findings.add(std::string("the check threw: ") + e.what());
@@ -63,7 +63,7 @@ std::string AxlsimConfigFuzzer::run(std::span<const uint8_t> input) {
     Findings findings;
     const std::string text(reinterpret_cast<const char*>(input.data()), input.size());
     try {
-        checkConfig(findings, axlsim::ConfigReader::readText(text, "fuzz.json"));
+        checkConfig(findings, axlsim::configreader::readText(text, "fuzz.json"));
     } catch (const axlsim::ConfigError& e) {
         findings.expect(!e.reason().empty(), "a ConfigError without a reason");
     } catch (const std::exception& e) {

@@ -13,7 +13,7 @@
 
 namespace {
 
-using axlsim::ConfigCheck;
+namespace configcheck = axlsim::configcheck;
 using axlsim::Happening;
 using axlsim::RunResult;
 using axlsimtest::configFrom;
@@ -42,24 +42,24 @@ std::string json(const Configuration& setup) {
 
 struct Checked {
     axlsim::Config config;
-    std::vector<ConfigCheck::Finding> findings;
+    std::vector<configcheck::Finding> findings;
     RunResult run;
 };
 
 Checked checkAndRun(const Configuration& setup) {
     Checked checked{configFrom(json(setup)), {}, {}};
-    checked.findings = ConfigCheck::check(checked.config);
+    checked.findings = configcheck::check(checked.config);
     checked.run = play(checked.config);
     return checked;
 }
 
 // The prediction of the first stop or exception equals what the driver did first.
 void expectPredictedFailure(const Checked& checked, int driver = 0) {
-    const auto predicted = ConfigCheck::firstFailure(checked.findings, driver);
+    const auto predicted = configcheck::firstFailure(checked.findings, driver);
     const auto actual = axlsimtest::firstFailure(checked.run, driver);
     ASSERT_TRUE(predicted.has_value()) << "check predicts no failure";
     ASSERT_TRUE(actual.has_value()) << "the driver did not fail";
-    if (predicted->effect == ConfigCheck::Effect::Stops) {
+    if (predicted->effect == configcheck::Effect::Stops) {
         EXPECT_EQ(actual->stopMessage, predicted->stopMessage);
         EXPECT_EQ(actual->stopEventId, predicted->stopEventId);
         if (!predicted->log.empty()) {
@@ -73,13 +73,13 @@ void expectPredictedFailure(const Checked& checked, int driver = 0) {
 }
 
 // The one finding that is not a failure; fails the test unless there is exactly one.
-ConfigCheck::Finding onlyDifference(const Checked& checked) {
-    std::vector<ConfigCheck::Finding> differences;
+configcheck::Finding onlyDifference(const Checked& checked) {
+    std::vector<configcheck::Finding> differences;
     std::copy_if(checked.findings.begin(), checked.findings.end(), std::back_inserter(differences),
-                 [](const auto& f) { return f.effect == ConfigCheck::Effect::Differs; });
+                 [](const auto& f) { return f.effect == configcheck::Effect::Differs; });
     EXPECT_EQ(differences.size(), 1U);
     EXPECT_EQ(differences.size(), checked.findings.size()) << "check predicts a failure as well";
-    return differences.empty() ? ConfigCheck::Finding{} : differences.front();
+    return differences.empty() ? configcheck::Finding{} : differences.front();
 }
 
 template <class Kind>
@@ -185,7 +185,7 @@ TEST(CheckAgainstDriver, AMissingInitValThrowsBeforeThePinIsLookedAt) {
         R"({ "1": { "eventId": 101, "type": "DigitalOut", "params": { "PinNum": "9" } } })";
     const Checked checked = checkAndRun(setup);
     expectPredictedFailure(checked);
-    EXPECT_EQ(ConfigCheck::firstFailure(checked.findings, 0)->effect, ConfigCheck::Effect::Throws);
+    EXPECT_EQ(configcheck::firstFailure(checked.findings, 0)->effect, configcheck::Effect::Throws);
 }
 
 TEST(CheckAgainstDriver, AConsecutiveNumberBeyondTheIntRangeThrowsOutOfRangeOutOfCreate) {
@@ -229,10 +229,10 @@ TEST(CheckAgainstDriver, AnEventWithNoDataStopsWithNullDataPointer) {
 }
 
 TEST(CheckAgainstDriver, OfSeveralMistakesTheDriverMeetsTheOneCheckNamesFirst) {
-    const axlsim::Config config = axlsim::ConfigReader::readFile(AXLSIM_EXAMPLES "/mistakes.json");
-    const Checked checked{config, ConfigCheck::check(config), play(config)};
+    const axlsim::Config config = axlsim::configreader::readFile(AXLSIM_EXAMPLES "/mistakes.json");
+    const Checked checked{config, configcheck::check(config), play(config)};
     expectPredictedFailure(checked, 0);
-    EXPECT_FALSE(ConfigCheck::firstFailure(checked.findings, 1).has_value());
+    EXPECT_FALSE(configcheck::firstFailure(checked.findings, 1).has_value());
     EXPECT_FALSE(axlsimtest::firstFailure(checked.run, 1).has_value());
 }
 

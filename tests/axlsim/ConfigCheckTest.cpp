@@ -11,25 +11,25 @@
 
 namespace {
 
-using axlsim::ConfigCheck;
+namespace configcheck = axlsim::configcheck;
 using axlsimtest::configFrom;
 using ::testing::HasSubstr;
 
-using Effect = ConfigCheck::Effect;
+using Effect = configcheck::Effect;
 
-std::vector<ConfigCheck::Finding> findingsOf(const std::string& json) {
-    return ConfigCheck::check(configFrom(json));
+std::vector<configcheck::Finding> findingsOf(const std::string& json) {
+    return configcheck::check(configFrom(json));
 }
 
 TEST(ConfigCheck, FindsNothingInACleanConfiguration) {
-    const auto config = axlsim::ConfigReader::readFile(AXLSIM_EXAMPLES "/feedback_loop.json");
-    EXPECT_TRUE(ConfigCheck::check(config).empty());
+    const auto config = axlsim::configreader::readFile(AXLSIM_EXAMPLES "/feedback_loop.json");
+    EXPECT_TRUE(configcheck::check(config).empty());
 }
 
 TEST(ConfigCheck, ListsEveryProblemAtOnceEachWithItsServiceAndEffect) {
-    const auto config = axlsim::ConfigReader::readFile(AXLSIM_EXAMPLES "/mistakes.json");
+    const auto config = axlsim::configreader::readFile(AXLSIM_EXAMPLES "/mistakes.json");
     std::vector<std::pair<std::optional<unsigned>, Effect>> seen;
-    for (const auto& finding : ConfigCheck::check(config)) {
+    for (const auto& finding : configcheck::check(config)) {
         if (finding.driver == 0) {
             seen.emplace_back(finding.serviceKey, finding.effect);
         }
@@ -43,8 +43,8 @@ TEST(ConfigCheck, ListsEveryProblemAtOnceEachWithItsServiceAndEffect) {
 }
 
 TEST(ConfigCheck, SaysHowToFixEveryProblem) {
-    const auto config = axlsim::ConfigReader::readFile(AXLSIM_EXAMPLES "/mistakes.json");
-    for (const auto& finding : ConfigCheck::check(config)) {
+    const auto config = axlsim::configreader::readFile(AXLSIM_EXAMPLES "/mistakes.json");
+    for (const auto& finding : configcheck::check(config)) {
         EXPECT_FALSE(finding.problem.empty());
         EXPECT_FALSE(finding.fix.empty()) << finding.problem;
     }
@@ -91,7 +91,7 @@ TEST(CheckReport, NamesTheServiceWhatTheDriverDoesAndTheFix) {
         "params": { "Consecutive Number": "1" } }, "mappings": { "100": { "size": 1 } },
         "services": { "2": { "eventId": 100, "name": "in8", "type": "DigitalIn", "params": { "PinNum": "8" } } } })");
     std::ostringstream out;
-    axlsim::CheckReport::write(out, config, ConfigCheck::check(config));
+    axlsim::checkreport::write(out, config, configcheck::check(config));
     const std::string report = out.str();
     EXPECT_THAT(report, HasSubstr("test.json: 1 problem"));
     EXPECT_THAT(report, HasSubstr("service 2 (\"DigitalIn\" \"in8\", event 100)"));
@@ -106,11 +106,11 @@ TEST(CheckReport, SaysSoWhenThereIsNoProblem) {
     const auto config = configFrom(R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1",
         "params": { "Consecutive Number": "1" } } })");
     std::ostringstream out;
-    axlsim::CheckReport::write(out, config, ConfigCheck::check(config));
+    axlsim::checkreport::write(out, config, configcheck::check(config));
     EXPECT_EQ(out.str(), "test.json: no problems found\n");
 }
 
-const ConfigCheck::Finding* findingAbout(const std::vector<ConfigCheck::Finding>& findings,
+const configcheck::Finding* findingAbout(const std::vector<configcheck::Finding>& findings,
                                          const std::string& text) {
     for (const auto& finding : findings) {
         if (finding.problem.find(text) != std::string::npos) {
@@ -160,7 +160,7 @@ TEST(ConfigCheck, CutsALongValueInItsFindings) {
         "mappings": { "100": { "size": 1 } },
         "services": { "1": { "eventId": 100, "name": ")" +
                                    value + R"(", "type": ")" + value + R"(" } } })");
-    const auto findings = ConfigCheck::check(config);
+    const auto findings = configcheck::check(config);
     const std::string cut = std::string(59, '7') + "...";
     const auto* number = findingAbout(findings, "\"Consecutive Number\" is");
     ASSERT_NE(number, nullptr);
@@ -172,7 +172,7 @@ TEST(ConfigCheck, CutsALongValueInItsFindings) {
                                 " (100001 characters): not a key the driver reads (it "
                                 "reads Consecutive Number)");
     std::ostringstream out;
-    axlsim::CheckReport::write(out, config, findings);
+    axlsim::checkreport::write(out, config, findings);
     EXPECT_LT(out.str().size(), 2000U) << out.str();
     const std::string quoted = "\"" + std::string(60, '7') + "...\" (100000 characters)";
     EXPECT_THAT(out.str(), HasSubstr("service 1 (" + quoted + " " + quoted + ", event 100)"));

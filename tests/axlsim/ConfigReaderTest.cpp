@@ -13,7 +13,7 @@ namespace {
 
 using axlsim::Config;
 using axlsim::ConfigError;
-using axlsim::ConfigReader;
+namespace configreader = axlsim::configreader;
 using namespace std::chrono_literals;
 using ::testing::HasSubstr;
 
@@ -25,7 +25,7 @@ constexpr const char* kDigitalDriver = R"(
                 "2": { "eventId": 101, "type": "DigitalOut", "params": { "PinNum": "0", "InitVal": "0" } } })";
 
 Config read(const std::string& json) {
-    return ConfigReader::readText(json, "config.json");
+    return configreader::readText(json, "config.json");
 }
 
 Config withScenario(const std::string& scenario) {
@@ -275,7 +275,7 @@ TEST(ConfigReader, ReadsWhetherAStopIsExpected) {
 
 TEST(ConfigReader, NamesTheFileThatCannotBeOpened) {
     try {
-        ConfigReader::readFile("/nonexistent/config.json");
+        configreader::readFile("/nonexistent/config.json");
         FAIL() << "no error";
     } catch (const ConfigError& error) {
         EXPECT_EQ(error.file(), "/nonexistent/config.json");
@@ -435,7 +435,7 @@ TEST(ConfigReader, RefusesAStepBeyondTheLongestRunSayingWhatIsAccepted) {
 
 TEST(ConfigReader, RefusesADirectory) {
     try {
-        ConfigReader::readFile(::testing::TempDir());
+        configreader::readFile(::testing::TempDir());
         FAIL() << "no error";
     } catch (const ConfigError& error) {
         EXPECT_THAT(error.reason(), HasSubstr("is a directory"));
@@ -445,7 +445,7 @@ TEST(ConfigReader, RefusesADirectory) {
 TEST(ConfigReader, RefusesADeviceBeforeReadingIt) {
     for (const char* device : {"/dev/zero", "/dev/urandom"}) {
         try {
-            ConfigReader::readFile(device);
+            configreader::readFile(device);
             FAIL() << "no error for " << device;
         } catch (const ConfigError& error) {
             EXPECT_EQ(error.file(), device);
@@ -457,7 +457,7 @@ TEST(ConfigReader, RefusesADeviceBeforeReadingIt) {
 TEST(ConfigReader, StopsReadingAStreamAtTheLimit) {
     std::istringstream endless(std::string(4096, ' '));
     try {
-        ConfigReader::readStream(endless, "standard input", 1024);
+        configreader::readStream(endless, "standard input", 1024);
         FAIL() << "no error";
     } catch (const ConfigError& error) {
         EXPECT_EQ(error.file(), "standard input");
@@ -468,7 +468,7 @@ TEST(ConfigReader, StopsReadingAStreamAtTheLimit) {
 
 TEST(ConfigReader, ReadsAStreamWithinTheLimit) {
     std::istringstream in(R"({ "description": "from a pipe" })");
-    EXPECT_EQ(ConfigReader::readStream(in, "standard input").description, "from a pipe");
+    EXPECT_EQ(configreader::readStream(in, "standard input").description, "from a pipe");
 }
 
 }  // namespace

@@ -35,8 +35,8 @@ std::string readmeExample() {
 }
 
 TEST(Documentation, TheReadmeExampleGivesEveryAnalogEventIdTheSize4AndFailsOnlyWhereItMeansTo) {
-    const auto config = axlsim::ConfigReader::readText(readmeExample(), "README.md");
-    const auto findings = axlsim::ConfigCheck::check(config);
+    const auto config = axlsim::configreader::readText(readmeExample(), "README.md");
+    const auto findings = axlsim::configcheck::check(config);
     std::string problems;
     for (const auto& finding : findings) {
         problems += finding.problem + "\n";
@@ -65,7 +65,7 @@ TEST(Documentation, TheReadmeExampleRunsAsItExpects) {
 TEST(Documentation, TheConfigurationReferenceNamesEveryKey) {
     const std::string reference = slurp(AXLSIM_CONFIGURATION_REFERENCE);
     ASSERT_FALSE(reference.empty());
-    for (std::string_view key : axlsim::ConfigReader::keys()) {
+    for (std::string_view key : axlsim::configreader::keys()) {
         EXPECT_THAT(reference, HasSubstr("`" + std::string(key) + "`")) << key;
     }
     for (const char* setting : {"\"Consecutive Number\"", "\"PinNum\"", "\"InitVal\""}) {

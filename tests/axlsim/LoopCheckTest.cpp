@@ -12,7 +12,7 @@
 namespace {
 
 using axlsim::Config;
-using axlsim::LoopCheck;
+namespace loopcheck = axlsim::loopcheck;
 using axlsimtest::configFrom;
 using ::testing::HasSubstr;
 
@@ -33,8 +33,8 @@ Config loop(const std::string& sections) {
                       sections + "}");
 }
 
-std::vector<LoopCheck::Finding> findingsOf(const std::string& sections) {
-    return LoopCheck::check(loop(sections));
+std::vector<loopcheck::Finding> findingsOf(const std::string& sections) {
+    return loopcheck::check(loop(sections));
 }
 
 TEST(LoopCheck, FindsNothingWhenEveryModelAndRouteFits) {
@@ -135,19 +135,19 @@ TEST(LoopCheck, RunRefusesTheFirstRefusedFindingAtItsPointer) {
     const Config config = loop(R"("host": [ { "route": { "from": 100, "to": 999 } },
                                             { "route": { "from": 300, "from_driver": 1, "to": 200 } } ])");
     try {
-        LoopCheck::requireRunnable(config);
+        loopcheck::requireRunnable(config);
         FAIL() << "no error";
     } catch (const axlsim::ConfigError& error) {
         EXPECT_EQ(error.place(), "/host/1");
     }
     EXPECT_NO_THROW(
-        LoopCheck::requireRunnable(loop(R"("host": [ { "route": { "from": 100, "to": 999 } } ])")));
+        loopcheck::requireRunnable(loop(R"("host": [ { "route": { "from": 100, "to": 999 } } ])")));
 }
 
 TEST(LoopCheck, TheCheckReportListsThePlantAndHostFindingsUnderTheirOwnTitle) {
     const Config config = loop(R"("host": [ { "route": { "from": 200, "to": 200 } } ])");
     std::ostringstream out;
-    axlsim::CheckReport::write(out, config, {}, LoopCheck::check(config));
+    axlsim::checkreport::write(out, config, {}, loopcheck::check(config));
     EXPECT_THAT(out.str(), HasSubstr("1 problem\n"));
     EXPECT_THAT(out.str(),
                 HasSubstr("plant and host\n  /host/0 (route 200 -> 200)\n"

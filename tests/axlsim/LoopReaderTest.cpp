@@ -20,7 +20,7 @@ using ::testing::HasSubstr;
 
 // A digital module at position 1 and an analog module at position 2, with one driver.
 Config read(const std::string& sections) {
-    return axlsim::ConfigReader::readText(
+    return axlsim::configreader::readText(
         R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } },
              "bus": [ "AXL_F_DI8_1_DO8_1", "AXL_F_AI2_AO2" ], )" +
             sections + "}",

@@ -186,7 +186,7 @@ TEST(TextRenderer, KeepsOtherUnicodeTextAndShowsBytesThatAreNotUtf8Escaped) {
 }
 
 TEST(TextRenderer, ShowsControlCharactersOfTheFileAndDescriptionEscaped) {
-    const auto config = axlsim::ConfigReader::readText(R"({ "description": "two\nlines" })",
+    const auto config = axlsim::configreader::readText(R"({ "description": "two\nlines" })",
                                                        std::string("a\tb.json"));
     std::ostringstream out;
     axlsim::TextRenderer(out, config, false).header(false);

@@ -128,9 +128,9 @@ TEST(ScenarioPlayer, AnExceptionOutOfCreateIsShownAndNoEventReachesTheMissingDri
 }
 
 TEST(ScenarioPlayer, UntilEndsTheRunEarlyAndLeavesLaterStepsOut) {
-    axlsim::ScenarioPlayer::Options options;
+    axlsim::scenarioplayer::Options options;
     options.until = 150ms;
-    const RunResult run = axlsim::ScenarioPlayer::run(
+    const RunResult run = axlsim::scenarioplayer::run(
         configFrom(digital(R"([ { "at_ms": 250, "event": { "id": 200, "value": 1 } } ])")),
         axlsimtest::driverLibrary(), options);
     EXPECT_EQ(run.end, 150ms);
@@ -139,18 +139,18 @@ TEST(ScenarioPlayer, UntilEndsTheRunEarlyAndLeavesLaterStepsOut) {
 
 TEST(ScenarioPlayer, ReportsTheProgressOfAVirtualRun) {
     std::vector<std::chrono::nanoseconds> reported;
-    axlsim::ScenarioPlayer::Options options;
+    axlsim::scenarioplayer::Options options;
     options.progress = [&reported](auto now, auto end) {
         EXPECT_EQ(end, 3s);
         reported.push_back(now);
     };
-    axlsim::ScenarioPlayer::run(configFrom(digital(R"([ { "at_ms": 3000, "end": true } ])")),
+    axlsim::scenarioplayer::run(configFrom(digital(R"([ { "at_ms": 3000, "end": true } ])")),
                                 axlsimtest::driverLibrary(), options);
     EXPECT_EQ(reported, (std::vector<std::chrono::nanoseconds>{1s, 2s, 3s}));
 }
 
 TEST(ScenarioPlayer, TwoDriversShareOneBusAndEachEventReachesItsDriver) {
-    const auto config = axlsim::ConfigReader::readFile(AXLSIM_EXAMPLES "/two_drivers.json");
+    const auto config = axlsim::configreader::readFile(AXLSIM_EXAMPLES "/two_drivers.json");
     const RunResult run = play(config);
     ASSERT_EQ(run.drivers.size(), 2U);
     for (const Happening& happening : run.timeline) {
@@ -163,7 +163,7 @@ TEST(ScenarioPlayer, TwoDriversShareOneBusAndEachEventReachesItsDriver) {
 }
 
 TEST(ScenarioPlayer, AVirtualRunGivesTheSameTimelineEveryTime) {
-    const auto config = axlsim::ConfigReader::readFile(AXLSIM_EXAMPLES "/two_drivers.json");
+    const auto config = axlsim::configreader::readFile(AXLSIM_EXAMPLES "/two_drivers.json");
     const std::string first = axlsimtest::jsonTimeline(config, play(config));
     for (int run = 0; run < 5; ++run) {
         EXPECT_EQ(axlsimtest::jsonTimeline(config, play(config)), first);
@@ -171,11 +171,11 @@ TEST(ScenarioPlayer, AVirtualRunGivesTheSameTimelineEveryTime) {
 }
 
 TEST(ScenarioPlayer, ARunOnTheWallClockShowsTheDriversWorkAsItHappens) {
-    axlsim::ScenarioPlayer::Options options;
+    axlsim::scenarioplayer::Options options;
     options.realTime = true;
     std::vector<Happening> live;
     options.live = [&live](const Happening& happening) { live.push_back(happening); };
-    const RunResult run = axlsim::ScenarioPlayer::run(
+    const RunResult run = axlsim::scenarioplayer::run(
         configFrom(digital(
             R"([ { "at_ms": 30, "event": { "id": 200, "value": 1 } }, { "at_ms": 60, "end": true } ])")),
         axlsimtest::driverLibrary(), options);

@@ -15,11 +15,11 @@ const hosting::DriverLibrary& driverLibrary() {
 }
 
 axlsim::Config configFrom(const std::string& json) {
-    return axlsim::ConfigReader::readText(json, "test.json");
+    return axlsim::configreader::readText(json, "test.json");
 }
 
 axlsim::RunResult play(const axlsim::Config& config) {
-    return axlsim::ScenarioPlayer::run(config, driverLibrary(), {});
+    return axlsim::scenarioplayer::run(config, driverLibrary(), {});
 }
 
 std::optional<Failure> firstFailure(const axlsim::RunResult& result, int driver) {

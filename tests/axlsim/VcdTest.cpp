@@ -11,8 +11,8 @@
 
 #include "TestRuns.h"
 #include "VcdReader.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/ConfigReader.h"
-#include "axlsim/render/ValueText.h"
 #include "axlsim/render/VcdWriter.h"
 
 namespace {
@@ -27,10 +27,10 @@ struct Dumped {
 };
 
 Dumped dumpOf(const char* example) {
-    const auto config = axlsim::ConfigReader::readFile(std::string(AXLSIM_EXAMPLES "/") + example);
+    const auto config = axlsim::configreader::readFile(std::string(AXLSIM_EXAMPLES "/") + example);
     axlsim::RunResult run = axlsimtest::play(config);
     std::ostringstream out;
-    axlsim::VcdWriter::write(out, config, run);
+    axlsim::writeVcd(out, config, run);
     return Dumped{std::move(run), VcdReader(out.str())};
 }
 
@@ -109,12 +109,12 @@ TEST(Vcd, ShowsEveryPublishedAnalogValueOfTheTimeline) {
 }
 
 TEST(Vcd, AFileNameThatLooksLikeVcdSyntaxCannotBreakTheHeader) {
-    const auto config = axlsim::ConfigReader::readText(
+    const auto config = axlsim::configreader::readText(
         R"({ "driver": { "deviceType": "AXL_F_DI8_1_DO8_1", "params": { "Consecutive Number": "1" } } })",
         "/tmp/a $end $var wire 1 ! x $end\n$enddefinitions $end/config.json");
     const axlsim::RunResult run = axlsimtest::play(config);
     std::ostringstream out;
-    axlsim::VcdWriter::write(out, config, run);
+    axlsim::writeVcd(out, config, run);
     const VcdReader vcd(out.str());
     EXPECT_EQ(vcd.variables().size(), 16U);
     EXPECT_NE(vcd.variable("axlsim.m1_AXL_F_DI8_1_DO8_1.in0"), nullptr);

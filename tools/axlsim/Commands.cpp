@@ -11,6 +11,7 @@
 #include <system_error>
 #include <variant>
 
+#include "axlsim/base/ValueText.h"
 #include "axlsim/check/CheckReport.h"
 #include "axlsim/check/ConfigCheck.h"
 #include "axlsim/check/LoopCheck.h"
@@ -23,14 +24,13 @@
 #include "axlsim/render/ProgressBar.h"
 #include "axlsim/render/StandardOutput.h"
 #include "axlsim/render/TextRenderer.h"
-#include "axlsim/render/ValueText.h"
 #include "axlsim/render/VcdWriter.h"
 #include "axlsim/run/InterruptSignals.h"
 #include "axlsim/run/ScenarioPlayer.h"
 #include "hosting/DriverLibrary.h"
 
 #if AXLSIM_SERVE
-#include "axlsim/serve/HtmlReport.h"
+#include "axlsim/render/HtmlReport.h"
 #endif
 
 namespace axlsim {
@@ -51,7 +51,7 @@ bool colourWanted() {
 
 std::optional<Config> readConfig(const std::string& file) {
     try {
-        return ConfigReader::readFile(file);
+        return configreader::readFile(file);
     } catch (const ConfigError& error) {
         std::cerr << "axlsim: " << error.what() << '\n';
         return std::nullopt;
@@ -65,7 +65,7 @@ std::optional<Config> runnableConfig(const std::string& file) {
         return std::nullopt;
     }
     try {
-        LoopCheck::requireRunnable(*config);
+        loopcheck::requireRunnable(*config);
         return config;
     } catch (const ConfigError& error) {
         std::cerr << "axlsim: " << error.what() << '\n';
@@ -108,7 +108,7 @@ bool sameFile(const std::string& a, const std::string& b) {
 
 // The output files of a run, each its own and none the configuration or standard output; said
 // on standard error when they are not.
-bool outputsAccepted(const Commands::RunRequest& request) {
+bool outputsAccepted(const commands::RunRequest& request) {
     const std::vector<std::pair<std::string, std::string>> outputs = {{"--vcd", request.vcd},
                                                                       {"--html", request.html}};
     for (std::size_t i = 0; i < outputs.size(); ++i) {
@@ -142,7 +142,7 @@ bool outputsAccepted(const Commands::RunRequest& request) {
     return true;
 }
 
-int play(const Config& config, const Commands::RunRequest& request, StandardOutput& out) {
+int play(const Config& config, const commands::RunRequest& request, StandardOutput& out) {
     const auto library = loadDriver(request.driver);
     if (library == nullptr) {
         return kCannotRun;
@@ -185,7 +185,7 @@ int play(const Config& config, const Commands::RunRequest& request, StandardOutp
 #endif
 
     const InterruptSignals signals;
-    ScenarioPlayer::Options options;
+    scenarioplayer::Options options;
     options.realTime = request.realTime;
     options.until = request.until;
     // The timeline goes to every output as it settles; none keeps it whole.
@@ -211,7 +211,7 @@ int play(const Config& config, const Commands::RunRequest& request, StandardOutp
     // A standard output that cannot be written stops the run like a signal does.
     options.stopRequested = [&out] {
         out.sink().flushIfDue();
-        return InterruptSignals::received() != 0 || out.sink().failed();
+        return receivedInterrupt() != 0 || out.sink().failed();
     };
     std::optional<ProgressBar> bar;
     if (!request.realTime && isatty(STDERR_FILENO) != 0 && plannedEnd >= kLongRun) {
@@ -219,7 +219,7 @@ int play(const Config& config, const Commands::RunRequest& request, StandardOutp
         options.progress = [&bar](auto now, auto end) { bar->update(now, end); };
     }
 
-    const RunResult result = ScenarioPlayer::run(config, *library, options);
+    const RunResult result = scenarioplayer::run(config, *library, options);
     bar.reset();
     const bool outputLost = out.sink().failed();
     std::string interruption;
@@ -227,7 +227,7 @@ int play(const Config& config, const Commands::RunRequest& request, StandardOutp
         interruption = "a failed write to the standard output (" +
                        std::string(std::strerror(out.sink().error())) + ")";
     } else if (result.interrupted) {
-        interruption = InterruptSignals::name(InterruptSignals::received());
+        interruption = signalName(receivedInterrupt());
     }
     if (!outputLost) {
         renderer->finish(result);
@@ -264,13 +264,13 @@ int play(const Config& config, const Commands::RunRequest& request, StandardOutp
 
 }  // namespace
 
-int Commands::run(const RunRequest& request) {
+int commands::run(const RunRequest& request) {
     const auto config = runnableConfig(request.config);
     if (!config) {
         return kCannotRun;
     }
     if (const std::size_t problems =
-            ConfigCheck::check(*config).size() + LoopCheck::check(*config).size();
+            configcheck::check(*config).size() + loopcheck::check(*config).size();
         problems > 0) {
         std::cerr << "axlsim: " << problems << (problems == 1 ? " problem" : " problems")
                   << " that axlsim check explains; running anyway\n";
@@ -280,7 +280,7 @@ int Commands::run(const RunRequest& request) {
 }
 
 #if AXLSIM_SERVE
-int Commands::serve(const ServeCommand::Request& request) {
+int commands::serve(const serving::Request& request) {
     const auto config = runnableConfig(request.config);
     if (!config) {
         return kCannotRun;
@@ -289,34 +289,34 @@ int Commands::serve(const ServeCommand::Request& request) {
     if (library == nullptr) {
         return kCannotRun;
     }
-    return ServeCommand::serve(*config, *library, request);
+    return serving::serve(*config, *library, request);
 }
 #endif
 
-int Commands::printed(const std::function<int()>& print) {
+int commands::printed(const std::function<int()>& print) {
     StandardOutput out;
     const int status = print();
     return out.written() ? status : kCannotRun;
 }
 
-int Commands::check(const std::string& file) {
+int commands::check(const std::string& file) {
     const auto config = readConfig(file);
     if (!config) {
         return kCannotRun;
     }
     StandardOutput out;
-    const auto findings = ConfigCheck::check(*config);
-    const auto loop = LoopCheck::check(*config);
-    CheckReport::write(std::cout, *config, findings, loop);
+    const auto findings = configcheck::check(*config);
+    const auto loop = loopcheck::check(*config);
+    checkreport::write(std::cout, *config, findings, loop);
     if (!out.written()) {
         return kCannotRun;
     }
     return findings.empty() && loop.empty() ? 0 : 1;
 }
 
-int Commands::demo(const std::string& driver) {
+int commands::demo(const std::string& driver) {
     const Config config =
-        ConfigReader::readText(std::string(demoConfigText()), std::string(demoConfigName()));
+        configreader::readText(std::string(demoConfigText()), std::string(demoConfigName()));
     StandardOutput out;
     std::cout
         << "axlsim demo\n\n"
@@ -328,7 +328,7 @@ int Commands::demo(const std::string& driver) {
            "brings the lamp's contact back on input 1 5 ms after output 0 changes. Watch the\n"
            "driver publish every input once at start, scan every 100 ms, publish only what\n"
            "changed, and write its outputs to the bus for each event the host sends it.\n\n";
-    Commands::RunRequest request;
+    commands::RunRequest request;
     request.driver = driver;
     const int status = play(config, request, out);
     std::cout

@@ -8,8 +8,8 @@
 #include <iostream>
 
 #include "axlsim/Commands.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/Milliseconds.h"
-#include "axlsim/render/ValueText.h"
 
 #if AXLSIM_SERVE
 #include "axlsim/serve/ListenAddress.h"
@@ -77,7 +77,7 @@ int main(int argc, char** argv) {
                          "axlsim " AXLSIM_VERSION "\ndriver libplcnext_driver.so " AXLSIM_VERSION,
                          "Print the versions of axlsim and of the driver it is built with");
 
-    axlsim::Commands::RunRequest run;
+    axlsim::commands::RunRequest run;
     std::string untilText;
     auto* runCommand = app.add_subcommand(
         "run", "Load the driver, run the configuration's scenario and print the timeline.");
@@ -100,15 +100,14 @@ int main(int argc, char** argv) {
                      "Also write a self-contained HTML report of the run (waveforms, timeline)")
         ->option_text("FILE");
 #endif
-    auto* until =
-        runCommand
-            ->add_option(
-                "--until", untilText,
-                "End the run at this time, in whole milliseconds " + axlsim::Milliseconds::range())
-            ->option_text("MS")
-            ->check(CLI::Validator(
-                [](const std::string& text) { return axlsim::Milliseconds::problem(text); }, "",
-                "MILLISECONDS"));
+    auto* until = runCommand
+                      ->add_option("--until", untilText,
+                                   "End the run at this time, in whole milliseconds " +
+                                       axlsim::millisecondsRange())
+                      ->option_text("MS")
+                      ->check(CLI::Validator(
+                          [](const std::string& text) { return axlsim::millisecondsProblem(text); },
+                          "", "MILLISECONDS"));
 
     std::string checkConfig;
     auto* checkCommand = app.add_subcommand(
@@ -126,7 +125,7 @@ int main(int argc, char** argv) {
         ->check(driverPath());
 
 #if AXLSIM_SERVE
-    axlsim::ServeCommand::Request serve;
+    axlsim::serving::Request serve;
     auto* serveCommand = app.add_subcommand(
         "serve", "Run the configuration live, paced to the wall clock, with a page and an API.");
     serveCommand->add_option("CONFIG", serve.config, "The configuration (JSON, comments allowed)")
@@ -190,14 +189,14 @@ int main(int argc, char** argv) {
                 return 2;
             }
         }
-        return axlsim::Commands::printed([&] { return app.exit(error) == 0 ? 0 : 2; });
+        return axlsim::commands::printed([&] { return app.exit(error) == 0 ? 0 : 2; });
     }
 
     if (*runCommand) {
         if (*until) {
-            run.until = axlsim::Milliseconds::read(untilText);
+            run.until = axlsim::readMilliseconds(untilText);
         }
-        return axlsim::Commands::run(run);
+        return axlsim::commands::run(run);
     }
 #if AXLSIM_SERVE
     if (*serveCommand) {
@@ -205,11 +204,11 @@ int main(int argc, char** argv) {
         if (*modbus) {
             serve.modbus = modbusText;
         }
-        return axlsim::Commands::serve(serve);
+        return axlsim::commands::serve(serve);
     }
 #endif
     if (*checkCommand) {
-        return axlsim::Commands::check(checkConfig);
+        return axlsim::commands::check(checkConfig);
     }
-    return axlsim::Commands::demo(demoDriver);
+    return axlsim::commands::demo(demoDriver);
 }

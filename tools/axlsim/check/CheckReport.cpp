@@ -3,13 +3,13 @@
 
 #include <string>
 
-#include "axlsim/render/ValueText.h"
+#include "axlsim/base/ValueText.h"
 
 namespace axlsim {
 
 namespace {
 
-using Finding = ConfigCheck::Finding;
+using Finding = configcheck::Finding;
 
 std::string subject(const Config::Driver& driver, const Finding& finding) {
     if (finding.serviceKey) {
@@ -46,24 +46,24 @@ std::string driverTitle(const Config& config, int index) {
 
 }  // namespace
 
-std::string CheckReport::outcome(const Finding& finding) {
+std::string checkreport::outcome(const Finding& finding) {
     switch (finding.effect) {
-        case ConfigCheck::Effect::Stops:
+        case configcheck::Effect::Stops:
             return (finding.log.empty() ? "" : "logs " + inQuotes(finding.log) + " and ") +
                    "stops with " + inQuotes(finding.stopMessage) +
                    (finding.stopEventId ? "" : " (driver-wide)");
-        case ConfigCheck::Effect::Throws:
+        case configcheck::Effect::Throws:
             return "throws " + finding.exception->type + " (" + inQuotes(finding.exception->what) +
                    ") out of " + hostCall(finding.where);
-        case ConfigCheck::Effect::Differs:
+        case configcheck::Effect::Differs:
             break;
     }
     return finding.consequence;
 }
 
-void CheckReport::write(std::ostream& out, const Config& config,
+void checkreport::write(std::ostream& out, const Config& config,
                         const std::vector<Finding>& findings,
-                        const std::vector<LoopCheck::Finding>& loop) {
+                        const std::vector<loopcheck::Finding>& loop) {
     const std::size_t count = findings.size() + loop.size();
     if (count == 0) {
         out << config.file << ": no problems found\n";
@@ -90,7 +90,7 @@ void CheckReport::write(std::ostream& out, const Config& config,
     if (!loop.empty()) {
         out << "\nplant and host\n";
     }
-    for (const LoopCheck::Finding& finding : loop) {
+    for (const loopcheck::Finding& finding : loop) {
         out << "  " << finding.path << " (" << finding.subject << ")\n"
             << "    problem: " << finding.problem << '\n'
             << "    effect:  " << finding.consequence << '\n'
@@ -98,7 +98,7 @@ void CheckReport::write(std::ostream& out, const Config& config,
     }
     out << '\n';
     for (std::size_t d = 0; d < config.drivers.size(); ++d) {
-        const auto first = ConfigCheck::firstFailure(findings, static_cast<int>(d));
+        const auto first = configcheck::firstFailure(findings, static_cast<int>(d));
         if (!first) {
             continue;
         }

@@ -4,11 +4,11 @@
 #include <map>
 #include <utility>
 
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/ConfigError.h"
 #include "axlsim/configuration/EventCatalog.h"
 #include "axlsim/configuration/LoopNames.h"
-#include "axlsim/render/ValueText.h"
-#include "axlsim/run/HostRoutes.h"
+#include "axlsim/configuration/RouteFit.h"
 
 namespace axlsim {
 
@@ -46,7 +46,7 @@ std::string fixFor(Route::Map map) {
            "\"below\" for a digital output";
 }
 
-void checkInputs(const Config& config, std::vector<LoopCheck::Finding>& findings) {
+void checkInputs(const Config& config, std::vector<loopcheck::Finding>& findings) {
     // The first model on each input: each later one is reported against it.
     std::map<std::string, const PlantModel*> drivenBy;
     for (const PlantModel& model : config.plant) {
@@ -65,13 +65,13 @@ void checkInputs(const Config& config, std::vector<LoopCheck::Finding>& findings
 // Two routes to one output: the output takes whichever delivered last. Only routes that deliver
 // count; the others are reported already.
 void checkOutputs(const EventCatalog& catalog, const std::vector<Route>& host,
-                  std::vector<LoopCheck::Finding>& findings) {
+                  std::vector<loopcheck::Finding>& findings) {
     std::map<std::pair<int, uint32_t>, const Route*> drivenBy;
     for (const Route& route : host) {
         const Config::Service* source = catalog.inputService(route.fromDriver, route.from);
         const Receiver receiver = catalog.receiverOf(route.toDriver, route.to);
         if (source == nullptr || (receiver != Receiver::Digital && receiver != Receiver::Analog) ||
-            !HostRoutes::fits(route.map, source->type == "DigitalIn", receiver)) {
+            !routeMapFits(route.map, source->type == "DigitalIn", receiver)) {
             continue;
         }
         const auto [first, added] = drivenBy.try_emplace({route.toDriver, route.to}, &route);
@@ -92,7 +92,7 @@ void checkOutputs(const EventCatalog& catalog, const std::vector<Route>& host,
 }
 
 void checkRoute(const EventCatalog& catalog, const Route& route,
-                std::vector<LoopCheck::Finding>& findings) {
+                std::vector<loopcheck::Finding>& findings) {
     const std::string subject = subjectOf(route);
     const std::string fromDriver = "driver " + std::to_string(route.fromDriver);
     const std::string toDriver = "driver " + std::to_string(route.toDriver);
@@ -136,7 +136,7 @@ void checkRoute(const EventCatalog& catalog, const Route& route,
         return;
     }
     const bool digital = source->type == "DigitalIn";
-    if (HostRoutes::fits(route.map, digital, receiver)) {
+    if (routeMapFits(route.map, digital, receiver)) {
         return;
     }
     findings.push_back({route.path, subject, true,
@@ -149,7 +149,7 @@ void checkRoute(const EventCatalog& catalog, const Route& route,
 
 }  // namespace
 
-std::vector<LoopCheck::Finding> LoopCheck::check(const Config& config) {
+std::vector<loopcheck::Finding> loopcheck::check(const Config& config) {
     std::vector<Finding> findings;
     checkInputs(config, findings);
     const EventCatalog catalog(config.drivers);
@@ -160,7 +160,7 @@ std::vector<LoopCheck::Finding> LoopCheck::check(const Config& config) {
     return findings;
 }
 
-void LoopCheck::requireRunnable(const Config& config) {
+void loopcheck::requireRunnable(const Config& config) {
     for (const Finding& finding : check(config)) {
         if (finding.refusesRun) {
             throw ConfigError(config.file, finding.path, finding.problem + "; " + finding.fix);

@@ -5,10 +5,10 @@
 #include <cmath>
 #include <limits>
 
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/ConfigError.h"
 #include "axlsim/configuration/JsonParser.h"
 #include "axlsim/configuration/Milliseconds.h"
-#include "axlsim/render/ValueText.h"
 
 namespace axlsim {
 
@@ -25,18 +25,18 @@ std::string list(std::span<const std::string_view> keys) {
 }  // namespace
 
 std::string member(const std::string& path, std::string_view key) {
-    return JsonParser::member(path, key);
+    return jsonparser::member(path, key);
 }
 
 std::string element(const std::string& path, std::size_t index) {
-    return JsonParser::element(path, index);
+    return jsonparser::element(path, index);
 }
 
 void Document::fail(const std::string& path, const std::string& reason) const {
     throw ConfigError(file_, path.empty() ? "/" : path, reason);
 }
 
-std::vector<std::string_view> Document::keysOf(
+std::vector<std::string_view> keysOf(
     std::initializer_list<std::span<const std::string_view>> places) {
     std::vector<std::string_view> all;
     for (std::span<const std::string_view> place : places) {
@@ -107,9 +107,9 @@ double Document::number(const Json& node, const std::string& path, double min, d
 std::chrono::milliseconds Document::milliseconds(const Json& node, const std::string& path) const {
     if (!node.is_number_integer() ||
         (node.is_number_unsigned()
-             ? node.get<uint64_t>() > static_cast<uint64_t>(Milliseconds::kLongest)
+             ? node.get<uint64_t>() > static_cast<uint64_t>(kLongestMilliseconds)
              : node.get<int64_t>() < 0)) {
-        fail(path, "expected a time in whole milliseconds, " + Milliseconds::range());
+        fail(path, "expected a time in whole milliseconds, " + millisecondsRange());
     }
     return std::chrono::milliseconds(node.get<int64_t>());
 }
@@ -150,7 +150,7 @@ std::optional<std::size_t> Document::lineOf(const std::string& path) const {
     if (text_ == nullptr) {
         return std::nullopt;
     }
-    return JsonParser::keyLine(*text_, path);
+    return jsonparser::keyLine(*text_, path);
 }
 
 std::map<std::string, std::string> Document::texts(const Json& node,

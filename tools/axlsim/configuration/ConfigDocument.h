@@ -32,10 +32,6 @@ public:
 
     [[noreturn]] void fail(const std::string& path, const std::string& reason) const;
 
-    // The keys of several places, one after another: the keys a reader knows.
-    static std::vector<std::string_view> keysOf(
-        std::initializer_list<std::span<const std::string_view>> places);
-
     // The node as an object whose keys are all among `keys`.
     const Json& object(const Json& node, const std::string& path,
                        std::span<const std::string_view> keys) const;
@@ -76,5 +72,9 @@ private:
     std::string file_;
     const std::string* text_;
 };
+
+// The keys of several places, one after another: the keys a reader knows.
+std::vector<std::string_view> keysOf(
+    std::initializer_list<std::span<const std::string_view>> places);
 
 }  // namespace axlsim

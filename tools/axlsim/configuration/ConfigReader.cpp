@@ -14,16 +14,16 @@
 #include <sstream>
 #include <string_view>
 
+#include "axlsim/base/Hex.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/ConfigDocument.h"
 #include "axlsim/configuration/ConfigError.h"
 #include "axlsim/configuration/DriverNumber.h"
 #include "axlsim/configuration/EventCatalog.h"
-#include "axlsim/configuration/Hex.h"
 #include "axlsim/configuration/JsonParser.h"
 #include "axlsim/configuration/LoopReader.h"
 #include "axlsim/configuration/Milliseconds.h"
 #include "axlsim/configuration/PlcOperationName.h"
-#include "axlsim/render/ValueText.h"
 #include "modules/IbIlConversion.h"
 
 namespace axlsim {
@@ -186,7 +186,7 @@ std::vector<vplc::Module> defaultBus(const std::vector<Config::Driver>& drivers)
         const auto it = driver.params.find("Consecutive Number");
         const DriverNumber number = DriverNumber::read(it != driver.params.end() ? it->second : "");
         const int position =
-            number.throws() ? 1 : std::clamp(number.value(), 1, ConfigReader::kMaxBusModules);
+            number.throws() ? 1 : std::clamp(number.value(), 1, configreader::kMaxBusModules);
         length = std::max(length, position);
         placed.push_back(
             {position,
@@ -208,9 +208,9 @@ std::vector<vplc::Module> readBus(const Document& doc, const Json& node) {
     if (!node.is_array() || node.empty()) {
         doc.fail("/bus", "expected a list of module types, one per position from 1");
     }
-    if (node.size() > static_cast<std::size_t>(ConfigReader::kMaxBusModules)) {
+    if (node.size() > static_cast<std::size_t>(configreader::kMaxBusModules)) {
         doc.fail("/bus", "an Axioline F bus holds at most " +
-                             std::to_string(ConfigReader::kMaxBusModules) + " modules");
+                             std::to_string(configreader::kMaxBusModules) + " modules");
     }
     std::vector<vplc::Module> bus;
     for (std::size_t i = 0; i < node.size(); ++i) {
@@ -417,26 +417,26 @@ Scenario readScenario(const Document& doc, const Json& node, const std::vector<v
 
 }  // namespace
 
-std::vector<std::string_view> ConfigReader::keys() {
+std::vector<std::string_view> configreader::keys() {
     std::vector<std::string_view> all =
-        Document::keysOf({kTopKeys, kDriverKeys, kMappingKeys, kServiceKeys, kDriversEntryKeys,
-                          kStepKeys, kInputKeys, kEventKeys});
-    const auto loop = LoopReader::keys();
+        keysOf({kTopKeys, kDriverKeys, kMappingKeys, kServiceKeys, kDriversEntryKeys, kStepKeys,
+                kInputKeys, kEventKeys});
+    const auto loop = loopreader::keys();
     all.insert(all.end(), loop.begin(), loop.end());
     return all;
 }
 
-Config::Input ConfigReader::inputStep(const Json& node, const Config& config,
+Config::Input configreader::inputStep(const Json& node, const Config& config,
                                       const std::string& name) {
     return readInput(Document(name), node, "", config.bus);
 }
 
-Config::Event ConfigReader::eventStep(const Json& node, const Config& config,
+Config::Event configreader::eventStep(const Json& node, const Config& config,
                                       const std::string& name) {
     return readEvent(Document(name), node, "", config.drivers);
 }
 
-Config::Plc ConfigReader::plcStep(const Json& node, const std::string& name) {
+Config::Plc configreader::plcStep(const Json& node, const std::string& name) {
     const Document doc(name);
     doc.object(node, "", kPlcRequestKeys);
     if (!node.contains("operation")) {
@@ -445,7 +445,7 @@ Config::Plc ConfigReader::plcStep(const Json& node, const std::string& name) {
     return readPlc(doc, node.at("operation"), "/operation");
 }
 
-Config ConfigReader::readFile(const std::string& file) {
+Config configreader::readFile(const std::string& file) {
     if (file == "-") {
         return readStream(std::cin, kStandardInput);
     }
@@ -475,7 +475,7 @@ Config ConfigReader::readFile(const std::string& file) {
     return readStream(in, file);
 }
 
-Config ConfigReader::readStream(std::istream& in, const std::string& name, std::size_t limit) {
+Config configreader::readStream(std::istream& in, const std::string& name, std::size_t limit) {
     std::string text;
     std::vector<char> chunk(kChunk);
     while (in.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || in.gcount() > 0) {
@@ -490,9 +490,9 @@ Config ConfigReader::readStream(std::istream& in, const std::string& name, std::
     return readText(text, name);
 }
 
-Config ConfigReader::readText(const std::string& text, const std::string& name) {
+Config configreader::readText(const std::string& text, const std::string& name) {
     const Document doc(name, &text);
-    const Json root = JsonParser::parse(text, name);
+    const Json root = jsonparser::parse(text, name);
     doc.object(root, "", kTopKeys);
 
     Config config;
@@ -504,11 +504,11 @@ Config ConfigReader::readText(const std::string& text, const std::string& name) 
     config.severalDrivers = root.contains("drivers");
     config.bus = root.contains("bus") ? readBus(doc, root.at("bus")) : defaultBus(config.drivers);
     if (root.contains("plant")) {
-        config.plant = LoopReader::readPlant(doc, root.at("plant"), config.bus);
+        config.plant = loopreader::readPlant(doc, root.at("plant"), config.bus);
     }
     if (root.contains("host")) {
         config.host =
-            LoopReader::readHost(doc, root.at("host"), static_cast<int>(config.drivers.size()));
+            loopreader::readHost(doc, root.at("host"), static_cast<int>(config.drivers.size()));
     }
     if (root.contains("expect_stop")) {
         config.expectStop = doc.flag(root.at("expect_stop"), "/expect_stop");

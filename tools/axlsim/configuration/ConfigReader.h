@@ -10,38 +10,33 @@
 
 #include "axlsim/configuration/Config.h"
 
-namespace axlsim {
+namespace axlsim::configreader {
 
 // Reads a configuration (JSON with comments). Anything it cannot use is a ConfigError that names
 // the file, the place and the reason; what the driver will make of the texts it passes on is
-// not judged here (that is ConfigCheck's), only whether the file says something axlsim can do.
-class ConfigReader {
-public:
-    // A regular file, or standard input for "-"; anything else (a directory, a device, a file
-    // larger than kMaxBytes) is refused before it is read.
-    static Config readFile(const std::string& file);
-    static Config readStream(std::istream& in, const std::string& name,
-                             std::size_t limit = kMaxBytes);
-    static Config readText(const std::string& text, const std::string& name);
+// not judged here (that is configcheck's), only whether the file says something axlsim can do.
 
-    // Every key a configuration can have, at any place.
-    static std::vector<std::string_view> keys();
+// Axioline F allows at most this many modules on a local bus.
+inline constexpr int kMaxBusModules = 63;
 
-    // One action read exactly as a scenario step's: a mistake is the same ConfigError, its place a
-    // JSON pointer into `node` and its file `name`. For what is asked while a run goes on.
-    static Config::Input inputStep(const nlohmann::json& node, const Config& config,
-                                   const std::string& name);
-    static Config::Event eventStep(const nlohmann::json& node, const Config& config,
-                                   const std::string& name);
-    // {"operation": a name or number}
-    static Config::Plc plcStep(const nlohmann::json& node, const std::string& name);
+// The largest configuration axlsim reads: far beyond any real one, small enough that a
+// stream without end is refused before it fills the memory.
+inline constexpr std::size_t kMaxBytes = 256 * 1024 * 1024;
 
-    // Axioline F allows at most this many modules on a local bus.
-    static constexpr int kMaxBusModules = 63;
+// A regular file, or standard input for "-"; anything else (a directory, a device, a file
+// larger than kMaxBytes) is refused before it is read.
+Config readFile(const std::string& file);
+Config readStream(std::istream& in, const std::string& name, std::size_t limit = kMaxBytes);
+Config readText(const std::string& text, const std::string& name);
 
-    // The largest configuration axlsim reads: far beyond any real one, small enough that a
-    // stream without end is refused before it fills the memory.
-    static constexpr std::size_t kMaxBytes = 256 * 1024 * 1024;
-};
+// Every key a configuration can have, at any place.
+std::vector<std::string_view> keys();
 
-}  // namespace axlsim
+// One action read exactly as a scenario step's: a mistake is the same ConfigError, its place a
+// JSON pointer into `node` and its file `name`. For what is asked while a run goes on.
+Config::Input inputStep(const nlohmann::json& node, const Config& config, const std::string& name);
+Config::Event eventStep(const nlohmann::json& node, const Config& config, const std::string& name);
+// {"operation": a name or number}
+Config::Plc plcStep(const nlohmann::json& node, const std::string& name);
+
+}  // namespace axlsim::configreader

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "axlsim/run/CaughtException.h"
+#include "axlsim/base/CaughtException.h"
 
 namespace axlsim {
 

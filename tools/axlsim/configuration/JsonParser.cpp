@@ -7,8 +7,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/ConfigError.h"
-#include "axlsim/render/ValueText.h"
 
 namespace axlsim {
 
@@ -149,7 +149,7 @@ public:
         const auto [first, added] = level.lines.try_emplace(key, line);
         if (!added) {
             const std::string object = level.pointer.empty() ? "the top level" : level.pointer;
-            throw ConfigError(file_, JsonParser::member(level.pointer, key),
+            throw ConfigError(file_, jsonparser::member(level.pointer, key),
                               "the key " + inQuotes(key) + " is given twice in " + object +
                                   ", on line " + std::to_string(first->second) + " and on line " +
                                   std::to_string(line) + "; give each key once");
@@ -222,8 +222,8 @@ private:
             return "";
         }
         const Level& level = levels_.back();
-        return level.node->is_array() ? JsonParser::element(level.pointer, level.index)
-                                      : JsonParser::member(level.pointer, level.key);
+        return level.node->is_array() ? jsonparser::element(level.pointer, level.index)
+                                      : jsonparser::member(level.pointer, level.key);
     }
 
     const std::string& file_;
@@ -376,15 +376,15 @@ std::string outOfRange(const std::string& what, const std::string& text,
 
 }  // namespace
 
-std::string JsonParser::member(const std::string& path, std::string_view key) {
+std::string jsonparser::member(const std::string& path, std::string_view key) {
     return (Json::json_pointer(path) / std::string(key)).to_string();
 }
 
-std::string JsonParser::element(const std::string& path, std::size_t index) {
+std::string jsonparser::element(const std::string& path, std::size_t index) {
     return (Json::json_pointer(path) / index).to_string();
 }
 
-Json JsonParser::parse(const std::string& text, const std::string& file) {
+Json jsonparser::parse(const std::string& text, const std::string& file) {
     ReadPosition position(text);
     Builder builder(file, position);
     try {
@@ -410,7 +410,7 @@ Json JsonParser::parse(const std::string& text, const std::string& file) {
     }
 }
 
-std::optional<std::size_t> JsonParser::keyLine(const std::string& text,
+std::optional<std::size_t> jsonparser::keyLine(const std::string& text,
                                                const std::string& pointer) {
     ReadPosition position(text);
     KeyFinder finder(pointer, position);

@@ -10,8 +10,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/LoopNames.h"
-#include "axlsim/render/ValueText.h"
 
 namespace axlsim {
 
@@ -267,12 +267,11 @@ Route readRoute(const Document& doc, const Json& node, const std::string& at, in
 
 }  // namespace
 
-std::vector<std::string_view> LoopReader::keys() {
-    return Document::keysOf(
-        {kModelKeys, kWireKeys, kLinkKeys, kSignalKeys, kHostEntryKeys, kRouteKeys});
+std::vector<std::string_view> loopreader::keys() {
+    return keysOf({kModelKeys, kWireKeys, kLinkKeys, kSignalKeys, kHostEntryKeys, kRouteKeys});
 }
 
-std::vector<PlantModel> LoopReader::readPlant(const Document& doc, const Json& node,
+std::vector<PlantModel> loopreader::readPlant(const Document& doc, const Json& node,
                                               const std::vector<vplc::Module>& bus) {
     if (!node.is_array()) {
         doc.fail("/plant", "expected a list of models, each a \"wire\", \"link\" or \"signal\"");
@@ -298,7 +297,7 @@ std::vector<PlantModel> LoopReader::readPlant(const Document& doc, const Json& n
     return plant;
 }
 
-std::vector<Route> LoopReader::readHost(const Document& doc, const Json& node, int drivers) {
+std::vector<Route> loopreader::readHost(const Document& doc, const Json& node, int drivers) {
     if (!node.is_array()) {
         doc.fail("/host", "expected a list of routes, each { \"route\": { ... } }");
     }

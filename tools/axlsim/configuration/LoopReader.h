@@ -8,20 +8,18 @@
 #include "axlsim/configuration/LoopConfig.h"
 #include "vplc/Module.h"
 
-namespace axlsim {
+namespace axlsim::loopreader {
 
 // Reads the "plant" and "host" sections of a configuration. Pins are judged against the bus: a
 // name that the module at its position does not have, or a pin of the wrong kind for its role,
 // is a ConfigError at its JSON pointer. Whether the routes fit the drivers' services is
-// LoopCheck's to say.
-class LoopReader {
-public:
-    static std::vector<PlantModel> readPlant(const Document& doc, const Json& node,
-                                             const std::vector<vplc::Module>& bus);
-    static std::vector<Route> readHost(const Document& doc, const Json& node, int drivers);
+// loopcheck's to say.
 
-    // Every key the two sections know.
-    static std::vector<std::string_view> keys();
-};
+std::vector<PlantModel> readPlant(const Document& doc, const Json& node,
+                                  const std::vector<vplc::Module>& bus);
+std::vector<Route> readHost(const Document& doc, const Json& node, int drivers);
 
-}  // namespace axlsim
+// Every key the two sections know.
+std::vector<std::string_view> keys();
+
+}  // namespace axlsim::loopreader

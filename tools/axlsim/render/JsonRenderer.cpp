@@ -4,10 +4,10 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "axlsim/Overloaded.h"
-#include "axlsim/configuration/Hex.h"
+#include "axlsim/base/Hex.h"
+#include "axlsim/base/Overloaded.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/PlcOperationName.h"
-#include "axlsim/render/ValueText.h"
 
 namespace axlsim {
 
@@ -31,7 +31,7 @@ Json outputsByPosition(const std::vector<std::vector<uint8_t>>& outputs) {
 
 // nlohmann writes a double with Grisu2, whose text is not always the shortest
 // ("1013.8897920000001" for 1013.889792), so the time is written from the nanoseconds.
-std::string JsonRenderer::text(const Json& line, std::chrono::nanoseconds t) {
+std::string jsonLineText(const Json& line, std::chrono::nanoseconds t) {
     constexpr std::string_view kStart = "{\"t_ms\":";
     std::string written = line.dump(-1, ' ', false, Json::error_handler_t::replace);
     if (written.starts_with(kStart)) {
@@ -46,7 +46,7 @@ JsonRenderer::JsonRenderer(std::ostream& out, const Config& config)
 
 void JsonRenderer::happening(const Happening& happening) {
     if (const auto object = line(happening)) {
-        out_ << text(*object, happening.t) << '\n';
+        out_ << jsonLineText(*object, happening.t) << '\n';
     }
 }
 
@@ -178,7 +178,7 @@ void JsonRenderer::finish(const RunResult& result) {
         line["gds_outputs"] = outputsByPosition(result.gdsOutputs);
         line["restarts"] = result.restarts;
         line["publishes"] = result.drivers[i].publishes;
-        out_ << text(line, result.end) << '\n';
+        out_ << jsonLineText(line, result.end) << '\n';
     }
     out_.flush();
 }
@@ -188,7 +188,7 @@ void JsonRenderer::interrupted(std::chrono::nanoseconds at, const std::string& s
     line["t_ms"] = milliseconds(at);
     line["kind"] = "interrupted";
     line["signal"] = signal;
-    out_ << text(line, at) << '\n';
+    out_ << jsonLineText(line, at) << '\n';
     out_.flush();
 }
 

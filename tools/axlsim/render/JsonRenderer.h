@@ -25,13 +25,13 @@ public:
     // The object of one happening's line; none for a happening the timeline does not show.
     std::optional<nlohmann::ordered_json> line(const Happening& happening) const;
 
-    // A line's object as the line's text, with its time `t` written exactly.
-    static std::string text(const nlohmann::ordered_json& line, std::chrono::nanoseconds t);
-
 private:
     std::ostream& out_;
     const Config& config_;
     EventCatalog catalog_;
 };
+
+// A line's object as the line's text, with its time `t` written exactly.
+std::string jsonLineText(const nlohmann::ordered_json& line, std::chrono::nanoseconds t);
 
 }  // namespace axlsim

@@ -8,7 +8,7 @@ namespace axlsim {
 
 std::variant<std::unique_ptr<OutputFile>, int> OutputFile::open(const std::string& path) {
     int fd = -1;
-    if (const int error = OutputSink::open(path, fd); error != 0) {
+    if (const int error = openForWriting(path, fd); error != 0) {
         return error;
     }
     return std::make_unique<OutputFile>(path, fd);

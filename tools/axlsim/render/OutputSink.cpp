@@ -31,7 +31,7 @@ OutputSink::~OutputSink() {
     }
 }
 
-int OutputSink::open(const std::string& path, int& fd) {
+int openForWriting(const std::string& path, int& fd) {
     fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     return fd < 0 ? errno : 0;
 }

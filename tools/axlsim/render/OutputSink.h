@@ -21,9 +21,6 @@ public:
     OutputSink(const OutputSink&) = delete;
     OutputSink& operator=(const OutputSink&) = delete;
 
-    // Opens `path` for writing, emptied; the errno of open() when it cannot.
-    static int open(const std::string& path, int& fd);
-
     // Writes what is held if the last write is 100 ms or more ago; with nothing held, looks
     // whether a pipe's reader has gone.
     void flushIfDue();
@@ -51,5 +48,8 @@ private:
     int error_ = 0;
     std::chrono::steady_clock::time_point lastWrite_;
 };
+
+// Opens `path` for writing, emptied, into `fd`; the errno of open() when it cannot.
+int openForWriting(const std::string& path, int& fd);
 
 }  // namespace axlsim

@@ -6,10 +6,10 @@
 #include <cstring>
 #include <string_view>
 
-#include "axlsim/Overloaded.h"
-#include "axlsim/configuration/Hex.h"
+#include "axlsim/base/Hex.h"
+#include "axlsim/base/Overloaded.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/PlcOperationName.h"
-#include "axlsim/render/ValueText.h"
 #include "axlsim/run/ProcessData.h"
 #include "modules/IbIlConversion.h"
 

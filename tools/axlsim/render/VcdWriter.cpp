@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "axlsim/Overloaded.h"
+#include "axlsim/base/Overloaded.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/EventCatalog.h"
-#include "axlsim/render/ValueText.h"
 #include "axlsim/run/ProcessData.h"
 
 namespace axlsim {
@@ -320,7 +320,7 @@ void VcdWriter::finish(std::chrono::nanoseconds end) {
     dump_->stamp(end);
 }
 
-void VcdWriter::write(std::ostream& out, const Config& config, const RunResult& result) {
+void writeVcd(std::ostream& out, const Config& config, const RunResult& result) {
     VcdWriter writer(out, config);
     for (const Happening& happening : result.timeline) {
         writer.change(happening);

@@ -30,12 +30,12 @@ public:
     // The time at which the run ended.
     void finish(std::chrono::nanoseconds end);
 
-    // The dump of a whole run at once, from its timeline.
-    static void write(std::ostream& out, const Config& config, const RunResult& result);
-
 private:
     class Dump;
     std::unique_ptr<Dump> dump_;
 };
+
+// The dump of a whole run at once, from its timeline.
+void writeVcd(std::ostream& out, const Config& config, const RunResult& result);
 
 }  // namespace axlsim

@@ -3,6 +3,8 @@
 
 #include "hosting/FloatBytes.h"
 
+#include "axlsim/configuration/RouteFit.h"
+
 namespace axlsim {
 
 using hosting::floatBytes;
@@ -25,24 +27,6 @@ HostRoutes::HostRoutes(const Config& config)
       catalog_(config.drivers),
       lastSent_(config.host.size()),
       switchedOn_(config.host.size(), false) {}
-
-bool HostRoutes::fits(Route::Map map, bool digitalSource, Receiver receiver) {
-    if (receiver == Receiver::None || receiver == Receiver::Restart) {
-        return true;
-    }
-    switch (map) {
-        case Route::Map::Copy:
-            return digitalSource || receiver == Receiver::Analog;
-        case Route::Map::Invert:
-            return digitalSource && receiver == Receiver::Digital;
-        case Route::Map::Above:
-        case Route::Map::Below:
-            return receiver == Receiver::Digital;
-        case Route::Map::Scale:
-            break;
-    }
-    return receiver == Receiver::Analog;
-}
 
 void HostRoutes::published(int driver, uint32_t id, std::span<const uint8_t> payload, Time t) {
     for (std::size_t i = 0; i < config_.host.size(); ++i) {
@@ -77,7 +61,7 @@ std::optional<std::vector<uint8_t>> HostRoutes::payloadOf(std::size_t index,
     const Route& route = config_.host[index];
     const Receiver receiver = catalog_.receiverOf(route.toDriver, route.to);
     const bool digital = std::holds_alternative<uint8_t>(value);
-    if (!fits(route.map, digital, receiver)) {
+    if (!routeMapFits(route.map, digital, receiver)) {
         return std::nullopt;
     }
     const double x = numberOf(value);

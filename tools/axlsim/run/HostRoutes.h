@@ -31,10 +31,6 @@ public:
 
     bool empty() const { return config_.host.empty(); }
 
-    // True when a route's map can turn what its source publishes into what its target takes.
-    // Either kind unknown (no such service) fits: that is another problem.
-    static bool fits(Route::Map map, bool digitalSource, EventCatalog::Receiver receiver);
-
     void published(int driver, uint32_t id, std::span<const uint8_t> payload, Time t);
 
     std::optional<Time> nextDelivery() const;

@@ -3,7 +3,8 @@
 
 #include <vector>
 
-#include "axlsim/run/CaughtException.h"
+#include "SI_base.h"
+#include "axlsim/base/CaughtException.h"
 #include "axlsim/run/HostRecords.h"
 #include "hosting/HostCalls.h"
 

@@ -31,11 +31,11 @@ InterruptSignals::~InterruptSignals() {
     sigaction(SIGTERM, &previousTerminate_, nullptr);
 }
 
-int InterruptSignals::received() {
+int receivedInterrupt() {
     return receivedSignal.load();
 }
 
-std::string InterruptSignals::name(int signal) {
+std::string signalName(int signal) {
     switch (signal) {
         case SIGINT:
             return "SIGINT";

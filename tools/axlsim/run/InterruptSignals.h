@@ -16,15 +16,15 @@ public:
     InterruptSignals(const InterruptSignals&) = delete;
     InterruptSignals& operator=(const InterruptSignals&) = delete;
 
-    // The signal that came, 0 for none.
-    static int received();
-
-    // "SIGINT", "SIGTERM".
-    static std::string name(int signal);
-
 private:
     struct sigaction previousInterrupt_ {};
     struct sigaction previousTerminate_ {};
 };
+
+// The signal that came while an InterruptSignals lives, 0 for none.
+int receivedInterrupt();
+
+// "SIGINT", "SIGTERM".
+std::string signalName(int signal);
 
 }  // namespace axlsim

@@ -6,7 +6,7 @@
 #include <numbers>
 #include <set>
 
-#include "axlsim/Overloaded.h"
+#include "axlsim/base/Overloaded.h"
 #include "axlsim/configuration/DriverNumber.h"
 #include "axlsim/configuration/LoopNames.h"
 #include "axlsim/run/ProcessData.h"
@@ -153,8 +153,7 @@ void PlantModels::outputsCopied(Time now) {
     outputs_ = std::move(outputs);
 }
 
-std::size_t PlantModels::markShownMoves(const Config& config, std::vector<Happening>& timeline,
-                                        bool complete) {
+std::size_t markShownMoves(const Config& config, std::vector<Happening>& timeline, bool complete) {
     std::map<std::pair<int, uint32_t>, Pin> channels;  // (driver, analog input id) -> channel
     for (std::size_t d = 0; d < config.drivers.size(); ++d) {
         const Config::Driver& driver = config.drivers[d];

@@ -43,13 +43,6 @@ public:
     // changed and schedules what follows them.
     void outputsCopied(Time now);
 
-    // Shows each analog move on a timeline that a publication of its channel follows before the
-    // channel moves again: the move that the driver reported. Unless the timeline is complete,
-    // a move that nothing follows yet is undecided; returns how many happenings from the start
-    // are decided.
-    static std::size_t markShownMoves(const Config& config, std::vector<Happening>& timeline,
-                                      bool complete);
-
 private:
     struct DigitalChange {
         std::size_t model;  // index into the plant section
@@ -82,5 +75,11 @@ private:
     std::map<std::size_t, Lag> lags_;  // by model index
     std::vector<std::vector<uint8_t>> outputs_;
 };
+
+// Shows each analog move on a timeline that a publication of its channel follows before the
+// channel moves again: the move that the driver reported. Unless the timeline is complete,
+// a move that nothing follows yet is undecided; returns how many happenings from the start
+// are decided.
+std::size_t markShownMoves(const Config& config, std::vector<Happening>& timeline, bool complete);
 
 }  // namespace axlsim

@@ -18,7 +18,7 @@ struct RunResult {
         int publishes = 0;
     };
 
-    std::vector<Happening> timeline;  // empty unless ScenarioPlayer::Options::keepTimeline
+    std::vector<Happening> timeline;  // empty unless scenarioplayer::Options::keepTimeline
     std::vector<DriverState> drivers;
     std::vector<std::vector<uint8_t>> busOutputs;  // by position from 1
     std::vector<std::vector<uint8_t>> gdsOutputs;

@@ -13,7 +13,7 @@ extern "C" const char* __lsan_default_suppressions() {
 
 namespace axlsim {
 
-RunResult ScenarioPlayer::run(const Config& config, const hosting::DriverLibrary& library,
+RunResult scenarioplayer::run(const Config& config, const hosting::DriverLibrary& library,
                               const Options& options) {
     ScenarioRun run(config, library, options);
     run.start();

@@ -27,7 +27,7 @@ vplc::Plant plantOf(const Config& config) {
     return builder.build();
 }
 
-std::unique_ptr<RunClock> clockFor(const ScenarioPlayer::Options& options) {
+std::unique_ptr<RunClock> clockFor(const scenarioplayer::Options& options) {
     if (options.realTime) {
         return std::make_unique<WallRunClock>();
     }
@@ -49,7 +49,7 @@ public:
 };
 
 ScenarioRun::ScenarioRun(const Config& config, const hosting::DriverLibrary& library,
-                         const ScenarioPlayer::Options& options)
+                         const scenarioplayer::Options& options)
     : config_(config),
       options_(options),
       end_(options.until.value_or(config.end)),
@@ -118,7 +118,7 @@ RunResult ScenarioRun::finish() {
     }
     showSettled(true);
     result.timeline = timeline_.takeOrdered();
-    PlantModels::markShownMoves(config_, result.timeline, true);
+    markShownMoves(config_, result.timeline, true);
     result.busOutputs = bus_.busOutputs();
     result.gdsOutputs = bus_.gdsOutputs();
     tally_.summarise(result, config_.expectStop);
@@ -196,7 +196,7 @@ void ScenarioRun::showSettled(bool all) {
     std::vector<Happening> happenings = all ? timeline_.settleAll() : timeline_.settle();
     unshown_.insert(unshown_.end(), std::make_move_iterator(happenings.begin()),
                     std::make_move_iterator(happenings.end()));
-    const std::size_t ready = PlantModels::markShownMoves(config_, unshown_, all);
+    const std::size_t ready = markShownMoves(config_, unshown_, all);
     for (std::size_t i = 0; i < ready; ++i) {
         if (liveHere) {
             options_.live(unshown_[i]);

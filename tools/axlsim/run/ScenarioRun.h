@@ -33,7 +33,7 @@ class RestartHook;
 class ScenarioRun {
 public:
     ScenarioRun(const Config& config, const hosting::DriverLibrary& library,
-                const ScenarioPlayer::Options& options);
+                const scenarioplayer::Options& options);
     ~ScenarioRun();
     ScenarioRun(const ScenarioRun&) = delete;
     ScenarioRun& operator=(const ScenarioRun&) = delete;
@@ -74,7 +74,7 @@ private:
     void sendEvent(const Config::Event& event);
 
     const Config& config_;
-    const ScenarioPlayer::Options& options_;
+    const scenarioplayer::Options& options_;
     std::chrono::nanoseconds end_;
     std::unique_ptr<RunClock> clock_;
     vplc::Plant plant_;

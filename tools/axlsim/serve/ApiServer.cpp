@@ -10,11 +10,11 @@
 #include <limits>
 #include <string_view>
 
+#include "axlsim/base/ValueText.h"
 #include "axlsim/configuration/ConfigDocument.h"
 #include "axlsim/configuration/ConfigError.h"
 #include "axlsim/configuration/ConfigReader.h"
 #include "axlsim/configuration/JsonParser.h"
-#include "axlsim/render/ValueText.h"
 
 namespace axlsim {
 
@@ -63,7 +63,7 @@ JsonOut performAsked(LiveRun& run, Action action) {
 }
 
 nlohmann::json body(const httplib::Request& request) {
-    return JsonParser::parse(request.body, kRequest);
+    return jsonparser::parse(request.body, kRequest);
 }
 
 std::string hostName(const std::string& host) {
@@ -201,14 +201,14 @@ void ApiServer::routes() {
     });
     server.Post("/api/input", [this](const httplib::Request& request, httplib::Response& response) {
         answer(response, 200,
-               performAsked(run_, ConfigReader::inputStep(body(request), config_, kRequest)));
+               performAsked(run_, configreader::inputStep(body(request), config_, kRequest)));
     });
     server.Post("/api/event", [this](const httplib::Request& request, httplib::Response& response) {
         answer(response, 200,
-               performAsked(run_, ConfigReader::eventStep(body(request), config_, kRequest)));
+               performAsked(run_, configreader::eventStep(body(request), config_, kRequest)));
     });
     server.Post("/api/plc", [this](const httplib::Request& request, httplib::Response& response) {
-        answer(response, 200, performAsked(run_, ConfigReader::plcStep(body(request), kRequest)));
+        answer(response, 200, performAsked(run_, configreader::plcStep(body(request), kRequest)));
     });
     server.Post("/api/clock", [this](const httplib::Request& request, httplib::Response& response) {
         const nlohmann::json node = body(request);

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "axlsim/render/ValueText.h"
+#include "axlsim/base/ValueText.h"
 
 namespace axlsim {
 

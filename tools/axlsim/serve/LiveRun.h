@@ -94,7 +94,7 @@ private:
     LiveState::Clock clockState() const;
 
     const Config& config_;
-    ScenarioPlayer::Options playerOptions_;
+    scenarioplayer::Options playerOptions_;
     // The renderer's stream is never written: the log takes its lines.
     std::ostream nowhere_{nullptr};
     JsonRenderer renderer_;

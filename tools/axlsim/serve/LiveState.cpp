@@ -3,8 +3,8 @@
 
 #include <cstring>
 
-#include "axlsim/Overloaded.h"
-#include "axlsim/render/ValueText.h"
+#include "axlsim/base/Overloaded.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/run/ProcessData.h"
 
 namespace axlsim {

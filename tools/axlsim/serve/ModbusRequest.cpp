@@ -61,7 +61,7 @@ std::size_t valueBytes(ModbusMap::Table table, int count) {
 
 }  // namespace
 
-int ModbusRequest::frameLength(std::span<const uint8_t> bytes) {
+int modbusFrameLength(std::span<const uint8_t> bytes) {
     if (bytes.size() < kHeader) {
         return 0;
     }
@@ -73,7 +73,7 @@ int ModbusRequest::frameLength(std::span<const uint8_t> bytes) {
     return bytes.size() < static_cast<std::size_t>(whole) ? 0 : whole;
 }
 
-std::vector<uint8_t> ModbusRequest::exceptionReply(std::span<const uint8_t> frame, int exception) {
+std::vector<uint8_t> modbusExceptionReply(std::span<const uint8_t> frame, int exception) {
     constexpr uint8_t kExceptionBit = 0x80;
     constexpr uint8_t kReplyLength = 3;  // the unit id, the function code, the exception code
     return {frame[0],

@@ -19,17 +19,8 @@ struct ModbusRequest {
     static constexpr int kIllegalDataAddress = 2;
     static constexpr int kIllegalDataValue = 3;
 
-    // The length of the frame that `bytes` start with once it is whole; 0 while more bytes are
-    // needed; -1 when the bytes cannot start a Modbus TCP frame.
-    static int frameLength(std::span<const uint8_t> bytes);
-
     // Reads a whole frame against the bus's map.
     static ModbusRequest read(std::span<const uint8_t> frame, const ModbusMap& map);
-
-    // The frame that answers a whole request frame with an exception: the request's transaction
-    // and unit, its function code with the high bit set (a code that has it already, 0x80 and
-    // above, stays as sent: libmodbus would add 0x80 and wrap to another function), the code.
-    static std::vector<uint8_t> exceptionReply(std::span<const uint8_t> frame, int exception);
 
     int exception = 0;  // 0, or the code of the exception that answers the request
     ModbusMap::Table table = ModbusMap::Table::Coils;
@@ -37,5 +28,14 @@ struct ModbusRequest {
     bool write = false;
     std::vector<uint16_t> values;  // a write's, one per pin: 0 or 1 for a coil, else the raw word
 };
+
+// The length of the Modbus TCP frame that `bytes` start with once it is whole; 0 while more bytes
+// are needed; -1 when the bytes cannot start a Modbus TCP frame.
+int modbusFrameLength(std::span<const uint8_t> bytes);
+
+// The frame that answers a whole request frame with an exception: the request's transaction and
+// unit, its function code with the high bit set (a code that has it already, 0x80 and above,
+// stays as sent: libmodbus would add 0x80 and wrap to another function), the code.
+std::vector<uint8_t> modbusExceptionReply(std::span<const uint8_t> frame, int exception);
 
 }  // namespace axlsim

@@ -211,7 +211,7 @@ bool ModbusServer::receive(Connection& connection) {
     std::size_t used = 0;
     for (;;) {
         const auto rest = std::span<const uint8_t>(bytes).subspan(used);
-        const int length = ModbusRequest::frameLength(rest);
+        const int length = modbusFrameLength(rest);
         if (length < 0) {
             return false;
         }
@@ -236,7 +236,7 @@ bool ModbusServer::answer(int socket, std::span<const uint8_t> frame) {
     const ModbusRequest request = ModbusRequest::read(frame, map_);
     modbus_set_socket(context_.get(), socket);
     if (request.exception != 0) {
-        const std::vector<uint8_t> reply = ModbusRequest::exceptionReply(frame, request.exception);
+        const std::vector<uint8_t> reply = modbusExceptionReply(frame, request.exception);
         return send(socket, reply.data(), reply.size(), MSG_NOSIGNAL) ==
                static_cast<ssize_t>(reply.size());
     }

@@ -13,11 +13,11 @@
 #include <string>
 #include <thread>
 
-#include "axlsim/render/ValueText.h"
+#include "axlsim/base/ValueText.h"
 #include "axlsim/run/InterruptSignals.h"
 #include "axlsim/serve/ApiServer.h"
-#include "axlsim/serve/Assets.h"
 #include "axlsim/serve/ListenAddress.h"
+#include "axlsim/serve/LivePage.h"
 #include "axlsim/serve/LiveRun.h"
 #include "axlsim/serve/ModbusServer.h"
 #include "axlsim/serve/Token.h"
@@ -31,7 +31,7 @@ constexpr double kLowestSpeed = 0.1;
 constexpr double kHighestSpeed = 100000.0;
 constexpr const char* kLoopback = "127.0.0.1";
 
-std::optional<LiveRun::Options> paceOf(const ServeCommand::Request& request) {
+std::optional<LiveRun::Options> paceOf(const serving::Request& request) {
     LiveRun::Options options;
     options.paused = request.paused;
     if (request.speed == "max") {
@@ -72,7 +72,7 @@ std::string waitForEnd(const sigset_t& signals, const std::atomic<bool>& stopAsk
     const timespec patience{0, 100'000'000};
     while (!stopAsked) {
         if (const int signal = sigtimedwait(&signals, nullptr, &patience); signal > 0) {
-            return InterruptSignals::name(signal);
+            return signalName(signal);
         }
     }
     return "POST /api/stop";
@@ -80,8 +80,7 @@ std::string waitForEnd(const sigset_t& signals, const std::atomic<bool>& stopAsk
 
 }  // namespace
 
-int ServeCommand::serve(const Config& config, const hosting::DriverLibrary& library,
-                        const Request& request) {
+int serving::serve(const Config& config, const hosting::DriverLibrary& library, const Request& request) {
     const auto pace = paceOf(request);
     if (!pace) {
         std::cerr << "axlsim: --speed: expected a factor from 0.1 to 100000, or max, not "
@@ -111,8 +110,8 @@ int ServeCommand::serve(const Config& config, const hosting::DriverLibrary& libr
     LiveRun live(config, library, *pace);
     ApiServer::Settings settings;
     settings.address = *listen;
-    settings.token = Token::fresh();
-    settings.page = Assets::livePage();
+    settings.token = freshToken();
+    settings.page = livePage();
     settings.onStop = [&stopAsked] { stopAsked = true; };
     ApiServer server(config, live, settings);
     const int port = server.bind(request.port);

@@ -5,11 +5,11 @@
 #include <random>
 #include <vector>
 
-#include "axlsim/configuration/Hex.h"
+#include "axlsim/base/Hex.h"
 
 namespace axlsim {
 
-std::string Token::fresh() {
+std::string freshToken() {
     // std::random_device draws from the operating system's random source.
     std::random_device source;
     std::vector<uint8_t> bytes;

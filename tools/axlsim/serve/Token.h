@@ -7,9 +7,6 @@ namespace axlsim {
 
 // The secret that every API request carries: 128 random bits, fresh for each start of the
 // server, as 32 hexadecimal digits.
-class Token {
-public:
-    static std::string fresh();
-};
+std::string freshToken();
 
 }  // namespace axlsim

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "axlsim/run/CaughtException.h"
+#include "axlsim/base/CaughtException.h"
 
 #include <cxxabi.h>
 

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "axlsim/serve/HtmlReport.h"
+#include "axlsim/render/HtmlReport.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 
-#include "axlsim/Overloaded.h"
-#include "axlsim/render/ValueText.h"
-#include "axlsim/serve/Assets.h"
+#include "axlsim/base/Overloaded.h"
+#include "axlsim/base/ValueText.h"
+#include "axlsim/render/ReportPage.h"
 
 namespace axlsim {
 
@@ -120,7 +120,7 @@ void HtmlReport::happening(const Happening& happening) {
         return;
     }
     (*line)["seq"] = ++lines_;
-    std::string text = JsonRenderer::text(*line, happening.t);
+    std::string text = jsonLineText(*line, happening.t);
     if (std::string signal = signalOf(happening); !signal.empty()) {
         ++changes_;
         keepChange(Change{text, std::move(signal), happening.t / partLength_});
@@ -208,7 +208,7 @@ void HtmlReport::write(std::ostream& out, const RunResult& result,
     }
     json += '}';
 
-    std::string page = Assets::reportPage();
+    std::string page = reportPage();
     const auto mark = page.find(kDataMark);
     if (mark != std::string::npos) {
         page.replace(mark, kDataMark.size(), forScript(json));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "axlsim/configuration/Hex.h"
+#include "axlsim/base/Hex.h"
 
 namespace axlsim {
 

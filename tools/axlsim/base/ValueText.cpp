@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "axlsim/render/ValueText.h"
+#include "axlsim/base/ValueText.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "axlsim/configuration/Hex.h"
+#include "axlsim/base/Hex.h"
 
 namespace axlsim {
 

@@ -80,7 +80,8 @@ std::string waitForEnd(const sigset_t& signals, const std::atomic<bool>& stopAsk
 
 }  // namespace
 
-int serving::serve(const Config& config, const hosting::DriverLibrary& library, const Request& request) {
+int serving::serve(const Config& config, const hosting::DriverLibrary& library,
+                   const Request& request) {
     const auto pace = paceOf(request);
     if (!pace) {
         std::cerr << "axlsim: --speed: expected a factor from 0.1 to 100000, or max, not "

@@ -23,27 +23,28 @@ struct Lead {
     unsigned char high = 0xbf;
 };
 
+// The lead bytes by range, as the UTF-8 table has them.
+struct LeadRange {
+    unsigned char first;
+    unsigned char last;
+    Lead lead;
+};
+constexpr std::array<LeadRange, 8> kLeadRanges{{
+    {0xc2, 0xdf, {2}},
+    {0xe0, 0xe0, {3, 0xa0}},
+    {0xe1, 0xec, {3}},
+    {0xed, 0xed, {3, 0x80, 0x9f}},
+    {0xee, 0xef, {3}},
+    {0xf0, 0xf0, {4, 0x90}},
+    {0xf1, 0xf3, {4}},
+    {0xf4, 0xf4, {4, 0x80, 0x8f}},
+}};
+
 Lead leadOf(unsigned char byte) {
-    if (byte >= 0xc2 && byte <= 0xdf) {
-        return {2};
-    }
-    if (byte == 0xe0) {
-        return {3, 0xa0};
-    }
-    if (byte == 0xed) {
-        return {3, 0x80, 0x9f};
-    }
-    if (byte >= 0xe1 && byte <= 0xef) {
-        return {3};
-    }
-    if (byte == 0xf0) {
-        return {4, 0x90};
-    }
-    if (byte == 0xf4) {
-        return {4, 0x80, 0x8f};
-    }
-    if (byte >= 0xf1 && byte <= 0xf3) {
-        return {4};
+    for (const LeadRange& range : kLeadRanges) {
+        if (byte >= range.first && byte <= range.last) {
+            return range.lead;
+        }
     }
     return {};
 }

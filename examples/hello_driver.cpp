@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Loads libplcnext_driver.so the way a host runtime does, creates a driver for an AXL F DI8/1
-// DO8/1 module on the virtual controller, and prints what the driver does while the plant
+// DO8/1 module on the virtual controller, and prints what the driver does while the station
 // changes, on a virtual clock.
 // It hosts by hand, with no helper library, so that every call a host makes is on this page.
 
@@ -19,8 +19,8 @@
 #include "orbel/CallScope.h"
 #include "orbel/DriverThreads.h"
 #include "orbel/HostObserver.h"
-#include "vplc/Plant.h"
 #include "vplc/Runtime.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 namespace {
@@ -100,7 +100,7 @@ int main(int argc, char** argv) {
     orbel::addObserver(printer);
     vplc::VirtualClock clock;
     gClock = &clock;
-    auto plant = vplc::Plant::builder().module(vplc::Module::DI8_DO8).build();
+    auto station = vplc::Station::builder().module(vplc::Module::DI8_DO8).build();
 
     std::printf(
         "An AXL F DI8/1 DO8/1 at bus position 1. Inputs 0 and 1 are published as events\n"
@@ -135,7 +135,7 @@ int main(int argc, char** argv) {
     clock.runUntil(250ms);
 
     say("input 1 goes on at the terminal");
-    plant.setDigitalInput(1, 1, true);
+    station.setDigitalInput(1, 1, true);
     clock.runUntil(500ms);
 
     say("the host sends event 200 with the value 1");
@@ -145,7 +145,7 @@ int main(int argc, char** argv) {
         driver->onReceiveEvent(stEventParams_t{&on, 200, 1});
     }
     std::printf("%8.1f ms  bus       output byte of module 1 is now 0x%02X\n", nowMs(),
-                plant.digitalOutputsOnBus(1));
+                station.digitalOutputsOnBus(1));
 
     say("the host sends event 300");
     {

@@ -56,7 +56,7 @@ def scenario(steps):
 
 def nesting(levels):
     # The top level is one object; the rest are lists around an empty one.
-    sys.stdout.write('{ "plant": ' + "[" * (levels - 1) + "]" * (levels - 1) + " }\n")
+    sys.stdout.write('{ "station": ' + "[" * (levels - 1) + "]" * (levels - 1) + " }\n")
 
 
 def main():

@@ -35,8 +35,8 @@
 #include "hosting/HostCalls.h"
 #include "rig/FullyConfigured.h"
 #include "rig/Workload.h"
-#include "vplc/Plant.h"
 #include "vplc/PlatformCalls.h"
+#include "vplc/Station.h"
 
 namespace {
 
@@ -193,12 +193,12 @@ void idleRun(const Options& options, const axlbench::ThreadCpuClocks& clocks,
 
 int run(const Options& options) {
     axlbench::ThreadCpuClocks clocks;
-    auto plant =
-        vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2, vplc::Module::DI8_DO8});
-    plant.setDigitalInputs(1, 0xA5);
-    plant.setAnalogInput(2, 0, 12345);
-    plant.setAnalogInput(2, 1, 23456);
-    plant.setDigitalInputs(3, 0x5A);
+    auto station =
+        vplc::Station::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2, vplc::Module::DI8_DO8});
+    station.setDigitalInputs(1, 0xA5);
+    station.setAnalogInput(2, 0, 12345);
+    station.setAnalogInput(2, 1, 23456);
+    station.setDigitalInputs(3, 0x5A);
 
     printMemoryHeading(options.heapOnly);
     Memory last = memoryNow();

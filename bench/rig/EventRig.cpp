@@ -12,14 +12,14 @@ namespace axlbench {
 
 namespace {
 
-vplc::Plant plantOf(ModuleKind module) {
-    return vplc::Plant::of(
+vplc::Station stationOf(ModuleKind module) {
+    return vplc::Station::of(
         {module == ModuleKind::Digital ? vplc::Module::DI8_DO8 : vplc::Module::AI2_AO2});
 }
 
 }  // namespace
 
-EventRig::EventRig(EventKind kind, Side side) : plant_(plantOf(moduleOf(kind))) {
+EventRig::EventRig(EventKind kind, Side side) : station_(stationOf(moduleOf(kind))) {
     std::vector<FloorWriter::Write> writes;
     std::vector<uint8_t> expected;
     if (side == Side::Floor) {
@@ -96,7 +96,7 @@ void EventRig::deliver() {
 }
 
 void EventRig::checkOutputs(const std::vector<uint8_t>& expected) const {
-    if (plant_.outputsOnBus(1) != expected) {
+    if (station_.outputsOnBus(1) != expected) {
         throw std::runtime_error("the outputs on the bus are not those the event asks for");
     }
 }

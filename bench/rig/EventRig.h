@@ -12,7 +12,7 @@
 #include "SilentHost.h"
 #include "Workload.h"
 #include "hosting/DriverPtr.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace axlbench {
 
@@ -35,7 +35,7 @@ private:
     void checkOutputs(const std::vector<uint8_t>& expected) const;
 
     SilentHost host_;
-    vplc::Plant plant_;
+    vplc::Station station_;
     ScanBatchClock clock_;
     std::unique_ptr<FloorFrames> frames_;
     std::unique_ptr<FloorWriter> writer_;

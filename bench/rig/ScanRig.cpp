@@ -14,16 +14,16 @@ namespace {
 
 constexpr long kWarmUpScans = 100;
 
-vplc::Plant plantWithInputs(ModuleKind module) {
+vplc::Station stationWithInputs(ModuleKind module) {
     if (module == ModuleKind::Digital) {
-        auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
-        plant.setDigitalInputs(1, 0xA5);
-        return plant;
+        auto station = vplc::Station::of({vplc::Module::DI8_DO8});
+        station.setDigitalInputs(1, 0xA5);
+        return station;
     }
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
-    plant.setAnalogInput(1, 0, 12345);
-    plant.setAnalogInput(1, 1, 23456);
-    return plant;
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
+    station.setAnalogInput(1, 0, 12345);
+    station.setAnalogInput(1, 1, 23456);
+    return station;
 }
 
 std::vector<FloorScanner::Read> readsOf(ModuleKind module, const FloorFrames& frames) {
@@ -37,7 +37,7 @@ std::vector<FloorScanner::Read> readsOf(ModuleKind module, const FloorFrames& fr
 
 }  // namespace
 
-ScanRig::ScanRig(ModuleKind module, Side side) : plant_(plantWithInputs(module)) {
+ScanRig::ScanRig(ModuleKind module, Side side) : station_(stationWithInputs(module)) {
     if (side == Side::Driver) {
         driver_ = hosting::host::create(fullyConfigured(module));
         hosting::host::initialize(*driver_);

@@ -10,7 +10,7 @@
 #include "SilentHost.h"
 #include "Workload.h"
 #include "hosting/DriverPtr.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace axlbench {
 
@@ -34,7 +34,7 @@ public:
 
 private:
     SilentHost host_;
-    vplc::Plant plant_;
+    vplc::Station station_;
     ScanBatchClock clock_;
     std::unique_ptr<FloorFrames> frames_;
     std::unique_ptr<FloorScanner> floor_;

@@ -10,7 +10,7 @@ namespace axlbench {
 // exactly the same platform calls, with no driver logic around them).
 enum class Side { Driver, Floor };
 
-// The module at position 1 of the plant, with a driver that configures every pin of it.
+// The module at position 1 of the station, with a driver that configures every pin of it.
 enum class ModuleKind {
     Digital,  // AXL F DI8/1 DO8/1: eight inputs, eight outputs
     Analog,   // AXL F AI2 AO2: two inputs, two outputs

@@ -5,8 +5,8 @@
 
 namespace soak {
 
-InputChanger::InputChanger(vplc::Plant& plant, std::vector<Input> inputs, uint32_t seed)
-    : plant_(plant), inputs_(std::move(inputs)), random_(seed) {}
+InputChanger::InputChanger(vplc::Station& station, std::vector<Input> inputs, uint32_t seed)
+    : station_(station), inputs_(std::move(inputs)), random_(seed) {}
 
 InputChanger::~InputChanger() {
     stop();
@@ -72,9 +72,9 @@ void InputChanger::run() {
         current[input].ended = std::chrono::steady_clock::now();
         holds_.push_back(current[input]);
         if (target.analog) {
-            plant_.setAnalogInput(target.position, target.pin, value);
+            station_.setAnalogInput(target.position, target.pin, value);
         } else {
-            plant_.setDigitalInput(target.position, target.pin, value != 0);
+            station_.setDigitalInput(target.position, target.pin, value != 0);
         }
         const Time now = std::chrono::steady_clock::now();
         current[input] = {input, value, now, now};

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 class CSI_base;
 
@@ -41,7 +41,7 @@ public:
         Time ended;
     };
 
-    InputChanger(vplc::Plant& plant, std::vector<Input> inputs, uint32_t seed);
+    InputChanger(vplc::Station& station, std::vector<Input> inputs, uint32_t seed);
     ~InputChanger();
     InputChanger(const InputChanger&) = delete;
     InputChanger& operator=(const InputChanger&) = delete;
@@ -60,7 +60,7 @@ private:
     std::chrono::milliseconds nextHold();
     uint16_t nextValue(std::size_t input, uint16_t current);
 
-    vplc::Plant& plant_;
+    vplc::Station& station_;
     std::vector<Input> inputs_;
     std::mt19937 random_;
     std::vector<Hold> holds_;

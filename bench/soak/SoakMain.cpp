@@ -32,7 +32,7 @@
 #include "hosting/HostCalls.h"
 #include "modules/IbIlConversion.h"
 #include "orbel/DriverThreads.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace {
 
@@ -134,14 +134,14 @@ long commandOutputs(SoakDriver& soak, long count, Clock::time_point until, uint3
     return delivered;
 }
 
-int lostOutputs(const SoakDriver& soak, const vplc::Plant& plant) {
+int lostOutputs(const SoakDriver& soak, const vplc::Station& station) {
     int lost = 0;
     for (int pin = 0; pin < soak.outputs; ++pin) {
         const uint16_t commanded = soak.lastCommanded[static_cast<std::size_t>(pin)];
         const uint16_t onBus =
             soak.analog()
-                ? plant.analogOutputOnBus(soak.position, pin)
-                : static_cast<uint16_t>((plant.digitalOutputsOnBus(soak.position) >> pin) & 1u);
+                ? station.analogOutputOnBus(soak.position, pin)
+                : static_cast<uint16_t>((station.digitalOutputsOnBus(soak.position) >> pin) & 1u);
         if (onBus != commanded) {
             std::printf("  lost: position %d pin %d commanded %u, bus %u\n", soak.position, pin,
                         commanded, onBus);
@@ -253,8 +253,8 @@ int main(int argc, char** argv) {
 
     soak::SoakObserver observer;
     soak::WallClock clock;
-    vplc::Plant plant =
-        vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    vplc::Station station =
+        vplc::Station::of({vplc::Module::DI8_DO8, vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
     SoakDriver drivers[] = {
         {"AXL_F_DI8_1_DO8_1", 1, 100, 8, 4, {}, {}},
         {"AXL_F_DI8_1_DO8_1", 2, 200, 8, 4, {}, {}},
@@ -269,7 +269,7 @@ int main(int argc, char** argv) {
         }
     }
 
-    soak::InputChanger changer(plant, inputs, options.seed);
+    soak::InputChanger changer(station, inputs, options.seed);
     const auto begin = Clock::now();
     const auto until = begin + std::chrono::duration_cast<Clock::duration>(
                                    std::chrono::duration<double>(options.minSeconds));
@@ -294,7 +294,7 @@ int main(int argc, char** argv) {
     int lost = 0;
     int outputs = 0;
     for (const SoakDriver& soak : drivers) {
-        lost += lostOutputs(soak, plant);
+        lost += lostOutputs(soak, station);
         outputs += soak.outputs;
     }
     int scans = 0;

@@ -14,7 +14,7 @@
 #include "hosting/DriverRig.h"
 #include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 namespace fuzz {
@@ -105,16 +105,17 @@ bool mayWrite(const ConfigurationText& config, int position) {
     }
 }
 
-void checkOutputs(Findings& findings, const ConfigurationText& config, const vplc::Plant& plant) {
+void checkOutputs(Findings& findings, const ConfigurationText& config,
+                  const vplc::Station& station) {
     for (int position = 1; position <= static_cast<int>(config.bus.size()); ++position) {
         if (mayWrite(config, position)) {
             continue;
         }
-        for (uint8_t byte : plant.outputsOnBus(position)) {
+        for (uint8_t byte : station.outputsOnBus(position)) {
             findings.expect(byte == 0, "an output of the module at position " +
                                            std::to_string(position) + " was driven");
         }
-        for (uint8_t byte : plant.outputsInGds(position)) {
+        for (uint8_t byte : station.outputsInGds(position)) {
             findings.expect(byte == 0, "the GDS outputs of the module at position " +
                                            std::to_string(position) + " were written");
         }
@@ -164,11 +165,11 @@ std::string ConfigurationFuzzer::run(std::span<const uint8_t> input) {
     hosting::DriverRig rig(config.bus);
     const orbel::Recorder& recorder = rig.recorder();
     vplc::VirtualClock& clock = rig.clock();
-    vplc::Plant& plant = rig.plant();
+    vplc::Station& station = rig.station();
     bool releaseFails = false;
     bool unlockFails = false;
     for (const ConfigurationText::Fault& fault : config.faults) {
-        plant.inject(fault.call, vplc::Fault::times(fault.count, "fuzzed failure"));
+        station.inject(fault.call, vplc::Fault::times(fault.count, "fuzzed failure"));
         releaseFails |= std::string_view(fault.call) == "ArpPlcIo_ReleaseGdsBuffer";
         unlockFails |= std::string_view(fault.call).starts_with("ArpPlcGds_End");
     }
@@ -202,15 +203,15 @@ std::string ConfigurationFuzzer::run(std::span<const uint8_t> input) {
                             "stop \"" + stop.message + "\"");
         }
         clock.runFor(std::chrono::milliseconds(250));
-        checkOutputs(findings, config, plant);
+        checkOutputs(findings, config, station);
         checkPublications(findings, config, recorder);
         rig.destroy();
     }
 
     checkLog(findings, config.params, recorder);
     // A failed release leaves its buffer with the platform, and a failed End its lock.
-    findings.expect(releaseFails || plant.buffersHeld() == 0, "GDS buffers left after deletion");
-    findings.expect(unlockFails || plant.openLocks() == 0, "frame locks left after deletion");
+    findings.expect(releaseFails || station.buffersHeld() == 0, "GDS buffers left after deletion");
+    findings.expect(unlockFails || station.openLocks() == 0, "frame locks left after deletion");
     findings.expect(recorder.threadExits().size() == recorder.threadStarts().size(),
                     "a thread outlived its driver");
     return findings.text();

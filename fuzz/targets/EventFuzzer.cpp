@@ -66,7 +66,7 @@ std::string hex(uint32_t value) {
 }  // namespace
 
 EventFuzzer::EventFuzzer()
-    : plant_(vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2})) {
+    : station_(vplc::Station::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2})) {
     Target& digital = targets_[0];
     digital.outputs = {{100, {0}}, {101, {1, 2}}, {103, {3}}, {107, {7}}};
     digital.inputs = {110, 114, 117};
@@ -121,13 +121,13 @@ std::string EventFuzzer::run(std::span<const uint8_t> input) {
     for (int step = 0; step < kMaxSteps && !reader.empty() && findings_.empty(); ++step) {
         switch (reader.byte() % 8) {
             case 5:
-                plant_.setDigitalInputs(kDigitalPosition, reader.byte());
+                station_.setDigitalInputs(kDigitalPosition, reader.byte());
                 break;
             case 6: {
                 const int channel = reader.byte() & 1;
                 const uint16_t raw = reader.word();
                 watch_.analogValueHeld(channel, from_ib_il(raw));
-                plant_.setAnalogInput(kAnalogPosition, channel, raw);
+                station_.setAnalogInput(kAnalogPosition, channel, raw);
                 break;
             }
             case 7:
@@ -271,11 +271,11 @@ void EventFuzzer::checkOutputs(const std::string& event) {
     const std::vector<uint8_t> analog = {
         static_cast<uint8_t>(analogOutputs_[0] >> 8), static_cast<uint8_t>(analogOutputs_[0]),
         static_cast<uint8_t>(analogOutputs_[1] >> 8), static_cast<uint8_t>(analogOutputs_[1])};
-    findings_.expect(plant_.outputsInGds(kDigitalPosition) == digital &&
-                         plant_.outputsInGds(kAnalogPosition) == analog,
+    findings_.expect(station_.outputsInGds(kDigitalPosition) == digital &&
+                         station_.outputsInGds(kAnalogPosition) == analog,
                      event + " left the GDS outputs other than commanded");
-    findings_.expect(plant_.outputsOnBus(kDigitalPosition) == digital &&
-                         plant_.outputsOnBus(kAnalogPosition) == analog,
+    findings_.expect(station_.outputsOnBus(kDigitalPosition) == digital &&
+                         station_.outputsOnBus(kAnalogPosition) == analog,
                      event + " left the bus outputs other than commanded");
 }
 

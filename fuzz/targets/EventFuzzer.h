@@ -14,8 +14,8 @@
 #include "RushedClock.h"
 #include "SI_base.h"
 #include "hosting/DriverPtr.h"
-#include "vplc/Plant.h"
 #include "vplc/Runtime.h"
+#include "vplc/Station.h"
 
 namespace fuzz {
 
@@ -63,7 +63,7 @@ private:
 
     PublicationWatch watch_;
     RushedClock clock_;
-    vplc::Plant plant_;
+    vplc::Station station_;
     Target targets_[2];
     uint8_t digitalOutputs_ = 0;
     uint16_t analogOutputs_[2] = {0, 0};

@@ -29,7 +29,7 @@ public:
     // The input events `driver` may publish.
     void expectInputs(const CSI_base* driver, std::map<uint32_t, Input> inputs);
 
-    // Records that analog `channel` holds `value` from now on; call before the plant holds it.
+    // Records that analog `channel` holds `value` from now on; call before the station holds it.
     void analogValueHeld(int channel, float value);
 
     struct Counts {

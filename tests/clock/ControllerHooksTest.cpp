@@ -9,11 +9,11 @@
 #include "Arp/Plc/AnsiC/Io/Axio.h"
 #include "FakeScanner.h"
 #include "vplc/HostHooks.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 using clocktest::FakeScanner;
 using vplc::Module;
-using vplc::Plant;
+using vplc::Station;
 
 // Linking the clock room is all a program does: the controller then asks the host and the clock.
 TEST(ControllerHooks, TheClockRoomInstallsBothHooksWhenItIsLoaded) {
@@ -28,16 +28,16 @@ TEST(ControllerHooks, TheClockRoomInstallsBothHooksWhenItIsLoaded) {
 
 // A running driver thread may be inside the hook, or about to call it: changing it then would
 // free what the thread runs, so the change is refused and the hook stays.
-TEST(Plant, TheInputCopyHookCannotChangeWhileADriverThreadRuns) {
+TEST(Station, TheInputCopyHookCannotChangeWhileADriverThreadRuns) {
     using namespace std::chrono_literals;
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     std::atomic<int> calls{0};
-    plant.onInputCopy([&calls] { ++calls; });
+    station.onInputCopy([&calls] { ++calls; });
     {
         FakeScanner scanner(0, 100ms);
         scanner.initialize();
 
-        EXPECT_THAT([&plant] { plant.onInputCopy(nullptr); },
+        EXPECT_THAT([&station] { station.onInputCopy(nullptr); },
                     ::testing::ThrowsMessage<std::logic_error>(
                         ::testing::HasSubstr("1 driver thread is running and may be calling the "
                                              "input-copy hook")));
@@ -46,7 +46,7 @@ TEST(Plant, TheInputCopyHookCannotChangeWhileADriverThreadRuns) {
 
     EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
     EXPECT_EQ(calls.load(), before + 1);
-    plant.onInputCopy(nullptr);
+    station.onInputCopy(nullptr);
     EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
     EXPECT_EQ(calls.load(), before + 1);
 }

@@ -12,12 +12,12 @@
 #include "FakeScanner.h"
 #include "orbel/DriverThreads.h"
 #include "orbel/PauseClock.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 using clocktest::FakeScanner;
 using vplc::Module;
-using vplc::Plant;
+using vplc::Station;
 using vplc::VirtualClock;
 using namespace std::chrono_literals;
 
@@ -49,7 +49,7 @@ protected:
     }
 
     VirtualClock clock_;
-    Plant plant_ = Plant::of({Module::DI8_DO8});
+    Station station_ = Station::of({Module::DI8_DO8});
     std::mutex timelineMutex_;
     Timeline timeline_;
 };
@@ -120,11 +120,11 @@ TEST_F(VirtualTime, WhatATestDoesAtAWakeTimeHappensBeforeTheThreadWakes) {
     scanner.initialize();
     clock_.runUntil(100ms);
 
-    plant_.setDigitalInputs(1, 0x5A);
-    EXPECT_EQ(plant_.inputsInGds(1), (std::vector<uint8_t>{0x00}));
+    station_.setDigitalInputs(1, 0x5A);
+    EXPECT_EQ(station_.inputsInGds(1), (std::vector<uint8_t>{0x00}));
     clock_.runFor(1ns);
 
-    EXPECT_EQ(plant_.inputsInGds(1), (std::vector<uint8_t>{0x5A}));
+    EXPECT_EQ(station_.inputsInGds(1), (std::vector<uint8_t>{0x5A}));
 }
 
 TEST_F(VirtualTime, ThreadsWakeInTheOrderOfTheirWakeTimes) {
@@ -170,26 +170,26 @@ TEST_F(VirtualTime, CannotRunBackInTime) {
 
 TEST_F(VirtualTime, AHeldScanWaitsAtTheGateBeforeItCopies) {
     clock_.holdScans(true);
-    plant_.setDigitalInputs(1, 0x0F);
+    station_.setDigitalInputs(1, 0x0F);
     FakeScanner scanner(0, 100ms);
     scanner.initialize();
     clock_.settle();
 
     EXPECT_EQ(clock_.heldThreads(), 1);
     EXPECT_EQ(scanner.scans(), 0);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_ReadFromAxioToGds"), 0);
-    EXPECT_EQ(plant_.inputsInGds(1), (std::vector<uint8_t>{0x00}));
+    EXPECT_EQ(station_.calls("ArpPlcAxio_ReadFromAxioToGds"), 0);
+    EXPECT_EQ(station_.inputsInGds(1), (std::vector<uint8_t>{0x00}));
 }
 
 TEST_F(VirtualTime, ReleasingAScanLetsTheThreadThroughForThatOneScan) {
     clock_.holdScans(true);
     FakeScanner scanner(0, 100ms);
     scanner.initialize();
-    plant_.setDigitalInputs(1, 0x0F);
+    station_.setDigitalInputs(1, 0x0F);
 
     EXPECT_EQ(clock_.releaseScan(), 1);
     EXPECT_EQ(scanner.scans(), 1);
-    EXPECT_EQ(plant_.inputsInGds(1), (std::vector<uint8_t>{0x0F}));
+    EXPECT_EQ(station_.inputsInGds(1), (std::vector<uint8_t>{0x0F}));
     EXPECT_EQ(clock_.pausedThreads(), 1);
     EXPECT_EQ(clock_.releaseScan(), 0);
 
@@ -228,11 +228,11 @@ TEST_F(VirtualTime, EndingTheHoldLetsTheHeldThreadsGoOn) {
 
 TEST_F(VirtualTime, AHostThreadPassesTheGate) {
     clock_.holdScans(true);
-    plant_.setDigitalInputs(1, 0x77);
+    station_.setDigitalInputs(1, 0x77);
 
     EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
 
-    EXPECT_EQ(plant_.inputsInGds(1), (std::vector<uint8_t>{0x77}));
+    EXPECT_EQ(station_.inputsInGds(1), (std::vector<uint8_t>{0x77}));
     EXPECT_EQ(clock_.heldThreads(), 0);
 }
 
@@ -260,13 +260,13 @@ TEST_F(VirtualTime, EndingAHeldThreadEndsItAtTheGateBeforeItsScan) {
     EXPECT_EQ(clock_.heldThreads(), 0);
     EXPECT_EQ(clock_.releaseScan(), 0);
     EXPECT_EQ(scanner.scans(), 0);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_ReadFromAxioToGds"), 0);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_ReadFromAxioToGds"), 0);
 }
 
 // On fibers, a driver's thread ends only while the clock runs it: a join would wait for ever.
 TEST(VirtualClock, JoiningADriverFiberThatIsPausedIsRefused) {
     VirtualClock clock(VirtualClock::Mode::Fibers);
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     clocktest::FakeScanner scanner(0, std::chrono::milliseconds(100));
     scanner.initialize();
     clock.settle();

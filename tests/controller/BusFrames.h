@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "GdsAccess.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace controllertest {
 
@@ -17,7 +17,7 @@ protected:
         ArpPlcIo_ReleaseGdsBuffer(in_);
     }
 
-    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8});
+    vplc::Station station_ = vplc::Station::of({vplc::Module::DI8_DO8});
     TGdsBuffer* in_ = acquire("1:IN");
     TGdsBuffer* out_ = acquire("1:OUT");
 };

@@ -13,13 +13,13 @@
 #include "Arp/Plc/AnsiC/Io/Axio.h"
 #include "BusFrames.h"
 #include "GdsAccess.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 using controllertest::acquire;
 using controllertest::lastError;
 using vplc::Frame;
 using vplc::Module;
-using vplc::Plant;
+using vplc::Station;
 using namespace std::chrono_literals;
 
 namespace {
@@ -46,7 +46,7 @@ class FrameLocks : public controllertest::BusFrames {};
 }  // namespace
 
 TEST_F(FrameLocks, BeginHandsOutTheFramesData) {
-    plant_.setFrameBytes(Frame::In, 2, {0x5A});
+    station_.setFrameBytes(Frame::In, 2, {0x5A});
     char* data = nullptr;
 
     ASSERT_TRUE(ArpPlcGds_BeginRead(in_, &data));
@@ -61,7 +61,7 @@ TEST_F(FrameLocks, WhatIsWrittenBetweenBeginWriteAndEndWriteIsInTheFrame) {
     data[2] = 0x28;
     ASSERT_TRUE(ArpPlcGds_EndWrite(out_));
 
-    EXPECT_EQ(plant_.outputsInGds(1), (std::vector<uint8_t>{0x28}));
+    EXPECT_EQ(station_.outputsInGds(1), (std::vector<uint8_t>{0x28}));
 }
 
 TEST_F(FrameLocks, TwoReadersHoldTheLockAtOnce) {
@@ -71,7 +71,7 @@ TEST_F(FrameLocks, TwoReadersHoldTheLockAtOnce) {
     auto secondReader = std::async(std::launch::async, [this] {
         char* hisData = nullptr;
         bool begun = ArpPlcGds_BeginRead(in_, &hisData);
-        int locks = plant_.openLocks();
+        int locks = station_.openLocks();
         ArpPlcGds_EndRead(in_);
         return std::make_pair(begun, locks);
     });
@@ -79,7 +79,7 @@ TEST_F(FrameLocks, TwoReadersHoldTheLockAtOnce) {
     ASSERT_EQ(secondReader.wait_for(60s), std::future_status::ready);
     EXPECT_EQ(secondReader.get(), std::make_pair(true, 2));
     EXPECT_TRUE(ArpPlcGds_EndRead(in_));
-    EXPECT_EQ(plant_.openLocks(), 0);
+    EXPECT_EQ(station_.openLocks(), 0);
 }
 
 TEST_F(FrameLocks, AWriterWaitsUntilTheReaderHasEnded) {
@@ -102,7 +102,7 @@ TEST_F(FrameLocks, AWriterWaitsUntilTheReaderHasEnded) {
     writer.join();
 
     EXPECT_EQ(steps.all(), (std::vector<std::string>{"reader ends", "writer has the lock"}));
-    EXPECT_EQ(plant_.openLocks(), 0);
+    EXPECT_EQ(station_.openLocks(), 0);
 }
 
 TEST_F(FrameLocks, AReaderWaitsUntilTheWriterHasEnded) {
@@ -134,10 +134,10 @@ TEST_F(FrameLocks, LocksOnTheTwoFramesAreIndependent) {
 
     ASSERT_TRUE(ArpPlcGds_BeginRead(in_, &inData));
     EXPECT_TRUE(ArpPlcGds_BeginWrite(out_, &outData));
-    EXPECT_EQ(plant_.openLocks(), 2);
+    EXPECT_EQ(station_.openLocks(), 2);
     EXPECT_TRUE(ArpPlcGds_EndWrite(out_));
     EXPECT_TRUE(ArpPlcGds_EndRead(in_));
-    EXPECT_EQ(plant_.openLocks(), 0);
+    EXPECT_EQ(station_.openLocks(), 0);
 }
 
 TEST_F(FrameLocks, TwoHandlesOfOneFrameShareItsLock) {
@@ -147,7 +147,7 @@ TEST_F(FrameLocks, TwoHandlesOfOneFrameShareItsLock) {
 
     EXPECT_FALSE(ArpPlcGds_BeginRead(secondIn, &data));
     EXPECT_TRUE(ArpPlcGds_EndWrite(secondIn));
-    EXPECT_EQ(plant_.openLocks(), 0);
+    EXPECT_EQ(station_.openLocks(), 0);
     ArpPlcIo_ReleaseGdsBuffer(secondIn);
 }
 
@@ -158,7 +158,7 @@ TEST_F(FrameLocks, AnEndWithoutABeginFailsUnlocksNothingAndIsCounted) {
     EXPECT_FALSE(ArpPlcGds_EndWrite(out_));
     EXPECT_EQ(lastError(),
               "ArpPlcGds_EndWrite: the calling thread holds no write lock on buffer '1:OUT'");
-    EXPECT_EQ(plant_.unmatchedEnds(), 2);
+    EXPECT_EQ(station_.unmatchedEnds(), 2);
 }
 
 TEST_F(FrameLocks, AnEndReadAfterABeginWriteLeavesTheWriteLockInPlace) {
@@ -166,10 +166,10 @@ TEST_F(FrameLocks, AnEndReadAfterABeginWriteLeavesTheWriteLockInPlace) {
     ASSERT_TRUE(ArpPlcGds_BeginWrite(out_, &data));
 
     EXPECT_FALSE(ArpPlcGds_EndRead(out_));
-    EXPECT_EQ(plant_.openLocks(), 1);
-    EXPECT_EQ(plant_.unmatchedEnds(), 1);
+    EXPECT_EQ(station_.openLocks(), 1);
+    EXPECT_EQ(station_.unmatchedEnds(), 1);
     EXPECT_TRUE(ArpPlcGds_EndWrite(out_));
-    EXPECT_EQ(plant_.openLocks(), 0);
+    EXPECT_EQ(station_.openLocks(), 0);
 }
 
 TEST_F(FrameLocks, AnEndOnAThreadThatDidNotBeginDoesNotUnlock) {
@@ -179,8 +179,8 @@ TEST_F(FrameLocks, AnEndOnAThreadThatDidNotBeginDoesNotUnlock) {
     std::thread other([this] { EXPECT_FALSE(ArpPlcGds_EndRead(in_)); });
     other.join();
 
-    EXPECT_EQ(plant_.openLocks(), 1);
-    EXPECT_EQ(plant_.unmatchedEnds(), 1);
+    EXPECT_EQ(station_.openLocks(), 1);
+    EXPECT_EQ(station_.unmatchedEnds(), 1);
     EXPECT_TRUE(ArpPlcGds_EndRead(in_));
 }
 
@@ -195,24 +195,24 @@ TEST_F(FrameLocks, ASecondBeginOnTheSameThreadFailsInsteadOfDeadlocking) {
               "ArpPlcGds_BeginWrite: the calling thread already holds a lock on buffer '1:IN'");
     EXPECT_EQ(secondData, untouched);
     EXPECT_FALSE(ArpPlcGds_BeginRead(in_, &secondData));
-    EXPECT_EQ(plant_.nestedBegins(), 2);
-    EXPECT_EQ(plant_.openLocks(), 1);
+    EXPECT_EQ(station_.nestedBegins(), 2);
+    EXPECT_EQ(station_.openLocks(), 1);
     EXPECT_TRUE(ArpPlcGds_EndRead(in_));
 }
 
 TEST_F(FrameLocks, OpenLocksCountsBeginsNotYetEnded) {
     char* data = nullptr;
-    EXPECT_EQ(plant_.openLocks(), 0);
+    EXPECT_EQ(station_.openLocks(), 0);
     ASSERT_TRUE(ArpPlcGds_BeginRead(in_, &data));
-    EXPECT_EQ(plant_.openLocks(), 1);
+    EXPECT_EQ(station_.openLocks(), 1);
     ASSERT_TRUE(ArpPlcGds_EndRead(in_));
-    EXPECT_EQ(plant_.openLocks(), 0);
+    EXPECT_EQ(station_.openLocks(), 0);
 }
 
 TEST_F(FrameLocks, ABusCopyOnAThreadHoldingTheFrameFailsInsteadOfDeadlocking) {
     char* data = nullptr;
     ASSERT_TRUE(ArpPlcGds_BeginRead(in_, &data));
-    plant_.setDigitalInputs(1, 0xFF);
+    station_.setDigitalInputs(1, 0xFF);
 
     EXPECT_FALSE(ArpPlcAxio_ReadFromAxioToGds(0));
     EXPECT_EQ(lastError(),
@@ -226,8 +226,8 @@ TEST_F(FrameLocks, ThePlantsViewsUseTheLockTheCallingThreadHolds) {
     ASSERT_TRUE(ArpPlcGds_BeginWrite(out_, &data));
     data[2] = 0x11;
 
-    EXPECT_EQ(plant_.outputsInGds(1), (std::vector<uint8_t>{0x11}));
-    plant_.setFrameBytes(Frame::Out, 2, {0x22});
+    EXPECT_EQ(station_.outputsInGds(1), (std::vector<uint8_t>{0x11}));
+    station_.setFrameBytes(Frame::Out, 2, {0x22});
     EXPECT_EQ(data[2], 0x22);
     ASSERT_TRUE(ArpPlcGds_EndWrite(out_));
 }
@@ -236,7 +236,7 @@ TEST_F(FrameLocks, ThePlantCannotWriteAFrameTheCallingThreadOnlyReads) {
     char* data = nullptr;
     ASSERT_TRUE(ArpPlcGds_BeginRead(in_, &data));
 
-    EXPECT_THROW(plant_.setFrameBytes(Frame::In, 2, {0x22}), std::logic_error);
+    EXPECT_THROW(station_.setFrameBytes(Frame::In, 2, {0x22}), std::logic_error);
     ASSERT_TRUE(ArpPlcGds_EndRead(in_));
 }
 
@@ -265,14 +265,14 @@ TEST_F(FrameLocks, ManyThreadsReadingWritingAndCopyingAtOnceAreAllCounted) {
     std::thread scan(reader);
     std::thread events(writer);
     for (int round = 0; round < kRounds; ++round) {
-        plant_.setDigitalInputs(1, static_cast<uint8_t>(round));
+        station_.setDigitalInputs(1, static_cast<uint8_t>(round));
     }
     scan.join();
     events.join();
 
-    EXPECT_EQ(plant_.calls("ArpPlcGds_BeginRead"), kRounds);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), kRounds);
-    EXPECT_EQ(plant_.unmatchedEnds(), 0);
-    EXPECT_EQ(plant_.openLocks(), 0);
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), static_cast<uint8_t>(kRounds - 1));
+    EXPECT_EQ(station_.calls("ArpPlcGds_BeginRead"), kRounds);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_WriteFromGdsToAxio"), kRounds);
+    EXPECT_EQ(station_.unmatchedEnds(), 0);
+    EXPECT_EQ(station_.openLocks(), 0);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), static_cast<uint8_t>(kRounds - 1));
 }

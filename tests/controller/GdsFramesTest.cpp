@@ -7,13 +7,13 @@
 #include "Arp/Plc/AnsiC/Gds/DataLayout.h"
 #include "Arp/Plc/AnsiC/Io/Axio.h"
 #include "GdsAccess.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 using controllertest::acquire;
 using controllertest::lastError;
 using vplc::Frame;
 using vplc::Module;
-using vplc::Plant;
+using vplc::Station;
 
 namespace {
 
@@ -38,11 +38,11 @@ void expectNoSuchVariable(const char* frame, const char* variable, const std::st
 }  // namespace
 
 TEST(GdsFrames, AMixedBusPutsEveryModuleAtAnEvenOffsetAfterTheStatusWord) {
-    auto plant = Plant::builder()
-                     .module(Module::DI8_DO8)
-                     .module(Module::AI2_AO2)
-                     .module(Module::DI8_DO8)
-                     .build();
+    auto station = Station::builder()
+                       .module(Module::DI8_DO8)
+                       .module(Module::AI2_AO2)
+                       .module(Module::DI8_DO8)
+                       .build();
     TGdsBuffer* in = acquire("1:IN");
     TGdsBuffer* out = acquire("1:OUT");
 
@@ -58,51 +58,51 @@ TEST(GdsFrames, AMixedBusPutsEveryModuleAtAnEvenOffsetAfterTheStatusWord) {
 }
 
 TEST(GdsFrames, EachFrameEndsWithTheLastModulesData) {
-    auto plant = Plant::of({Module::DI8_DO8, Module::AI2_AO2, Module::DI8_DO8});
-    EXPECT_EQ(plant.frameBytes(Frame::In).size(), 9u);
-    EXPECT_EQ(plant.frameBytes(Frame::Out).size(), 9u);
+    auto station = Station::of({Module::DI8_DO8, Module::AI2_AO2, Module::DI8_DO8});
+    EXPECT_EQ(station.frameBytes(Frame::In).size(), 9u);
+    EXPECT_EQ(station.frameBytes(Frame::Out).size(), 9u);
 }
 
 TEST(GdsFrames, ADigitalModuleAfterAnAnalogOneEndsTheFrameOnAnOddSize) {
-    auto plant = Plant::of({Module::AI2_AO2, Module::DI8_DO8});
-    EXPECT_EQ(plant.variableOffset("Arp.Io.AxlC/1.~DI8"), 6u);
-    EXPECT_EQ(plant.frameBytes(Frame::In).size(), 7u);
+    auto station = Station::of({Module::AI2_AO2, Module::DI8_DO8});
+    EXPECT_EQ(station.variableOffset("Arp.Io.AxlC/1.~DI8"), 6u);
+    EXPECT_EQ(station.frameBytes(Frame::In).size(), 7u);
 }
 
 TEST(GdsFrames, AnEmptyBusHasOnlyTheStatusWord) {
-    auto plant = Plant::of({});
-    EXPECT_EQ(plant.frameBytes(Frame::In), (std::vector<uint8_t>{0, 0}));
-    EXPECT_EQ(plant.frameBytes(Frame::Out), (std::vector<uint8_t>{0, 0}));
+    auto station = Station::of({});
+    EXPECT_EQ(station.frameBytes(Frame::In), (std::vector<uint8_t>{0, 0}));
+    EXPECT_EQ(station.frameBytes(Frame::Out), (std::vector<uint8_t>{0, 0}));
 }
 
 TEST(GdsFrames, TheStatusWordReadsZeroAfterABusCycle) {
-    auto plant = Plant::of({Module::DI8_DO8});
-    plant.setDigitalInputs(1, 0xFF);
+    auto station = Station::of({Module::DI8_DO8});
+    station.setDigitalInputs(1, 0xFF);
     ASSERT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
-    EXPECT_EQ(plant.frameBytes(Frame::In), (std::vector<uint8_t>{0, 0, 0xFF}));
+    EXPECT_EQ(station.frameBytes(Frame::In), (std::vector<uint8_t>{0, 0, 0xFF}));
 }
 
 TEST(GdsFrames, ThePlantFindsPortVariablesOfBothFrames) {
-    auto plant = Plant::of({Module::DI8_DO8, Module::AI2_AO2});
-    EXPECT_EQ(plant.variableOffset("Arp.Io.AxlC/0.~DO8"), 2u);
-    EXPECT_EQ(plant.variableOffset("Arp.Io.AxlC/1.~AI32"), 4u);
-    EXPECT_EQ(plant.variableOffset("Arp.Io.AxlC/2.~AI32"), std::nullopt);
+    auto station = Station::of({Module::DI8_DO8, Module::AI2_AO2});
+    EXPECT_EQ(station.variableOffset("Arp.Io.AxlC/0.~DO8"), 2u);
+    EXPECT_EQ(station.variableOffset("Arp.Io.AxlC/1.~AI32"), 4u);
+    EXPECT_EQ(station.variableOffset("Arp.Io.AxlC/2.~AI32"), std::nullopt);
 }
 
 TEST(GdsFrames, AnInputPortIsNoVariableOfTheOutputFrame) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     expectNoSuchVariable("1:OUT", "Arp.Io.AxlC/0.~DI8",
                          "Variable 'Arp.Io.AxlC/0.~DI8' does not exist in buffer '1:OUT'");
 }
 
 TEST(GdsFrames, AnUnknownVariableFailsWithItsNameAndLeavesTheOffsetUntouched) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     expectNoSuchVariable("1:IN", "Arp.Io.AxlC/7.~DI8",
                          "Variable 'Arp.Io.AxlC/7.~DI8' does not exist in buffer '1:IN'");
 }
 
 TEST(GdsFrames, AVariableNameIsMatchedExactly) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     TGdsBuffer* in = acquire("1:IN");
     std::size_t offset = 0;
 
@@ -113,18 +113,18 @@ TEST(GdsFrames, AVariableNameIsMatchedExactly) {
 }
 
 TEST(GdsFrames, AnUnknownBufferIdFailsAndLeavesTheHandleUntouched) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     auto* untouched = reinterpret_cast<TGdsBuffer*>(0x1234);
     TGdsBuffer* handle = untouched;
 
     EXPECT_FALSE(ArpPlcIo_GetBufferPtrByBufferID("Arp.Io.AxlC", "1:INOUT", &handle));
     EXPECT_EQ(lastError(), "Buffer '1:INOUT' does not exist in I/O system 'Arp.Io.AxlC'");
     EXPECT_EQ(handle, untouched);
-    EXPECT_EQ(plant.buffersHeld(), 0);
+    EXPECT_EQ(station.buffersHeld(), 0);
 }
 
 TEST(GdsFrames, AnUnknownIoSystemFails) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     TGdsBuffer* handle = nullptr;
 
     EXPECT_FALSE(ArpPlcIo_GetBufferPtrByBufferID("Arp.Io.PnC", "1:IN", &handle));
@@ -133,7 +133,7 @@ TEST(GdsFrames, AnUnknownIoSystemFails) {
 }
 
 TEST(GdsFrames, NullArgumentsFailWithATextNamingTheArgument) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     TGdsBuffer* handle = nullptr;
     std::size_t offset = 0;
     char* data = nullptr;
@@ -156,7 +156,7 @@ TEST(GdsFrames, NullArgumentsFailWithATextNamingTheArgument) {
     EXPECT_EQ(lastError(), "ArpPlcGds_BeginWrite: pBuffer is null");
     EXPECT_FALSE(ArpPlcGds_EndWrite(nullptr));
     EXPECT_EQ(lastError(), "ArpPlcGds_EndWrite: pBuffer is null");
-    EXPECT_EQ(plant.openLocks(), 0);
+    EXPECT_EQ(station.openLocks(), 0);
     ArpPlcIo_ReleaseGdsBuffer(in);
 }
 

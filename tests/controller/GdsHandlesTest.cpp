@@ -6,15 +6,15 @@
 
 #include "Arp/Plc/AnsiC/Gds/DataLayout.h"
 #include "GdsAccess.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 using controllertest::acquire;
 using controllertest::lastError;
 using vplc::Module;
-using vplc::Plant;
+using vplc::Station;
 
 TEST(GdsHandles, EveryAcquisitionHandsOutADistinctHandle) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     TGdsBuffer* first = acquire("1:IN");
     TGdsBuffer* second = acquire("1:IN");
 
@@ -26,41 +26,41 @@ TEST(GdsHandles, EveryAcquisitionHandsOutADistinctHandle) {
 }
 
 TEST(GdsHandles, BuffersHeldCountsAcquisitionsNotYetReleased) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     TGdsBuffer* in = acquire("1:IN");
     TGdsBuffer* out = acquire("1:OUT");
-    EXPECT_EQ(plant.buffersHeld(), 2);
+    EXPECT_EQ(station.buffersHeld(), 2);
 
     ArpPlcIo_ReleaseGdsBuffer(in);
-    EXPECT_EQ(plant.buffersHeld(), 1);
+    EXPECT_EQ(station.buffersHeld(), 1);
     ArpPlcIo_ReleaseGdsBuffer(out);
-    EXPECT_EQ(plant.buffersHeld(), 0);
+    EXPECT_EQ(station.buffersHeld(), 0);
 }
 
 TEST(GdsHandles, ASecondReleaseFailsAndCountsNothing) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     TGdsBuffer* in = acquire("1:IN");
     ASSERT_TRUE(ArpPlcIo_ReleaseGdsBuffer(in));
 
     EXPECT_FALSE(ArpPlcIo_ReleaseGdsBuffer(in));
     EXPECT_EQ(lastError(), "GDS buffer '1:IN' has been released");
-    EXPECT_EQ(plant.buffersHeld(), 0);
+    EXPECT_EQ(station.buffersHeld(), 0);
 }
 
 TEST(GdsHandles, ANullOrUnknownHandleFailsToRelease) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     TGdsBuffer* in = acquire("1:IN");
 
     EXPECT_FALSE(ArpPlcIo_ReleaseGdsBuffer(nullptr));
     EXPECT_EQ(lastError(), "ArpPlcIo_ReleaseGdsBuffer: pBuffer is null");
-    EXPECT_FALSE(ArpPlcIo_ReleaseGdsBuffer(reinterpret_cast<TGdsBuffer*>(&plant)));
+    EXPECT_FALSE(ArpPlcIo_ReleaseGdsBuffer(reinterpret_cast<TGdsBuffer*>(&station)));
     EXPECT_EQ(lastError(), "ArpPlcIo_ReleaseGdsBuffer: unknown GDS buffer handle");
-    EXPECT_EQ(plant.buffersHeld(), 1);
+    EXPECT_EQ(station.buffersHeld(), 1);
     ArpPlcIo_ReleaseGdsBuffer(in);
 }
 
 TEST(GdsHandles, EveryCallOnAReleasedHandleFails) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     TGdsBuffer* out = acquire("1:OUT");
     ArpPlcIo_ReleaseGdsBuffer(out);
     std::size_t offset = 0;
@@ -71,11 +71,11 @@ TEST(GdsHandles, EveryCallOnAReleasedHandleFails) {
     EXPECT_FALSE(ArpPlcGds_BeginWrite(out, &data));
     EXPECT_EQ(lastError(), "GDS buffer '1:OUT' has been released");
     EXPECT_EQ(data, nullptr);
-    EXPECT_EQ(plant.openLocks(), 0);
+    EXPECT_EQ(station.openLocks(), 0);
 }
 
 TEST(GdsHandles, AHandleOutlivesItsPlantAndIsThenRefused) {
-    std::optional<Plant> first(Plant::of({Module::DI8_DO8}));
+    std::optional<Station> first(Station::of({Module::DI8_DO8}));
     TGdsBuffer* in = acquire("1:IN");
     first.reset();
     char* data = nullptr;
@@ -83,7 +83,7 @@ TEST(GdsHandles, AHandleOutlivesItsPlantAndIsThenRefused) {
     EXPECT_FALSE(ArpPlcGds_BeginRead(in, &data));
     EXPECT_EQ(lastError(), "No Axioline bus is running");
 
-    auto second = Plant::of({Module::DI8_DO8});
+    auto second = Station::of({Module::DI8_DO8});
     EXPECT_FALSE(ArpPlcGds_BeginRead(in, &data));
     EXPECT_EQ(lastError(),
               "GDS buffer '1:IN' belongs to an Axioline bus that is no longer running");

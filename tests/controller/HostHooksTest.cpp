@@ -9,12 +9,12 @@
 #include "Arp/Plc/AnsiC/Io/Axio.h"
 #include "GdsAccess.h"
 #include "vplc/HostHooks.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 using controllertest::lastError;
 using vplc::Fault;
 using vplc::Module;
-using vplc::Plant;
+using vplc::Station;
 
 namespace {
 
@@ -58,12 +58,12 @@ TEST(HostHooksAlone, TheControllerInstallsNoHookOfItsOwn) {
 }
 
 TEST(HostHooksAlone, WithoutHooksTheInputCopyHookChangesAtAnyTime) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     int calls = 0;
-    plant.onInputCopy([&calls] { ++calls; });
+    station.onInputCopy([&calls] { ++calls; });
     EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
 
-    plant.onInputCopy(nullptr);
+    station.onInputCopy(nullptr);
     EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
 
     EXPECT_EQ(calls, 1);
@@ -77,8 +77,8 @@ TEST_F(HostHooks, SettingAHookHandsBackTheOneItReplaces) {
 }
 
 TEST_F(HostHooks, TheScanStartHookRunsAtEveryInputCopyBeforeThePlantsHook) {
-    auto plant = Plant::of({Module::DI8_DO8});
-    plant.onInputCopy([] { events.emplace_back("input copy"); });
+    auto station = Station::of({Module::DI8_DO8});
+    station.onInputCopy([] { events.emplace_back("input copy"); });
 
     EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
     EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
@@ -86,13 +86,13 @@ TEST_F(HostHooks, TheScanStartHookRunsAtEveryInputCopyBeforeThePlantsHook) {
 
     EXPECT_EQ(events,
               (std::vector<std::string>{"scan start", "input copy", "scan start", "input copy"}));
-    plant.onInputCopy(nullptr);
+    station.onInputCopy(nullptr);
 }
 
 // The gate comes before the call is counted, so a scan held there has not yet called.
 TEST_F(HostHooks, TheScanStartHookRunsEvenForACallThatFailsByAFault) {
-    auto plant = Plant::of({Module::DI8_DO8});
-    plant.inject("ArpPlcAxio_ReadFromAxioToGds", Fault::next("Bus not ready"));
+    auto station = Station::of({Module::DI8_DO8});
+    station.inject("ArpPlcAxio_ReadFromAxioToGds", Fault::next("Bus not ready"));
 
     EXPECT_FALSE(ArpPlcAxio_ReadFromAxioToGds(0));
 
@@ -108,12 +108,12 @@ TEST_F(HostHooks, TheScanStartHookRunsWithoutABus) {
 }
 
 TEST_F(HostHooks, TheInputCopyHookCannotChangeWhileTheHostCountsRunningDriverThreads) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     int calls = 0;
-    plant.onInputCopy([&calls] { ++calls; });
+    station.onInputCopy([&calls] { ++calls; });
     runningThreads = 2;
 
-    EXPECT_THAT([&plant] { plant.onInputCopy(nullptr); },
+    EXPECT_THAT([&station] { station.onInputCopy(nullptr); },
                 ::testing::ThrowsMessage<std::logic_error>(
                     ::testing::HasSubstr("2 driver threads are running and may be calling the "
                                          "input-copy hook")));
@@ -121,7 +121,7 @@ TEST_F(HostHooks, TheInputCopyHookCannotChangeWhileTheHostCountsRunningDriverThr
     EXPECT_EQ(calls, 1);
 
     runningThreads = 0;
-    plant.onInputCopy(nullptr);
+    station.onInputCopy(nullptr);
     EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
     EXPECT_EQ(calls, 1);
 }

@@ -8,19 +8,19 @@
 #include "Arp/Plc/AnsiC/Gds/ErrorHandling.h"
 #include "Arp/Plc/AnsiC/Io/FbIoSystem.h"
 #include "GdsAccess.h"
-#include "vplc/Plant.h"
 #include "vplc/PlatformCalls.h"
+#include "vplc/Station.h"
 
 using controllertest::lastError;
 using vplc::Fault;
 using vplc::Module;
-using vplc::Plant;
+using vplc::Station;
 
 namespace {
 
 // Makes the next acquisition fail with `text`, so that it becomes the last error.
-void failWith(Plant& plant, const std::string& text) {
-    plant.inject("ArpPlcIo_GetBufferPtrByBufferID", Fault::next(text));
+void failWith(Station& station, const std::string& text) {
+    station.inject("ArpPlcIo_GetBufferPtrByBufferID", Fault::next(text));
     TGdsBuffer* handle = nullptr;
     ASSERT_FALSE(ArpPlcIo_GetBufferPtrByBufferID("Arp.Io.AxlC", "1:IN", &handle));
 }
@@ -28,8 +28,8 @@ void failWith(Plant& plant, const std::string& text) {
 }  // namespace
 
 TEST(LastError, GetLastErrorCopiesTheTextOfTheLastFailure) {
-    auto plant = Plant::of({Module::DI8_DO8});
-    failWith(plant, "Buffer is busy");
+    auto station = Station::of({Module::DI8_DO8});
+    failWith(station, "Buffer is busy");
     char text[1024];
     std::memset(text, 'x', sizeof text);
 
@@ -39,8 +39,8 @@ TEST(LastError, GetLastErrorCopiesTheTextOfTheLastFailure) {
 }
 
 TEST(LastError, GetLastErrorClearsTheText) {
-    auto plant = Plant::of({Module::DI8_DO8});
-    failWith(plant, "Buffer is busy");
+    auto station = Station::of({Module::DI8_DO8});
+    failWith(station, "Buffer is busy");
     lastError();
 
     EXPECT_EQ(lastError(), "");
@@ -57,12 +57,12 @@ TEST(LastError, AThreadWithoutAFailureGetsAnEmptyText) {
 }
 
 TEST(LastError, A2000CharacterTextIsCutTo1023CharactersInA1024ByteBuffer) {
-    auto plant = Plant::of({Module::DI8_DO8});
+    auto station = Station::of({Module::DI8_DO8});
     std::string longText;
     for (int i = 0; i < 2000; ++i) {
         longText += static_cast<char>('a' + i % 26);
     }
-    failWith(plant, longText);
+    failWith(station, longText);
     char text[1024];
     std::memset(text, 'x', sizeof text);
 
@@ -73,8 +73,8 @@ TEST(LastError, A2000CharacterTextIsCutTo1023CharactersInA1024ByteBuffer) {
 }
 
 TEST(LastError, AOneByteBufferReceivesOnlyTheTerminatingNul) {
-    auto plant = Plant::of({Module::DI8_DO8});
-    failWith(plant, "Buffer is busy");
+    auto station = Station::of({Module::DI8_DO8});
+    failWith(station, "Buffer is busy");
     char text[2] = {'x', 'x'};
 
     ArpPlc_GetLastError(text, 1);
@@ -85,18 +85,18 @@ TEST(LastError, AOneByteBufferReceivesOnlyTheTerminatingNul) {
 }
 
 TEST(LastError, EachThreadHasItsOwnLastError) {
-    auto plant = Plant::of({Module::DI8_DO8});
-    failWith(plant, "Failed here");
-    std::thread failing([&plant] { failWith(plant, "Failed elsewhere"); });
+    auto station = Station::of({Module::DI8_DO8});
+    failWith(station, "Failed here");
+    std::thread failing([&station] { failWith(station, "Failed elsewhere"); });
     failing.join();
 
     EXPECT_EQ(lastError(), "Failed here");
 }
 
 TEST(LastError, AFaultOnGetLastErrorHandsOutTheFaultsText) {
-    auto plant = Plant::of({Module::DI8_DO8});
-    failWith(plant, "Buffer is busy");
-    plant.inject("ArpPlc_GetLastError", Fault::next("Error text lost"));
+    auto station = Station::of({Module::DI8_DO8});
+    failWith(station, "Buffer is busy");
+    station.inject("ArpPlc_GetLastError", Fault::next("Error text lost"));
 
     EXPECT_EQ(lastError(), "Error text lost");
     EXPECT_EQ(lastError(), "");

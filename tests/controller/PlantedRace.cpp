@@ -13,7 +13,7 @@
 #include "Arp/Plc/AnsiC/Gds/DataLayout.h"
 #include "Arp/Plc/AnsiC/Io/Axio.h"
 #include "GdsAccess.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace {
 
@@ -46,7 +46,7 @@ private:
 
 int main(int argc, char** argv) {
     const bool locked = argc > 1 && std::strcmp(argv[1], "locked") == 0;
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     TGdsBuffer* out = controllertest::acquire("1:OUT");
     RacyModule module(out, locked);
     // Each call site's first call sets up its bookkeeping; that is done here, before the threads.

@@ -18,8 +18,8 @@
 #include "hosting/DriverConfig.h"
 #include "hosting/HostCalls.h"
 #include "orbel/HostObserver.h"
-#include "vplc/Plant.h"
 #include "vplc/Runtime.h"
+#include "vplc/Station.h"
 
 using hosting::DriverPtr;
 using testsupport::StepClock;
@@ -211,8 +211,8 @@ struct SteadyScan {
     const char* name;
     vplc::Module module;
     DriverConfig (*config)();
-    void (*changeFirstInput)(vplc::Plant&);
-    void (*changeSecondInput)(vplc::Plant&, int pass);
+    void (*changeFirstInput)(vplc::Station&);
+    void (*changeSecondInput)(vplc::Station&, int pass);
 
     // A case shows as its name, also in the names of the tests.
     friend std::ostream& operator<<(std::ostream& out, const SteadyScan& row) {
@@ -224,7 +224,7 @@ class AllocationOfAScan : public testing::TestWithParam<SteadyScan> {};
 
 TEST_P(AllocationOfAScan, IsNoneAlsoWhenItPublishes) {
     const SteadyScan& scan = GetParam();
-    auto plant = vplc::Plant::of({scan.module});
+    auto station = vplc::Station::of({scan.module});
     StepClock clock;
     DriverThreadMarker marker;
     auto driver = host::create(scan.config());
@@ -232,12 +232,12 @@ TEST_P(AllocationOfAScan, IsNoneAlsoWhenItPublishes) {
     // Through the two initial pauses and two passes, one of them publishing, so that everything
     // the platform sets up on first use is in place.
     clock.step(2);
-    scan.changeFirstInput(plant);
+    scan.changeFirstInput(station);
     clock.step(2);
     const int publicationsBefore = marker.publications();
 
     EXPECT_EQ(
-        allocationsOfTwentyPasses(clock, [&](int pass) { scan.changeSecondInput(plant, pass); }),
+        allocationsOfTwentyPasses(clock, [&](int pass) { scan.changeSecondInput(station, pass); }),
         0);
     EXPECT_EQ(marker.publications() - publicationsBefore, 20);
 }
@@ -248,18 +248,18 @@ INSTANTIATE_TEST_SUITE_P(
         SteadyScan{
             "ASteadyDigitalScanAllocatesNothingAlsoWhenItPublishes", vplc::Module::DI8_DO8,
             [] { return DriverConfig::digital().digitalIn(1, "0").digitalIn(2, "4"); },
-            [](vplc::Plant& plant) { plant.setDigitalInput(1, 0, true); },
-            [](vplc::Plant& plant, int pass) { plant.setDigitalInput(1, 4, pass % 2 == 0); }},
+            [](vplc::Station& station) { station.setDigitalInput(1, 0, true); },
+            [](vplc::Station& station, int pass) { station.setDigitalInput(1, 4, pass % 2 == 0); }},
         SteadyScan{"ASteadyAnalogScanAllocatesNothingAlsoWhenItPublishes", vplc::Module::AI2_AO2,
                    [] { return DriverConfig::analog().analogIn(1, "0").analogIn(2, "1"); },
-                   [](vplc::Plant& plant) { plant.setAnalogInput(1, 0, 3000); },
-                   [](vplc::Plant& plant, int pass) {
-                       plant.setAnalogInput(1, 1, pass % 2 == 0 ? 30000 : 0);
+                   [](vplc::Station& station) { station.setAnalogInput(1, 0, 3000); },
+                   [](vplc::Station& station, int pass) {
+                       station.setAnalogInput(1, 1, pass % 2 == 0 ? 30000 : 0);
                    }}),
     [](const testing::TestParamInfo<SteadyScan>& info) { return std::string(info.param.name); });
 
 TEST(Allocation, DigitalOutputEventsAllocateNothing) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     StepClock clock;
     auto driver =
         host::create(DriverConfig::digital()
@@ -275,11 +275,11 @@ TEST(Allocation, DigitalOutputEventsAllocateNothing) {
     EXPECT_EQ(allocationsOfTwentyDeliveries(
                   deliver, [&](int delivery) { payload[0] = static_cast<uint8_t>(delivery % 2); }),
               0);
-    EXPECT_EQ(plant.digitalOutputsOnBus(1), 0x28);
+    EXPECT_EQ(station.digitalOutputsOnBus(1), 0x28);
 }
 
 TEST(Allocation, AnalogOutputEventsAllocateNothing) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     StepClock clock;
     auto driver = host::create(DriverConfig::analog().analogOut(20, "1", "0"));
     host::initialize(*driver);
@@ -293,14 +293,14 @@ TEST(Allocation, AnalogOutputEventsAllocateNothing) {
     EXPECT_EQ(allocationsOfTwentyDeliveries(
                   deliver, [&](int delivery) { setValue(static_cast<float>(delivery)); }),
               0);
-    EXPECT_EQ(plant.analogOutputOnBus(1, 1), 57000);
+    EXPECT_EQ(station.analogOutputOnBus(1, 1), 57000);
 }
 
 // The error paths of an event report to the host without allocating: an event of an id that no
 // service has, walked past the restart services too without restarting, and an event without
 // data. The observer keeps the host's side of the report free of allocations as well.
 TEST(Allocation, AnUnsubscribedEventAllocatesNothingOnItsWayPastTheRestartServices) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     StepClock clock;
     DriverThreadMarker marker;
     auto driver =
@@ -311,17 +311,17 @@ TEST(Allocation, AnUnsubscribedEventAllocatesNothingOnItsWayPastTheRestartServic
     const auto deliver = [&] { host::deliver(*driver, 99, payload, 1); };
     deliver();
     const int stopsBefore = marker.stops();
-    const int busCopiesBefore = plant.calls("ArpPlcAxio_WriteFromGdsToAxio");
+    const int busCopiesBefore = station.calls("ArpPlcAxio_WriteFromGdsToAxio");
     const int restartsBefore = vplc::Runtime::restarts();
 
     EXPECT_EQ(allocationsOfTwentyDeliveries(deliver, noChange), 0);
     EXPECT_EQ(marker.stops() - stopsBefore, 20);
-    EXPECT_EQ(plant.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesBefore, 20);
+    EXPECT_EQ(station.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesBefore, 20);
     EXPECT_EQ(vplc::Runtime::restarts() - restartsBefore, 0);
 }
 
 TEST(Allocation, AnEventWithoutDataAllocatesNothing) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     StepClock clock;
     DriverThreadMarker marker;
     auto driver = host::create(DriverConfig::digital().digitalOut(20, "3", "0"));
@@ -359,7 +359,7 @@ TEST(Allocation, WhereverTheFactoryRunsOutOfMemoryItThrowsBadAllocAndLeavesNothi
 }
 
 TEST(Allocation, WhereverRegistrationRunsOutOfMemoryItThrowsBadAlloc) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     // Attached, and the platform's input copy used once, beforehand: the failing allocation is
     // to meet the driver's own work, not the runtime's start or the virtual controller's.
     host::initialize(*host::create(DriverConfig("NONE").restart(1)));
@@ -395,7 +395,7 @@ TEST(Allocation, WhereverRegistrationRunsOutOfMemoryItThrowsBadAlloc) {
 }
 
 TEST(Allocation, AnInputWhoseEventHasNoSizeStillGetsABufferThatHoldsItsValue) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
     StepClock clock;
     auto digital = DriverConfig::digital().digitalIn(1, "0");
     digital.mappings.clear();
@@ -409,7 +409,7 @@ TEST(Allocation, AnInputWhoseEventHasNoSizeStillGetsABufferThatHoldsItsValue) {
 }
 
 TEST(Allocation, AnInputBufferHasTheSizeOfItsEventWhenThatHoldsTheValue) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
     StepClock clock;
     auto digitalDriver = host::create(DriverConfig::digital().digitalIn(1, "0", 3));
     auto analogDriver = host::create(DriverConfig::analog(2).analogIn(2, "0", 8));

@@ -9,7 +9,7 @@
 #include "modules/AXL_F_AI2_AO2.h"
 #include "modules/IbIlConversion.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 using hosting::LoggedLine;
 using hosting::loggedLines;
@@ -20,8 +20,8 @@ std::vector<uint8_t> bytes(std::initializer_list<uint8_t> values) {
     return values;
 }
 
-size_t offsetOf(const vplc::Plant& plant, const std::string& name) {
-    const auto offset = plant.variableOffset(name);
+size_t offsetOf(const vplc::Station& station, const std::string& name) {
+    const auto offset = station.variableOffset(name);
     EXPECT_TRUE(offset.has_value()) << name;
     return offset.value_or(0);
 }
@@ -29,8 +29,8 @@ size_t offsetOf(const vplc::Plant& plant, const std::string& name) {
 }  // namespace
 
 TEST(AnalogModule, TheBytes0x75And0x30AtChannel0ReadAs30000) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
-    plant.setFrameBytes(vplc::Frame::In, offsetOf(plant, "Arp.Io.AxlC/0.~AI32"), {0x75, 0x30});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
+    station.setFrameBytes(vplc::Frame::In, offsetOf(station, "Arp.Io.AxlC/0.~AI32"), {0x75, 0x30});
     AXL_F_AI2_AO2 module(1);
 
     EXPECT_EQ(module.readAnalog(0), 30000);
@@ -38,9 +38,9 @@ TEST(AnalogModule, TheBytes0x75And0x30AtChannel0ReadAs30000) {
 }
 
 TEST(AnalogModule, Channel1IsReadFromTheWordAfterChannel0) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
-    plant.setFrameBytes(vplc::Frame::In, offsetOf(plant, "Arp.Io.AxlC/0.~AI32"),
-                        {0x00, 0x01, 0x3A, 0x98});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
+    station.setFrameBytes(vplc::Frame::In, offsetOf(station, "Arp.Io.AxlC/0.~AI32"),
+                          {0x00, 0x01, 0x3A, 0x98});
     AXL_F_AI2_AO2 module(1);
 
     EXPECT_EQ(module.readAnalog(1), 15000);
@@ -48,44 +48,44 @@ TEST(AnalogModule, Channel1IsReadFromTheWordAfterChannel0) {
 }
 
 TEST(AnalogModule, Writing15000ToChannel1StoresTheBytes0x3AAnd0x98AfterChannel0) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
 
     module.writeAnalog(1, 15000);
 
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x00, 0x00, 0x3A, 0x98}));
-    const size_t channel0 = offsetOf(plant, "Arp.Io.AxlC/0.~AQ32");
-    const auto frame = plant.frameBytes(vplc::Frame::Out);
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x00, 0x00, 0x3A, 0x98}));
+    const size_t channel0 = offsetOf(station, "Arp.Io.AxlC/0.~AQ32");
+    const auto frame = station.frameBytes(vplc::Frame::Out);
     ASSERT_GE(frame.size(), channel0 + 4);
     EXPECT_EQ(frame[channel0 + 2], 0x3A);
     EXPECT_EQ(frame[channel0 + 3], 0x98);
 }
 
 TEST(AnalogModule, EachChannelIsWrittenOnItsOwn) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
 
     module.writeAnalog(0, 0x1234);
     module.writeAnalog(1, 0xABCD);
     module.writeAnalog(0, 0x0102);
 
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x01, 0x02, 0xAB, 0xCD}));
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x01, 0x02, 0xAB, 0xCD}));
 }
 
 TEST(AnalogModule, TheModuleAtPosition2UsesItsOwnWords) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
-    plant.setFrameBytes(vplc::Frame::In, offsetOf(plant, "Arp.Io.AxlC/1.~AI32"), {0x0B, 0xB8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    station.setFrameBytes(vplc::Frame::In, offsetOf(station, "Arp.Io.AxlC/1.~AI32"), {0x0B, 0xB8});
     AXL_F_AI2_AO2 module(2);
 
     module.writeAnalog(0, 3000);
 
     EXPECT_EQ(module.readAnalog(0), 3000);
-    EXPECT_EQ(plant.outputsInGds(2), bytes({0x0B, 0xB8, 0x00, 0x00}));
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x00}));
+    EXPECT_EQ(station.outputsInGds(2), bytes({0x0B, 0xB8, 0x00, 0x00}));
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x00}));
 }
 
 TEST(AnalogModule, Channel2AndMinus1AreNeitherReadNorWrittenAndNothingIsLogged) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
     orbel::Recorder recorder;
 
@@ -94,43 +94,43 @@ TEST(AnalogModule, Channel2AndMinus1AreNeitherReadNorWrittenAndNothingIsLogged) 
     module.writeAnalog(-1, 5);
     module.writeAnalog(2, 5);
 
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginRead"), 0);
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginWrite"), 0);
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x00, 0x00, 0x00, 0x00}));
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginRead"), 0);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginWrite"), 0);
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x00, 0x00, 0x00, 0x00}));
     EXPECT_TRUE(recorder.logs().empty());
 }
 
 TEST(AnalogModule, DigitalOperationsReadZeroAndWriteNothing) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
 
     EXPECT_EQ(module.readDigital(0), 0);
     module.writeDigital(0, 1);
 
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginRead"), 0);
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginWrite"), 0);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginRead"), 0);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginWrite"), 0);
 }
 
 TEST(AnalogModule, AFailedBeginReadLogsCallsEndReadAndReadsZero) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
-    plant.setFrameBytes(vplc::Frame::In, offsetOf(plant, "Arp.Io.AxlC/0.~AI32"), {0x75, 0x30});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
+    station.setFrameBytes(vplc::Frame::In, offsetOf(station, "Arp.Io.AxlC/0.~AI32"), {0x75, 0x30});
     AXL_F_AI2_AO2 module(1);
     orbel::Recorder recorder;
-    plant.inject("ArpPlcGds_BeginRead", vplc::Fault::next("no data"));
+    station.inject("ArpPlcGds_BeginRead", vplc::Fault::next("no data"));
 
     EXPECT_EQ(module.readAnalog(0), 0);
 
     EXPECT_EQ(loggedLines(recorder),
               (std::vector<LoggedLine>{{2, "Can't begin read: %s", "Can't begin read: no data"}}));
-    EXPECT_EQ(plant.calls("ArpPlcGds_EndRead"), 1);
+    EXPECT_EQ(station.calls("ArpPlcGds_EndRead"), 1);
 }
 
 TEST(AnalogModule, AFailedEndReadIsLoggedAndTheWordIsStillReturned) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
-    plant.setFrameBytes(vplc::Frame::In, offsetOf(plant, "Arp.Io.AxlC/0.~AI32"), {0x75, 0x30});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
+    station.setFrameBytes(vplc::Frame::In, offsetOf(station, "Arp.Io.AxlC/0.~AI32"), {0x75, 0x30});
     AXL_F_AI2_AO2 module(1);
     orbel::Recorder recorder;
-    plant.inject("ArpPlcGds_EndRead", vplc::Fault::next("cannot unlock"));
+    station.inject("ArpPlcGds_EndRead", vplc::Fault::next("cannot unlock"));
 
     EXPECT_EQ(module.readAnalog(0), 30000);
 
@@ -138,43 +138,43 @@ TEST(AnalogModule, AFailedEndReadIsLoggedAndTheWordIsStillReturned) {
               (std::vector<LoggedLine>{
                   {2, "Can't unlock buffer: %s", "Can't unlock buffer: cannot unlock"}}));
     module.readAnalog(0);
-    EXPECT_EQ(plant.openLocks(), 0);
+    EXPECT_EQ(station.openLocks(), 0);
 }
 
 TEST(AnalogModule, AFailedBeginWriteLogsStillCallsEndWriteAndLeavesTheOldWord) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
     module.writeAnalog(0, 0x0102);
     orbel::Recorder recorder;
-    plant.inject("ArpPlcGds_BeginWrite", vplc::Fault::next("frame is busy"));
+    station.inject("ArpPlcGds_BeginWrite", vplc::Fault::next("frame is busy"));
 
     module.writeAnalog(0, 0x0304);
 
     EXPECT_EQ(loggedLines(recorder),
               (std::vector<LoggedLine>{
                   {2, "Can't begin write: %s", "Can't begin write: frame is busy"}}));
-    EXPECT_EQ(plant.calls("ArpPlcGds_EndWrite"), 2);
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x01, 0x02, 0x00, 0x00}));
+    EXPECT_EQ(station.calls("ArpPlcGds_EndWrite"), 2);
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x01, 0x02, 0x00, 0x00}));
 }
 
 TEST(AnalogModule, AFailedEndWriteIsLoggedAfterTheWordWasStored) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
     orbel::Recorder recorder;
-    plant.inject("ArpPlcGds_EndWrite", vplc::Fault::next("cannot unlock"));
+    station.inject("ArpPlcGds_EndWrite", vplc::Fault::next("cannot unlock"));
 
     module.writeAnalog(1, 0x0506);
 
     EXPECT_EQ(loggedLines(recorder),
               (std::vector<LoggedLine>{
                   {2, "Can't unlock buffer: %s", "Can't unlock buffer: cannot unlock"}}));
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x00, 0x00, 0x05, 0x06}));
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x00, 0x00, 0x05, 0x06}));
     module.writeAnalog(1, 0x0506);
-    EXPECT_EQ(plant.openLocks(), 0);
+    EXPECT_EQ(station.openLocks(), 0);
 }
 
 TEST(AnalogModule, UnknownPortsAreLoggedOncePerLookupAndNeverReadOrWritten) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     orbel::Recorder recorder;
 
     AXL_F_AI2_AO2 module(2);
@@ -191,12 +191,12 @@ TEST(AnalogModule, UnknownPortsAreLoggedOncePerLookupAndNeverReadOrWritten) {
     EXPECT_EQ(module.readAnalog(1), 0);
     module.writeAnalog(0, 1);
     module.writeAnalog(1, 1);
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginRead"), 0);
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginWrite"), 0);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginRead"), 0);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginWrite"), 0);
 }
 
 TEST(AnalogModule, SupportsAnalogInputsAnalogOutputsAndRestartOnly) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
 
     EXPECT_TRUE(module.isServiceTypeSupported(AnalogIn));
@@ -209,7 +209,7 @@ TEST(AnalogModule, SupportsAnalogInputsAnalogOutputsAndRestartOnly) {
 }
 
 TEST(AnalogModule, Pins0And1AreAvailableAndPin2AndMinus1AreNot) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
 
     EXPECT_TRUE(module.isServiceAvailable(0, AnalogIn));
@@ -222,7 +222,7 @@ TEST(AnalogModule, Pins0And1AreAvailableAndPin2AndMinus1AreNot) {
 }
 
 TEST(AnalogModule, TheValidRangeIs0To1ForItsKindsAndEmptyForOthers) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
 
     EXPECT_EQ(module.getValidRange(AnalogOut), "0 - 1");
@@ -231,7 +231,7 @@ TEST(AnalogModule, TheValidRangeIs0To1ForItsKindsAndEmptyForOthers) {
 }
 
 TEST(AnalogModule, RegisteringTheSamePinTwiceSucceedsOnlyTheFirstTime) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
 
     EXPECT_FALSE(module.isServiceAlreadyRegistered(1, AnalogIn));
@@ -242,7 +242,7 @@ TEST(AnalogModule, RegisteringTheSamePinTwiceSucceedsOnlyTheFirstTime) {
 }
 
 TEST(AnalogModule, RegisteringPin2LogsTheServiceAsNotAvailableAndFails) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
     orbel::Recorder recorder;
 
@@ -254,7 +254,7 @@ TEST(AnalogModule, RegisteringPin2LogsTheServiceAsNotAvailableAndFails) {
 }
 
 TEST(AnalogModule, AnUnavailablePinCountsAsTakenWithALogLine) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
     orbel::Recorder recorder;
 
@@ -266,7 +266,7 @@ TEST(AnalogModule, AnUnavailablePinCountsAsTakenWithALogLine) {
 }
 
 TEST(AnalogModule, RestartCountsAsTakenAndCannotBeRegisteredWithoutALogLine) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     AXL_F_AI2_AO2 module(1);
     orbel::Recorder recorder;
 

@@ -7,8 +7,8 @@
 #include "hosting/HostCalls.h"
 #include "hosting/LoggedLine.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
 #include "vplc/Runtime.h"
+#include "vplc/Station.h"
 
 namespace host = hosting::host;
 using hosting::DriverConfig;
@@ -30,7 +30,7 @@ protected:
     ~WithoutRuntime() override { vplc::Runtime::reset(); }
 
     orbel::Recorder recorder_;
-    vplc::Plant plant_ = vplc::Plant::of({vplc::Module::DI8_DO8});
+    vplc::Station station_ = vplc::Station::of({vplc::Module::DI8_DO8});
 };
 
 }  // namespace
@@ -46,9 +46,9 @@ TEST_F(WithoutRuntime, ADriverThatCannotAttachReportsItAndDoesNotStart) {
     ASSERT_EQ(stops.size(), 1u);
     EXPECT_FALSE(stops[0].hasService);
     EXPECT_EQ(stops[0].message, "PLCnext runtime not available");
-    EXPECT_EQ(plant_.calls("ArpPlcIo_GetBufferPtrByBufferID"), 0);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_ReadFromAxioToGds"), 0);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
+    EXPECT_EQ(station_.calls("ArpPlcIo_GetBufferPtrByBufferID"), 0);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_ReadFromAxioToGds"), 0);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
     EXPECT_TRUE(recorder_.threadStarts().empty());
 }
 
@@ -63,6 +63,6 @@ TEST_F(WithoutRuntime, EveryLaterDriverOfTheProcessIsRefusedTheSameWay) {
     EXPECT_EQ(hosting::loggedLines(recorder_), std::vector<LoggedLine>{kNotAttached});
     ASSERT_EQ(recorder_.stops(second.get()).size(), 1u);
     EXPECT_EQ(recorder_.stops(second.get())[0].message, "PLCnext runtime not available");
-    EXPECT_EQ(plant_.buffersHeld(), 0);
+    EXPECT_EQ(station_.buffersHeld(), 0);
     EXPECT_TRUE(recorder_.threadStarts().empty());
 }

@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 TEST(Concurrency, OutputEventsOnAHostThreadRunAlongsideTheScanOfTheDriverThread) {
     hosting::DriverRig rig({vplc::Module::DI8_DO8});
     auto& clock = rig.clock();
-    auto& plant = rig.plant();
+    auto& station = rig.station();
     CSI_base& driver = rig.create(DriverConfig::digital()
                                       .digitalIn(1, "0")
                                       .digitalIn(2, "5")
@@ -33,15 +33,15 @@ TEST(Concurrency, OutputEventsOnAHostThreadRunAlongsideTheScanOfTheDriverThread)
     });
     constexpr int kScans = 40;
     for (int scan = 0; scan < kScans; ++scan) {
-        plant.setDigitalInput(1, 0, scan % 2 == 0);
+        station.setDigitalInput(1, 0, scan % 2 == 0);
         clock.runFor(100ms);
     }
     host.join();
 
     // The last two events switched pins 1 and 6 off; every pass saw input 0 change.
-    EXPECT_EQ(plant.digitalOutputsOnBus(1), 0x00);
+    EXPECT_EQ(station.digitalOutputsOnBus(1), 0x00);
     EXPECT_EQ(rig.recorder().published(&driver).size(), 2u + kScans);
     EXPECT_TRUE(rig.recorder().stops().empty());
-    EXPECT_EQ(plant.openLocks(), 0);
-    EXPECT_EQ(plant.unmatchedEnds(), 0);
+    EXPECT_EQ(station.openLocks(), 0);
+    EXPECT_EQ(station.unmatchedEnds(), 0);
 }

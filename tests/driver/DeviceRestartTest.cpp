@@ -11,9 +11,9 @@
 #include "hosting/HostCalls.h"
 #include "hosting/LoggedLine.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
 #include "vplc/PlatformCalls.h"
 #include "vplc/Runtime.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 using hosting::DriverRig;
@@ -33,7 +33,7 @@ protected:
         rig_.create(DriverConfig::digital().restart(30).digitalOut(20, "0", "0"));
         rig_.initialize();
         recorder_.clear();
-        busCopiesAtStart_ = plant_.calls("ArpPlcAxio_WriteFromGdsToAxio");
+        busCopiesAtStart_ = station_.calls("ArpPlcAxio_WriteFromGdsToAxio");
         servicesAtStart_ = vplc::Runtime::servicesMade();
     }
     void restart() { host::deliver(rig_.driver(), 30, {0}); }
@@ -59,13 +59,13 @@ protected:
     }
 
     int busCopies() const {
-        return plant_.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesAtStart_;
+        return station_.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesAtStart_;
     }
 
     DriverRig rig_{{vplc::Module::DI8_DO8}};
     orbel::Recorder& recorder_ = rig_.recorder();
     vplc::VirtualClock& clock_ = rig_.clock();
-    vplc::Plant& plant_ = rig_.plant();
+    vplc::Station& station_ = rig_.station();
     int busCopiesAtStart_ = 0;
     int servicesAtStart_ = 0;
 };

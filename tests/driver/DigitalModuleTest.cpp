@@ -7,7 +7,7 @@
 #include "hosting/LoggedLine.h"
 #include "modules/AXL_F_DI8_1_DO8_1.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 using hosting::LoggedLine;
 using hosting::loggedLines;
@@ -18,67 +18,67 @@ std::vector<uint8_t> bytes(std::initializer_list<uint8_t> values) {
     return values;
 }
 
-void setInputByteInGds(vplc::Plant& plant, int position, uint8_t byte) {
+void setInputByteInGds(vplc::Station& station, int position, uint8_t byte) {
     const auto offset =
-        plant.variableOffset("Arp.Io.AxlC/" + std::to_string(position - 1) + ".~DI8");
+        station.variableOffset("Arp.Io.AxlC/" + std::to_string(position - 1) + ".~DI8");
     ASSERT_TRUE(offset.has_value());
-    plant.setFrameBytes(vplc::Frame::In, *offset, {byte});
+    station.setFrameBytes(vplc::Frame::In, *offset, {byte});
 }
 
 }  // namespace
 
 TEST(DigitalModule, WritingPin3ThenPin5LeavesTheOutputByteAt0x28) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
 
     module.writeDigital(3, 1);
     module.writeDigital(5, 1);
 
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x28}));
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x28}));
 }
 
 TEST(DigitalModule, ClearingPin3After3And5LeavesTheOutputByteAt0x20) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
     module.writeDigital(3, 1);
     module.writeDigital(5, 1);
 
     module.writeDigital(3, 0);
 
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x20}));
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x20}));
 }
 
 TEST(DigitalModule, ANewModuleDrivesAllOtherOutputsOffOnItsFirstWrite) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
-    const auto offset = plant.variableOffset("Arp.Io.AxlC/0.~DO8");
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
+    const auto offset = station.variableOffset("Arp.Io.AxlC/0.~DO8");
     ASSERT_TRUE(offset.has_value());
-    plant.setFrameBytes(vplc::Frame::Out, *offset, {0xF6});
+    station.setFrameBytes(vplc::Frame::Out, *offset, {0xF6});
     AXL_F_DI8_1_DO8_1 module(1);
 
     module.writeDigital(0, 1);
 
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x01}));
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x01}));
 }
 
 TEST(DigitalModule, AValueOtherThan0Or1SetsThePinToTheBitOfItsNegation) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
     module.writeDigital(0, 1);
     module.writeDigital(5, 1);
 
     module.writeDigital(0, 2);  // -2 has bit 0 clear
     module.writeDigital(4, 2);  // and bits 1 to 7 set
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x30}));
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x30}));
 
     module.writeDigital(0, 255);  // -255 has bit 0 set
     module.writeDigital(5, 255);  // and bits 1 to 7 clear
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x11}));
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x11}));
 }
 
 TEST(DigitalModule, ReadingAnInputByteOf0x80Gives1ForPin7And0ForPins0To6) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
-    setInputByteInGds(plant, 1, 0x80);
+    setInputByteInGds(station, 1, 0x80);
 
     EXPECT_EQ(module.readDigital(7), 1);
     for (int pin = 0; pin < 7; ++pin) {
@@ -87,107 +87,107 @@ TEST(DigitalModule, ReadingAnInputByteOf0x80Gives1ForPin7And0ForPins0To6) {
 }
 
 TEST(DigitalModule, EachReadAndWriteLocksTheFrameOnceAndUnlocksIt) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
 
     module.readDigital(2);
     module.writeDigital(2, 1);
 
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginRead"), 1);
-    EXPECT_EQ(plant.calls("ArpPlcGds_EndRead"), 1);
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginWrite"), 1);
-    EXPECT_EQ(plant.calls("ArpPlcGds_EndWrite"), 1);
-    EXPECT_EQ(plant.openLocks(), 0);
-    EXPECT_EQ(plant.unmatchedEnds(), 0);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginRead"), 1);
+    EXPECT_EQ(station.calls("ArpPlcGds_EndRead"), 1);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginWrite"), 1);
+    EXPECT_EQ(station.calls("ArpPlcGds_EndWrite"), 1);
+    EXPECT_EQ(station.openLocks(), 0);
+    EXPECT_EQ(station.unmatchedEnds(), 0);
 }
 
 TEST(DigitalModule, TheModuleAtPosition3UsesTheThirdModulesBytes) {
-    auto plant =
-        vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::DI8_DO8, vplc::Module::DI8_DO8});
-    setInputByteInGds(plant, 3, 0x04);
+    auto station =
+        vplc::Station::of({vplc::Module::DI8_DO8, vplc::Module::DI8_DO8, vplc::Module::DI8_DO8});
+    setInputByteInGds(station, 3, 0x04);
     AXL_F_DI8_1_DO8_1 module(3);
 
     module.writeDigital(1, 1);
 
     EXPECT_EQ(module.readDigital(2), 1);
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x00}));
-    EXPECT_EQ(plant.outputsInGds(2), bytes({0x00}));
-    EXPECT_EQ(plant.outputsInGds(3), bytes({0x02}));
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x00}));
+    EXPECT_EQ(station.outputsInGds(2), bytes({0x00}));
+    EXPECT_EQ(station.outputsInGds(3), bytes({0x02}));
 }
 
 TEST(DigitalModule, AcquiresBothFrameBuffersAndReleasesThemWhenDestroyed) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     {
         AXL_F_DI8_1_DO8_1 module(1);
-        EXPECT_EQ(plant.buffersHeld(), 2);
+        EXPECT_EQ(station.buffersHeld(), 2);
     }
-    EXPECT_EQ(plant.buffersHeld(), 0);
-    EXPECT_EQ(plant.calls("ArpPlcIo_ReleaseGdsBuffer"), 2);
+    EXPECT_EQ(station.buffersHeld(), 0);
+    EXPECT_EQ(station.calls("ArpPlcIo_ReleaseGdsBuffer"), 2);
 }
 
 TEST(DigitalModule, AFailedBeginWriteLogsAndStillCallsEndWrite) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
     orbel::Recorder recorder;
-    plant.inject("ArpPlcGds_BeginWrite", vplc::Fault::next("frame is busy"));
+    station.inject("ArpPlcGds_BeginWrite", vplc::Fault::next("frame is busy"));
 
     module.writeDigital(3, 1);
 
     EXPECT_EQ(loggedLines(recorder),
               (std::vector<LoggedLine>{
                   {2, "Can't begin write: %s", "Can't begin write: frame is busy"}}));
-    EXPECT_EQ(plant.calls("ArpPlcGds_EndWrite"), 1);
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x00}));
+    EXPECT_EQ(station.calls("ArpPlcGds_EndWrite"), 1);
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x00}));
 }
 
 TEST(DigitalModule, ABitWhoseWriteFailedIsCarriedByTheNextSuccessfulWrite) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
-    plant.inject("ArpPlcGds_BeginWrite", vplc::Fault::next("frame is busy"));
+    station.inject("ArpPlcGds_BeginWrite", vplc::Fault::next("frame is busy"));
     module.writeDigital(3, 1);
 
     module.writeDigital(0, 1);
 
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x09}));
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x09}));
 }
 
 TEST(DigitalModule, AFailedEndWriteIsLoggedAfterTheByteWasStored) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
     orbel::Recorder recorder;
-    plant.inject("ArpPlcGds_EndWrite", vplc::Fault::next("cannot unlock"));
+    station.inject("ArpPlcGds_EndWrite", vplc::Fault::next("cannot unlock"));
 
     module.writeDigital(6, 1);
 
     EXPECT_EQ(loggedLines(recorder),
               (std::vector<LoggedLine>{
                   {2, "Can't unlock buffer: %s", "Can't unlock buffer: cannot unlock"}}));
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x40}));
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x40}));
     // The platform leaves the lock with this thread; the next write's End gives it back.
     module.writeDigital(6, 1);
-    EXPECT_EQ(plant.openLocks(), 0);
+    EXPECT_EQ(station.openLocks(), 0);
 }
 
 TEST(DigitalModule, AFailedBeginReadLogsCallsEndReadAndReadsZero) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
-    setInputByteInGds(plant, 1, 0xFF);
+    setInputByteInGds(station, 1, 0xFF);
     orbel::Recorder recorder;
-    plant.inject("ArpPlcGds_BeginRead", vplc::Fault::next("no data"));
+    station.inject("ArpPlcGds_BeginRead", vplc::Fault::next("no data"));
 
     EXPECT_EQ(module.readDigital(4), 0);
 
     EXPECT_EQ(loggedLines(recorder),
               (std::vector<LoggedLine>{{2, "Can't begin read: %s", "Can't begin read: no data"}}));
-    EXPECT_EQ(plant.calls("ArpPlcGds_EndRead"), 1);
+    EXPECT_EQ(station.calls("ArpPlcGds_EndRead"), 1);
 }
 
 TEST(DigitalModule, AFailedEndReadIsLoggedAndTheValueReadIsStillReturned) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
-    setInputByteInGds(plant, 1, 0x10);
+    setInputByteInGds(station, 1, 0x10);
     orbel::Recorder recorder;
-    plant.inject("ArpPlcGds_EndRead", vplc::Fault::next("cannot unlock"));
+    station.inject("ArpPlcGds_EndRead", vplc::Fault::next("cannot unlock"));
 
     EXPECT_EQ(module.readDigital(4), 1);
 
@@ -195,11 +195,11 @@ TEST(DigitalModule, AFailedEndReadIsLoggedAndTheValueReadIsStillReturned) {
               (std::vector<LoggedLine>{
                   {2, "Can't unlock buffer: %s", "Can't unlock buffer: cannot unlock"}}));
     module.readDigital(4);
-    EXPECT_EQ(plant.openLocks(), 0);
+    EXPECT_EQ(station.openLocks(), 0);
 }
 
 TEST(DigitalModule, AnUnknownPortIsLoggedOncePerLookupAndTheModuleIsStillBuilt) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     orbel::Recorder recorder;
 
     AXL_F_DI8_1_DO8_1 module(2);
@@ -212,25 +212,25 @@ TEST(DigitalModule, AnUnknownPortIsLoggedOncePerLookupAndTheModuleIsStillBuilt) 
                   {2, "Can't get offset to port: %s",
                    "Can't get offset to port: Variable 'Arp.Io.AxlC/1.~DO8' does not exist in "
                    "buffer '1:OUT'"}}));
-    EXPECT_EQ(plant.buffersHeld(), 2);
+    EXPECT_EQ(station.buffersHeld(), 2);
 }
 
 TEST(DigitalModule, PortsThatCouldNotBeFoundAreNeitherReadNorWritten) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
-    setInputByteInGds(plant, 1, 0xFF);
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
+    setInputByteInGds(station, 1, 0xFF);
     AXL_F_DI8_1_DO8_1 module(2);
 
     EXPECT_EQ(module.readDigital(0), 0);
     module.writeDigital(0, 1);
 
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginRead"), 0);
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginWrite"), 0);
-    EXPECT_EQ(plant.outputsInGds(1), bytes({0x00}));
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginRead"), 0);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginWrite"), 0);
+    EXPECT_EQ(station.outputsInGds(1), bytes({0x00}));
 }
 
 TEST(DigitalModule, PinsOutsideTheModuleAreNeitherReadNorWritten) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
-    setInputByteInGds(plant, 1, 0xFF);
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
+    setInputByteInGds(station, 1, 0xFF);
     AXL_F_DI8_1_DO8_1 module(1);
 
     EXPECT_EQ(module.readDigital(8), 0);
@@ -239,23 +239,23 @@ TEST(DigitalModule, PinsOutsideTheModuleAreNeitherReadNorWritten) {
     module.writeDigital(-1, 1);
     module.writeDigital(40, 1);
 
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginRead"), 0);
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginWrite"), 0);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginRead"), 0);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginWrite"), 0);
 }
 
 TEST(DigitalModule, AnalogOperationsReadZeroAndWriteNothing) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
 
     EXPECT_EQ(module.readAnalog(0), 0);
     module.writeAnalog(0, 30000);
 
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginRead"), 0);
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginWrite"), 0);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginRead"), 0);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginWrite"), 0);
 }
 
 TEST(DigitalModule, SupportsDigitalInputsDigitalOutputsAndRestartOnly) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
 
     EXPECT_FALSE(module.isServiceTypeSupported(AnalogIn));
@@ -268,7 +268,7 @@ TEST(DigitalModule, SupportsDigitalInputsDigitalOutputsAndRestartOnly) {
 }
 
 TEST(DigitalModule, Pins0To7AreAvailableAndPin8AndMinus1AreNot) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
 
     for (int pin = 0; pin < 8; ++pin) {
@@ -283,7 +283,7 @@ TEST(DigitalModule, Pins0To7AreAvailableAndPin8AndMinus1AreNot) {
 }
 
 TEST(DigitalModule, TheValidRangeIs0To7ForItsKindsAndEmptyForOthers) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
 
     EXPECT_EQ(module.getValidRange(DigitalIn), "0 - 7");
@@ -292,7 +292,7 @@ TEST(DigitalModule, TheValidRangeIs0To7ForItsKindsAndEmptyForOthers) {
 }
 
 TEST(DigitalModule, RegisteringTheSamePinTwiceSucceedsOnlyTheFirstTime) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
 
     EXPECT_FALSE(module.isServiceAlreadyRegistered(4, DigitalIn));
@@ -302,7 +302,7 @@ TEST(DigitalModule, RegisteringTheSamePinTwiceSucceedsOnlyTheFirstTime) {
 }
 
 TEST(DigitalModule, AnInputAndAnOutputOnTheSamePinAreIndependent) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
 
     EXPECT_TRUE(module.registerService(4, DigitalIn));
@@ -312,7 +312,7 @@ TEST(DigitalModule, AnInputAndAnOutputOnTheSamePinAreIndependent) {
 }
 
 TEST(DigitalModule, UnavailablePinsAndRestartNeverCountAsTakenAndCannotBeRegistered) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     AXL_F_DI8_1_DO8_1 module(1);
     orbel::Recorder recorder;
 

@@ -14,7 +14,7 @@
 #include "hosting/FloatBytes.h"
 #include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 using hosting::DriverConfig;
@@ -54,8 +54,8 @@ TEST_F(LoadedDriverLibrary, OffersTheFactoryAndTheRuntimeEntryButNothingOfItsIns
 TEST_F(LoadedDriverLibrary, ADriverMadeThroughTheFactoryServesTheDigitalModule) {
     DriverRig rig({vplc::Module::DI8_DO8});
     auto& recorder = rig.recorder();
-    auto& plant = rig.plant();
-    plant.setDigitalInputs(1, 0x08);
+    auto& station = rig.station();
+    station.setDigitalInputs(1, 0x08);
 
     CSI_base& owned = rig.create(
         DriverConfig::digital().serviceName("IO9").digitalIn(10, "3").digitalOut(20, "6", "0"),
@@ -65,9 +65,9 @@ TEST_F(LoadedDriverLibrary, ADriverMadeThroughTheFactoryServesTheDigitalModule) 
     rig.clock().settle();
 
     host::deliver(owned, 20, {1});
-    EXPECT_EQ(plant.digitalOutputsOnBus(1), 0x40);
+    EXPECT_EQ(station.digitalOutputsOnBus(1), 0x40);
 
-    plant.setDigitalInput(1, 3, false);
+    station.setDigitalInput(1, 3, false);
     rig.clock().runFor(150ms);
 
     const auto published = recorder.published(driver);
@@ -81,22 +81,22 @@ TEST_F(LoadedDriverLibrary, ADriverMadeThroughTheFactoryServesTheDigitalModule) 
     EXPECT_TRUE(recorder.stops().empty());
 
     rig.destroy();
-    EXPECT_EQ(plant.buffersHeld(), 0);
+    EXPECT_EQ(station.buffersHeld(), 0);
 }
 
 TEST_F(LoadedDriverLibrary, ADriverMadeThroughTheFactoryServesTheAnalogModule) {
     DriverRig rig({vplc::Module::AI2_AO2});
-    auto& plant = rig.plant();
-    plant.setAnalogInput(1, 1, 15000);
+    auto& station = rig.station();
+    station.setAnalogInput(1, 1, 15000);
 
     CSI_base& driver = rig.create(DriverConfig::analog().analogIn(11, "1").analogOut(21, "0", "1"),
                                   library_->factory());
     host::initialize(driver);
     rig.clock().settle();
-    EXPECT_EQ(plant.analogOutputOnBus(1, 0), 3000);
+    EXPECT_EQ(station.analogOutputOnBus(1, 0), 3000);
 
     host::deliver(driver, 21, floatBytes(10.0f));
-    EXPECT_EQ(plant.analogOutputOnBus(1, 0), 30000);
+    EXPECT_EQ(station.analogOutputOnBus(1, 0), 30000);
 
     const auto published = rig.recorder().published(&driver);
     ASSERT_EQ(published.size(), 1u);
@@ -116,7 +116,7 @@ TEST_F(LoadedDriverLibrary, ARefusedConfigurationIsReportedToTheHost) {
     ASSERT_EQ(stops.size(), 1u);
     EXPECT_EQ(stops[0].message, "Unsupported service type.");
     rig.destroy();
-    EXPECT_EQ(rig.plant().buffersHeld(), 0);
+    EXPECT_EQ(rig.station().buffersHeld(), 0);
 }
 
 TEST_F(LoadedDriverLibrary, TheFactorysNumberErrorsReachTheHost) {

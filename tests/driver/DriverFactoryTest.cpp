@@ -12,7 +12,7 @@
 #include "hosting/HostCalls.h"
 #include "hosting/LoggedLine.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace host = hosting::host;
 using hosting::DriverConfig;
@@ -132,14 +132,14 @@ TEST(DriverFactory, TheVersionLineCarriesWhateverServiceTextTheHostGives) {
 }
 
 TEST(DriverFactory, ConstructionTouchesNoHardwareAndStartsNoThread) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     orbel::Recorder recorder;
 
     auto driver = host::create(DriverConfig::digital().digitalIn(10, "1").digitalOut(20, "2", "1"));
 
-    EXPECT_EQ(plant.calls("ArpPlcIo_GetBufferPtrByBufferID"), 0);
-    EXPECT_EQ(plant.calls("ArpPlcAxio_ReadFromAxioToGds"), 0);
-    EXPECT_EQ(plant.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
+    EXPECT_EQ(station.calls("ArpPlcIo_GetBufferPtrByBufferID"), 0);
+    EXPECT_EQ(station.calls("ArpPlcAxio_ReadFromAxioToGds"), 0);
+    EXPECT_EQ(station.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
     EXPECT_TRUE(recorder.threadStarts().empty());
     EXPECT_TRUE(recorder.stops().empty());
 }

@@ -13,7 +13,7 @@
 #include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
 #include "orbel/StopFlag.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 using hosting::DriverPtr;
@@ -44,7 +44,7 @@ protected:
     DriverRig rig_;
     orbel::Recorder& recorder_ = rig_.recorder();
     vplc::VirtualClock& clock_ = rig_.clock();
-    vplc::Plant& plant_ = rig_.plant();
+    vplc::Station& station_ = rig_.station();
 };
 
 }  // namespace
@@ -55,9 +55,9 @@ TEST_F(DriverInitialisation, AnEmptyServiceTableCreatesTheModuleCopiesTheImagesA
     initialize(*driver);
 
     EXPECT_NE(driver->module(), nullptr);
-    EXPECT_EQ(plant_.buffersHeld(), 2);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_ReadFromAxioToGds"), 1);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
+    EXPECT_EQ(station_.buffersHeld(), 2);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_ReadFromAxioToGds"), 1);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
     EXPECT_EQ(recorder_.threadStarts(driver.get()).size(), 1u);
     EXPECT_TRUE(recorder_.stops().empty());
     EXPECT_EQ(clock_.heldThreads(), 1);
@@ -68,7 +68,7 @@ TEST_F(DriverInitialisation, TheInitialOutputValuesReachTheBusWhenInitialisation
 
     initialize(*driver);
 
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x24);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x24);
 }
 
 TEST_F(DriverInitialisation, TheAnalogModuleIsCreatedForItsDeviceType) {
@@ -76,7 +76,7 @@ TEST_F(DriverInitialisation, TheAnalogModuleIsCreatedForItsDeviceType) {
 
     initialize(*driver);
 
-    EXPECT_EQ(plant_.analogOutputOnBus(2, 1), 30000);
+    EXPECT_EQ(station_.analogOutputOnBus(2, 1), 30000);
     EXPECT_TRUE(recorder_.stops().empty());
 }
 
@@ -94,7 +94,7 @@ TEST_F(DriverInitialisation, AnUnsupportedFirstServiceStopsTheDriverBeforeTheSec
     EXPECT_TRUE(driver->digitalInputs().empty());
     EXPECT_TRUE(driver->analogInputs().empty());
     EXPECT_FALSE(driver->module()->isServiceAlreadyRegistered(0, DigitalIn));
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
     EXPECT_TRUE(recorder_.threadStarts().empty());
     EXPECT_TRUE(recorder_.logs(driver.get()).empty());
 }
@@ -145,7 +145,7 @@ TEST_F(DriverInitialisation, ARefusalOfTheThirdOfFiveServicesKeepsTheFirstTwoAnd
     EXPECT_EQ(driver->digitalInputs().count(0), 1u);
     EXPECT_EQ(driver->digitalInputs().count(1), 1u);
     EXPECT_TRUE(driver->outputs().empty());
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
     EXPECT_TRUE(recorder_.threadStarts().empty());
 }
 
@@ -191,8 +191,8 @@ TEST_F(DriverInitialisationOnAHostThatLeavesTheStopFlag, ARefusedPinServiceIsFol
     EXPECT_EQ(driver->digitalInputs().count(1), 1u);
     ASSERT_EQ(driver->outputs().count(0), 1u);
     EXPECT_EQ(driver->outputs().at(0).nEventId, 3u);
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x01);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x01);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
     EXPECT_EQ(recorder_.threadStarts(driver.get()).size(), 1u);
 }
 
@@ -206,7 +206,7 @@ TEST_F(DriverInitialisationOnAHostThatLeavesTheStopFlag, AnUnsupportedServiceSti
     ASSERT_EQ(stops.size(), 1u);
     EXPECT_EQ(stops[0].message, "Unsupported service type.");
     EXPECT_EQ(driver->digitalInputs().size(), 1u);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
     EXPECT_TRUE(recorder_.threadStarts().empty());
 }
 
@@ -216,8 +216,8 @@ TEST_F(DriverInitialisation, AnUnknownDeviceTypeWithoutServicesStartsWithoutAMod
     initialize(*driver);
 
     EXPECT_EQ(driver->module(), nullptr);
-    EXPECT_EQ(plant_.buffersHeld(), 0);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
+    EXPECT_EQ(station_.buffersHeld(), 0);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
     EXPECT_EQ(recorder_.threadStarts(driver.get()).size(), 1u);
     EXPECT_EQ(clock_.releaseScan(), 1);
     clock_.runFor(std::chrono::milliseconds(250));
@@ -248,7 +248,7 @@ TEST_F(DriverInitialisation, AnExceptionFromARegistrationLeavesInitialiseAndKeep
     EXPECT_TRUE(driver->restartEventIds().empty());
     EXPECT_TRUE(recorder_.stops().empty());
     EXPECT_TRUE(recorder_.threadStarts().empty());
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
 }
 
 TEST_F(DriverInitialisation, ASecondInitialisationMakesASecondModuleAndLeavesTheFirst) {
@@ -259,9 +259,9 @@ TEST_F(DriverInitialisation, ASecondInitialisationMakesASecondModuleAndLeavesThe
     initialize(*driver);
 
     EXPECT_NE(driver->module(), first.get());
-    EXPECT_EQ(plant_.buffersHeld(), 4);
+    EXPECT_EQ(station_.buffersHeld(), 4);
     first.reset();
-    EXPECT_EQ(plant_.buffersHeld(), 2);
+    EXPECT_EQ(station_.buffersHeld(), 2);
 }
 
 TEST_F(DriverInitialisation, DestroyingAStoppedDriverReleasesItsModuleAndWritesNothing) {
@@ -271,26 +271,26 @@ TEST_F(DriverInitialisation, DestroyingAStoppedDriverReleasesItsModuleAndWritesN
 
     driver.reset();
 
-    EXPECT_EQ(plant_.buffersHeld(), 0);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x00);
+    EXPECT_EQ(station_.buffersHeld(), 0);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x00);
 }
 
 TEST_F(DriverInitialisation, DestroyingARunningDriverReleasesItsModuleAndWritesNothing) {
     auto driver = make(DriverConfig::digital().digitalOut(1, "0", "1"));
     initialize(*driver);
-    ASSERT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
+    ASSERT_EQ(station_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
 
     driver.reset();
 
-    EXPECT_EQ(plant_.buffersHeld(), 0);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
+    EXPECT_EQ(station_.buffersHeld(), 0);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_WriteFromGdsToAxio"), 1);
 }
 
 TEST_F(DriverInitialisation, ADigitalOutputWriteChangesOnlyItsModulesOutputByteInTheFrame) {
     auto analog = make(DriverConfig::analog(2).analogOut(30, "0", "10"));
     initialize(*analog);
-    auto expected = plant_.frameBytes(vplc::Frame::Out);
+    auto expected = station_.frameBytes(vplc::Frame::Out);
     // The digital module's output byte follows the 2-byte status word; a byte of padding follows
     // it. A digital input on pin 0 marks that pin taken, right behind the output state in memory.
     expected[2] = 0x02;
@@ -298,6 +298,6 @@ TEST_F(DriverInitialisation, ADigitalOutputWriteChangesOnlyItsModulesOutputByteI
 
     initialize(*digital);
 
-    EXPECT_EQ(plant_.frameBytes(vplc::Frame::Out), expected);
-    EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 30000);
+    EXPECT_EQ(station_.frameBytes(vplc::Frame::Out), expected);
+    EXPECT_EQ(station_.analogOutputOnBus(2, 0), 30000);
 }

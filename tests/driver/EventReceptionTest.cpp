@@ -13,8 +13,8 @@
 #include "hosting/HostCalls.h"
 #include "modules/AXL_F_DI8_1_DO8_1.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
 #include "vplc/Runtime.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 using drivertest::combinedModule;
@@ -61,19 +61,19 @@ protected:
         host::initialize(*driver_);
         clock_.settle();
         EXPECT_TRUE(recorder_.stops().empty());
-        busCopiesAtStart_ = plant_.calls("ArpPlcAxio_WriteFromGdsToAxio");
+        busCopiesAtStart_ = station_.calls("ArpPlcAxio_WriteFromGdsToAxio");
         return *driver_;
     }
 
     int busCopies() const {
-        return plant_.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesAtStart_;
+        return station_.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesAtStart_;
     }
 
     // The rig's recorder, clock and bus; the test holds its own driver, made directly.
     DriverRig rig_;
     orbel::Recorder& recorder_ = rig_.recorder();
     vplc::VirtualClock& clock_ = rig_.clock();
-    vplc::Plant& plant_ = rig_.plant();
+    vplc::Station& station_ = rig_.station();
     DriverPtr<ExposedDriver> driver_;
     int busCopiesAtStart_ = 0;
 };
@@ -90,7 +90,7 @@ TEST_F(EventReception, ANullPayloadIsReportedOnceAndNothingIsWrittenOrCopied) {
     EXPECT_FALSE(stops[0].hasService);
     EXPECT_EQ(stops[0].message, "Null data pointer");
     EXPECT_EQ(busCopies(), 0);
-    EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 1);
+    EXPECT_EQ(station_.calls("ArpPlcGds_BeginWrite"), 1);
 }
 
 TEST_F(EventReception, ADigitalEventSwitchesItsPinAndCopiesTheOutputsToTheBus) {
@@ -98,12 +98,12 @@ TEST_F(EventReception, ADigitalEventSwitchesItsPinAndCopiesTheOutputsToTheBus) {
 
     host::deliver(driver, 20, {1});
 
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x04);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x04);
     EXPECT_EQ(busCopies(), 1);
     EXPECT_TRUE(recorder_.stops().empty());
 
     host::deliver(driver, 20, {0});
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x00);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x00);
     EXPECT_EQ(busCopies(), 2);
 }
 
@@ -119,7 +119,7 @@ TEST_F(EventReception, TwoDigitalOutputsOfOneEventBothReceiveTheByteLowerPinFirs
     host::deliver(*driver_, 20, {1});
 
     EXPECT_EQ(module->writes, (std::vector<std::pair<int, unsigned char>>{{2, 1}, {6, 1}}));
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x44);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x44);
     EXPECT_EQ(busCopies(), 1);
 }
 
@@ -128,7 +128,7 @@ TEST_F(EventReception, OnlyTheFirstPayloadByteOfADigitalEventIsUsed) {
 
     host::deliver(driver, 20, {1, 0xFE, 0xFF});
 
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x08);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x08);
 }
 
 TEST_F(EventReception, AnAnalogEventIsConvertedToItsWordAndWritten) {
@@ -136,8 +136,8 @@ TEST_F(EventReception, AnAnalogEventIsConvertedToItsWordAndWritten) {
 
     host::deliver(driver, 21, floatBytes(1.23456f));
 
-    EXPECT_EQ(plant_.analogOutputOnBus(2, 1), 3703);
-    EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 0);
+    EXPECT_EQ(station_.analogOutputOnBus(2, 1), 3703);
+    EXPECT_EQ(station_.analogOutputOnBus(2, 0), 0);
     EXPECT_EQ(busCopies(), 1);
 }
 
@@ -147,7 +147,7 @@ TEST_F(EventReception, AnAnalogEventAlwaysTakesFourBytesWhateverItsSizeSays) {
 
     host::deliver(driver, 21, payload, 1);
 
-    EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 30000);
+    EXPECT_EQ(station_.analogOutputOnBus(2, 0), 30000);
 }
 
 TEST_F(EventReception, AnEventBoundToAnAnalogAndADigitalPinFeedsEachAsItsKind) {
@@ -160,12 +160,12 @@ TEST_F(EventReception, AnEventBoundToAnAnalogAndADigitalPinFeedsEachAsItsKind) {
     // The digital pin takes the first payload byte, which for 1.0f in the controller's
     // little-endian order is 0x00, so the pin that was switched on goes off.
     host::deliver(*driver_, 30, {0x01, 0x00, 0x00, 0x00});
-    ASSERT_EQ(plant_.digitalOutputsOnBus(1), 0x01);
+    ASSERT_EQ(station_.digitalOutputsOnBus(1), 0x01);
 
     host::deliver(*driver_, 30, floatBytes(1.0f));
 
-    EXPECT_EQ(plant_.analogOutputOnBus(2, 1), 3000);
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x00);
+    EXPECT_EQ(station_.analogOutputOnBus(2, 1), 3000);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x00);
     EXPECT_EQ(busCopies(), 2);
 }
 
@@ -200,7 +200,7 @@ TEST_F(EventReception, AnUnknownEventIsReportedAndStillFollowedByOneBusCopy) {
     EXPECT_FALSE(stops[0].hasService);
     EXPECT_EQ(stops[0].message, "Unsubscribed event received");
     EXPECT_EQ(busCopies(), 1);
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x00);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x00);
     EXPECT_EQ(vplc::Runtime::restarts(), 0);
 }
 
@@ -210,14 +210,14 @@ TEST_F(EventReception, AnIdOfBothAnOutputAndARestartServiceWritesTheOutputAndNev
 
     host::deliver(driver, 40, {1});
 
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x02);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x02);
     EXPECT_EQ(vplc::Runtime::restarts(), 0);
     EXPECT_EQ(busCopies(), 1);
 }
 
 TEST_F(EventReception, AFailedModuleWriteIsFollowedByTheBusCopyAsUsual) {
     auto& driver = start(DriverConfig::digital().digitalOut(20, "1", "0"));
-    plant_.inject("ArpPlcGds_BeginWrite", vplc::Fault::next("frame is busy"));
+    station_.inject("ArpPlcGds_BeginWrite", vplc::Fault::next("frame is busy"));
 
     host::deliver(driver, 20, {1});
 
@@ -230,13 +230,13 @@ TEST_F(EventReception, AFailedModuleWriteIsFollowedByTheBusCopyAsUsual) {
 
 TEST_F(EventReception, AFailedBusCopyIsIgnored) {
     auto& driver = start(DriverConfig::digital().digitalOut(20, "1", "0"));
-    plant_.inject("ArpPlcAxio_WriteFromGdsToAxio", vplc::Fault::next("bus busy"));
+    station_.inject("ArpPlcAxio_WriteFromGdsToAxio", vplc::Fault::next("bus busy"));
 
     host::deliver(driver, 20, {1});
 
     EXPECT_TRUE(recorder_.logs(&driver).empty());
     EXPECT_TRUE(recorder_.stops().empty());
-    EXPECT_EQ(plant_.outputsInGds(1), std::vector<uint8_t>{0x02});
+    EXPECT_EQ(station_.outputsInGds(1), std::vector<uint8_t>{0x02});
 }
 
 TEST_F(EventReception, EventsReachTheDriverDirectlyThroughItsHostBase) {
@@ -249,5 +249,5 @@ TEST_F(EventReception, EventsReachTheDriverDirectlyThroughItsHostBase) {
 
     static_cast<CSI_base&>(driver).onReceiveEvent(event);
 
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x80);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x80);
 }

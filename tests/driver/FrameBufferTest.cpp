@@ -10,7 +10,7 @@
 #include "gds/IOFrameBuffer.h"
 #include "hosting/LoggedLine.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 using hosting::LoggedLine;
 using hosting::loggedLines;
@@ -33,20 +33,20 @@ TEST(FrameBuffer, TheExtremeModuleNumbersGiveTheirPositionWithoutOverflow) {
 }
 
 TEST(FrameBuffer, AcquiresTheNamedBufferAndReleasesItWhenDestroyed) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     orbel::Recorder recorder;
     {
         gds::IOFrameBuffer buffer("1:IN");
-        EXPECT_EQ(plant.buffersHeld(), 1);
-        EXPECT_EQ(plant.calls("ArpPlcIo_GetBufferPtrByBufferID"), 1);
+        EXPECT_EQ(station.buffersHeld(), 1);
+        EXPECT_EQ(station.calls("ArpPlcIo_GetBufferPtrByBufferID"), 1);
     }
-    EXPECT_EQ(plant.buffersHeld(), 0);
-    EXPECT_EQ(plant.calls("ArpPlcIo_ReleaseGdsBuffer"), 1);
+    EXPECT_EQ(station.buffersHeld(), 0);
+    EXPECT_EQ(station.calls("ArpPlcIo_ReleaseGdsBuffer"), 1);
     EXPECT_TRUE(recorder.logs().empty());
 }
 
 TEST(FrameBuffer, AFailedAcquisitionIsLoggedAndReleaseIsStillAttempted) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     orbel::Recorder recorder;
     {
         gds::IOFrameBuffer buffer("1:SIDEWAYS");
@@ -57,7 +57,7 @@ TEST(FrameBuffer, AFailedAcquisitionIsLoggedAndReleaseIsStillAttempted) {
                        "in I/O system 'Arp.Io.AxlC'"}}));
         recorder.clear();
     }
-    EXPECT_EQ(plant.calls("ArpPlcIo_ReleaseGdsBuffer"), 1);
+    EXPECT_EQ(station.calls("ArpPlcIo_ReleaseGdsBuffer"), 1);
     EXPECT_EQ(
         loggedLines(recorder),
         (std::vector<LoggedLine>{{2, "Can't release buffer: %s",
@@ -66,11 +66,11 @@ TEST(FrameBuffer, AFailedAcquisitionIsLoggedAndReleaseIsStillAttempted) {
 }
 
 TEST(FrameBuffer, AFailedReleaseIsLogged) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     orbel::Recorder recorder;
     {
         gds::IOFrameBuffer buffer("1:OUT");
-        plant.inject("ArpPlcIo_ReleaseGdsBuffer", vplc::Fault::next("still in use"));
+        station.inject("ArpPlcIo_ReleaseGdsBuffer", vplc::Fault::next("still in use"));
     }
     EXPECT_EQ(loggedLines(recorder),
               (std::vector<LoggedLine>{
@@ -78,17 +78,17 @@ TEST(FrameBuffer, AFailedReleaseIsLogged) {
 }
 
 TEST(FrameBuffer, TheOffsetOfAKnownVariableIsThePlatformsOffset) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
     gds::IOFrameBuffer buffer("1:IN");
 
     EXPECT_EQ(buffer.offset("Arp.Io.AxlC/1.~AI32"),
-              static_cast<int>(plant.variableOffset("Arp.Io.AxlC/1.~AI32").value()));
+              static_cast<int>(station.variableOffset("Arp.Io.AxlC/1.~AI32").value()));
     EXPECT_EQ(buffer.offset(1, "DI8"),
-              static_cast<int>(plant.variableOffset("Arp.Io.AxlC/0.~DI8").value()));
+              static_cast<int>(station.variableOffset("Arp.Io.AxlC/0.~DI8").value()));
 }
 
 TEST(FrameBuffer, AnUnknownVariableIsLoggedAndHasTheInvalidOffset) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     gds::IOFrameBuffer buffer("1:IN");
     orbel::Recorder recorder;
 
@@ -103,9 +103,9 @@ TEST(FrameBuffer, AnUnknownVariableIsLoggedAndHasTheInvalidOffset) {
 }
 
 TEST(FrameBuffer, TheInvalidOffsetIsNeitherLockedNorReadNorWritten) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     gds::IOFrameBuffer buffer("1:OUT");
-    const auto before = plant.frameBytes(vplc::Frame::Out);
+    const auto before = station.frameBytes(vplc::Frame::Out);
     uint8_t target[2] = {0xAA, 0xBB};
     const uint8_t source[2] = {0x11, 0x22};
 
@@ -114,43 +114,43 @@ TEST(FrameBuffer, TheInvalidOffsetIsNeitherLockedNorReadNorWritten) {
 
     EXPECT_EQ(target[0], 0);
     EXPECT_EQ(target[1], 0);
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginRead"), 0);
-    EXPECT_EQ(plant.calls("ArpPlcGds_BeginWrite"), 0);
-    EXPECT_EQ(plant.frameBytes(vplc::Frame::Out), before);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginRead"), 0);
+    EXPECT_EQ(station.calls("ArpPlcGds_BeginWrite"), 0);
+    EXPECT_EQ(station.frameBytes(vplc::Frame::Out), before);
 }
 
 TEST(FrameBuffer, AFailedBeginReadStillCallsEndReadAndGivesZeros) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
-    plant.setFrameBytes(vplc::Frame::In, 2, {0x12, 0x34});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
+    station.setFrameBytes(vplc::Frame::In, 2, {0x12, 0x34});
     gds::IOFrameBuffer buffer("1:IN");
-    plant.inject("ArpPlcGds_BeginRead", vplc::Fault::next("no data"));
+    station.inject("ArpPlcGds_BeginRead", vplc::Fault::next("no data"));
     uint8_t target[2] = {0xAA, 0xBB};
 
     buffer.read(2, target, sizeof target);
 
     EXPECT_EQ(target[0], 0);
     EXPECT_EQ(target[1], 0);
-    EXPECT_EQ(plant.calls("ArpPlcGds_EndRead"), 1);
+    EXPECT_EQ(station.calls("ArpPlcGds_EndRead"), 1);
 }
 
 TEST(FrameBuffer, AFailedBeginWriteStillCallsEndWriteAndWritesNothing) {
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
+    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
     gds::IOFrameBuffer buffer("1:OUT");
-    const auto before = plant.frameBytes(vplc::Frame::Out);
-    plant.inject("ArpPlcGds_BeginWrite", vplc::Fault::next("frame is busy"));
+    const auto before = station.frameBytes(vplc::Frame::Out);
+    station.inject("ArpPlcGds_BeginWrite", vplc::Fault::next("frame is busy"));
     const uint8_t source[2] = {0x11, 0x22};
 
     buffer.write(2, source, sizeof source);
 
-    EXPECT_EQ(plant.calls("ArpPlcGds_EndWrite"), 1);
-    EXPECT_EQ(plant.frameBytes(vplc::Frame::Out), before);
+    EXPECT_EQ(station.calls("ArpPlcGds_EndWrite"), 1);
+    EXPECT_EQ(station.frameBytes(vplc::Frame::Out), before);
 }
 
 TEST(FrameBuffer, AnEmptyErrorTextGivesAMessageEndingInColonAndBlank) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     gds::IOFrameBuffer buffer("1:IN");
     orbel::Recorder recorder;
-    plant.inject("ArpPlcGds_BeginRead", vplc::Fault::next(""));
+    station.inject("ArpPlcGds_BeginRead", vplc::Fault::next(""));
     uint8_t target = 0;
 
     buffer.read(2, &target, 1);
@@ -160,10 +160,10 @@ TEST(FrameBuffer, AnEmptyErrorTextGivesAMessageEndingInColonAndBlank) {
 }
 
 TEST(FrameBuffer, AnErrorTextLongerThan1023CharactersIsCutTo1023) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     gds::IOFrameBuffer buffer("1:IN");
     const std::string longText(1500, 'x');
-    plant.inject("ArpPlcGds_GetVariableOffset", vplc::Fault::next(longText));
+    station.inject("ArpPlcGds_GetVariableOffset", vplc::Fault::next(longText));
     orbel::Recorder recorder;
     buffer.offset("Arp.Io.AxlC/0.~DI8");
 
@@ -173,14 +173,14 @@ TEST(FrameBuffer, AnErrorTextLongerThan1023CharactersIsCutTo1023) {
 }
 
 TEST(FrameBuffer, TheLastErrorIsEmptyWhenThePlatformReportsNone) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
 
     EXPECT_EQ(axioline::getLastError(), "");
 }
 
 TEST(FrameBuffer, TheLastErrorIsThePlatformsText) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
-    plant.inject("ArpPlcGds_GetVariableOffset", vplc::Fault::next("lookup failed"));
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
+    station.inject("ArpPlcGds_GetVariableOffset", vplc::Fault::next("lookup failed"));
     gds::IOFrameBuffer buffer("1:IN");
     size_t offset = 0;
     ASSERT_FALSE(ArpPlcGds_GetVariableOffset(nullptr, "x", &offset));

@@ -14,7 +14,7 @@
 #include "modules/AXL_F_AI2_AO2.h"
 #include "modules/AXL_F_DI8_1_DO8_1.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 using hosting::DriverPtr;
@@ -127,7 +127,7 @@ protected:
     DriverRig rig_;
     orbel::Recorder& recorder_ = rig_.recorder();
     vplc::VirtualClock& clock_ = rig_.clock();
-    vplc::Plant& plant_ = rig_.plant();
+    vplc::Station& station_ = rig_.station();
     DriverPtr<ExposedDriver> driver_;
 };
 
@@ -211,7 +211,7 @@ TEST_F(PinRegistration, DigitalOutputPin8IsNotAvailableOnTheDigitalModule) {
                            "0 - 7."}}));
     EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid digital output pin number."});
     EXPECT_TRUE(driver.outputs().empty());
-    EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 0);
+    EXPECT_EQ(station_.calls("ArpPlcGds_BeginWrite"), 0);
 }
 
 TEST_F(PinRegistration, AnalogInputPin2IsNotAvailableOnTheAnalogModule) {
@@ -348,7 +348,7 @@ TEST_F(PinRegistration, ADigitalOutputWithoutInitValThrowsBeforeTheModuleIsAsked
     }
 
     EXPECT_FALSE(driver_->module()->isServiceAlreadyRegistered(3, DigitalOut));
-    EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 0);
+    EXPECT_EQ(station_.calls("ArpPlcGds_BeginWrite"), 0);
     EXPECT_TRUE(driver_->outputs().empty());
     EXPECT_EQ(driver_->hostServices().at(1).mapParams.count("InitVal"), 0u);
 }
@@ -385,35 +385,35 @@ TEST_F(PinRegistration, AnInvalidInitValThrowsEvenForAPinThatIsNotAvailable) {
 
 TEST_F(PinRegistration, InitVal1SwitchesADigitalOutputOn) {
     initialize(DriverConfig::digital().digitalOut(1, "6", "1"));
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x40);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x40);
 }
 
 TEST_F(PinRegistration, InitVal256WritesTheLow8BitsWhichAre0) {
     initialize(DriverConfig::digital().digitalOut(1, "0", "256"));
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x00);
-    EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 1);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x00);
+    EXPECT_EQ(station_.calls("ArpPlcGds_BeginWrite"), 1);
 }
 
 TEST_F(PinRegistration, InitValMinus1Writes255) {
     // The module's set-or-clear rule makes 255 set pin 0 and clear every other pin; a value of 1
     // would have set pin 2 as well.
     initialize(DriverConfig::digital().digitalOut(1, "0", "-1").digitalOut(2, "2", "-1"));
-    EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x01);
+    EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x01);
 }
 
 TEST_F(PinRegistration, AnAnalogInitVal1Writes3000) {
     initialize(DriverConfig::analog(2).analogOut(1, "1", "1"));
-    EXPECT_EQ(plant_.analogOutputOnBus(2, 1), 3000);
+    EXPECT_EQ(station_.analogOutputOnBus(2, 1), 3000);
 }
 
 TEST_F(PinRegistration, AnAnalogInitVal10Writes30000) {
     initialize(DriverConfig::analog(2).analogOut(1, "0", "10"));
-    EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 30000);
+    EXPECT_EQ(station_.analogOutputOnBus(2, 0), 30000);
 }
 
 TEST_F(PinRegistration, AnAnalogInitVal1Point5IsTakenAs1) {
     initialize(DriverConfig::analog(2).analogOut(1, "0", "1.5"));
-    EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 3000);
+    EXPECT_EQ(station_.analogOutputOnBus(2, 0), 3000);
 }
 
 TEST_F(PinRegistration, ADigitalOutputOnPin2IsRegisteredWithType3) {
@@ -473,7 +473,7 @@ TEST_F(PinRegistration, AModuleRefusingADigitalOutputGetsNoInitialWriteAndNoEntr
     EXPECT_EQ(stopMessages(),
               std::vector<std::string>{"Could not register service for digital output pin."});
     EXPECT_TRUE(driver.outputs().empty());
-    EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 0);
+    EXPECT_EQ(station_.calls("ArpPlcGds_BeginWrite"), 0);
 }
 
 TEST_F(PinRegistration, AModuleRefusingAnAnalogOutputGetsNoInitialWriteAndNoEntry) {
@@ -484,7 +484,7 @@ TEST_F(PinRegistration, AModuleRefusingAnAnalogOutputGetsNoInitialWriteAndNoEntr
     EXPECT_EQ(stopMessages(),
               std::vector<std::string>{"Can't register service for analog output pin"});
     EXPECT_TRUE(driver.outputs().empty());
-    EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 0);
+    EXPECT_EQ(station_.calls("ArpPlcGds_BeginWrite"), 0);
 }
 
 TEST_F(PinRegistration, ALaterDigitalInputOnAPinReplacesTheEarlierRecord) {
@@ -512,5 +512,5 @@ TEST_F(PinRegistration, ALaterOutputOnAPinTakesOverItsEntry) {
 
     EXPECT_TRUE(outputBound(0, 2, AnalogOut));
     EXPECT_EQ(driver.outputs().size(), 1u);
-    EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 3000);
+    EXPECT_EQ(station_.analogOutputOnBus(2, 0), 3000);
 }

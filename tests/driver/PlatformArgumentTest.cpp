@@ -13,8 +13,8 @@
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverRig.h"
 #include "hosting/HostCalls.h"
-#include "vplc/Plant.h"
 #include "vplc/Runtime.h"
+#include "vplc/Station.h"
 
 using testsupport::ExposedDriver;
 using namespace hosting;
@@ -111,7 +111,7 @@ TEST(PlatformArguments, TheHostKeepsTheArgumentItsThreadBaseIsMadeWith) {
 }
 
 TEST(PlatformArguments, TheDriverMakesItsThreadBaseWithArgument0) {
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     const ExposedDriver driver(DriverConfig::digital());
     // A C-style cast, because the thread base is private.
     const auto& thread = (const CPosixThread&)driver;

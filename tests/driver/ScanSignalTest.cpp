@@ -17,7 +17,7 @@
 #include "hosting/HostCalls.h"
 #include "orbel/HostObserver.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace host = hosting::host;
 using hosting::DriverConfig;
@@ -40,7 +40,9 @@ int64_t monotonicNanoseconds() {
 // every pass of the scan publishes once: the publication times are the scan times.
 class FlippingObserver final : public orbel::HostObserver {
 public:
-    explicit FlippingObserver(vplc::Plant& plant) : plant_(plant) { orbel::addObserver(*this); }
+    explicit FlippingObserver(vplc::Station& station) : station_(station) {
+        orbel::addObserver(*this);
+    }
     ~FlippingObserver() override { orbel::removeObserver(*this); }
 
     std::vector<int64_t> times() const {
@@ -54,14 +56,14 @@ public:
             std::lock_guard lock(mutex_);
             times_.push_back(monotonicNanoseconds());
         }
-        plant_.setDigitalInput(1, 0, payload.empty() || payload[0] == 0);
+        station_.setDigitalInput(1, 0, payload.empty() || payload[0] == 0);
     }
     void stopped(const CSI_base*, const stServiceParams_t*, std::string_view) override {}
     void threadStarted(const CSI_base*) override {}
     void threadEnded(const CSI_base*, std::string_view) override {}
 
 private:
-    vplc::Plant& plant_;
+    vplc::Station& station_;
     mutable std::mutex mutex_;
     std::vector<int64_t> times_;
 };
@@ -76,9 +78,9 @@ TEST(ScanInRealTime, ASignalDuringThePauseDoesNotShortenIt) {
     struct sigaction previous {};
     ASSERT_EQ(sigaction(SIGUSR1, &action, &previous), 0);
 
-    auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
+    auto station = vplc::Station::of({vplc::Module::DI8_DO8});
     orbel::Recorder recorder;
-    FlippingObserver observer(plant);
+    FlippingObserver observer(station);
     auto driver = host::create(DriverConfig::digital().digitalIn(1, "0"));
     host::initialize(*driver);
     ASSERT_TRUE(recorder.waitUntil([&] { return recorder.threadStarts().size() == 1; }));

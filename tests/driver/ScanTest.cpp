@@ -13,7 +13,7 @@
 #include "hosting/HostCalls.h"
 #include "modules/IbIlConversion.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 using namespace drivertest;
@@ -43,11 +43,11 @@ protected:
     // Serves channel 0 of the analog module as event 5, with the channel at `from` until the
     // second scan has run, then moves it to `to`.
     void moveAnalogInputAfterStart(unsigned short from, unsigned short to) {
-        plant_.setAnalogInput(2, 0, from);
+        station_.setAnalogInput(2, 0, from);
         start(DriverConfig::analog(2).analogIn(5, "0"));
         clock_.runUntil(scanTime(2));
 
-        plant_.setAnalogInput(2, 0, to);
+        station_.setAnalogInput(2, 0, to);
     }
 
     std::vector<uint32_t> publishedIds() const {
@@ -86,14 +86,14 @@ protected:
     DriverRig rig_;
     orbel::Recorder& recorder_ = rig_.recorder();
     vplc::VirtualClock& clock_ = rig_.clock();
-    vplc::Plant& plant_ = rig_.plant();
+    vplc::Station& station_ = rig_.station();
     DriverPtr<ExposedDriver> driver_;
 };
 
 }  // namespace
 
 TEST_F(Scan, EveryDigitalInputIsPublishedOnceAtStartInAscendingPinOrder) {
-    plant_.setDigitalInputs(1, 0x0A);
+    station_.setDigitalInputs(1, 0x0A);
 
     start(DriverConfig::digital().digitalIn(50, "5").digitalIn(10, "1").digitalIn(30, "3"));
     clock_.runUntil(50ms);
@@ -120,8 +120,8 @@ TEST_F(Scan, EachInitialPublicationIsFollowedByA1MsPause) {
 }
 
 TEST_F(Scan, EveryAnalogInputIsPublishedOnceAtStartAsAFloat) {
-    plant_.setAnalogInput(2, 0, 30000);
-    plant_.setAnalogInput(2, 1, 3000);
+    station_.setAnalogInput(2, 0, 30000);
+    station_.setAnalogInput(2, 1, 3000);
 
     start(DriverConfig::analog(2).analogIn(21, "1").analogIn(20, "0"));
     clock_.runUntil(50ms);
@@ -133,8 +133,8 @@ TEST_F(Scan, EveryAnalogInputIsPublishedOnceAtStartAsAFloat) {
 }
 
 TEST_F(Scan, DigitalInputsArePublishedBeforeAnalogInputs) {
-    plant_.setDigitalInputs(1, 0x04);
-    plant_.setAnalogInput(2, 0, 15000);
+    station_.setDigitalInputs(1, 0x04);
+    station_.setAnalogInput(2, 0, 15000);
 
     start(DriverConfig("COMBINED")
               .analogIn(1, "1")
@@ -162,13 +162,13 @@ TEST_F(Scan, TheEndlessScanPausesFor100MsAfterEachPass) {
 
 TEST_F(Scan, WithoutInputsTheScanStillCopiesTheInputsEvery100MsAndPublishesNothing) {
     start(DriverConfig::digital().digitalOut(1, "0", "0"));
-    const int copiesAtStart = plant_.calls("ArpPlcAxio_ReadFromAxioToGds");
+    const int copiesAtStart = station_.calls("ArpPlcAxio_ReadFromAxioToGds");
 
     clock_.runUntil(1000ms);
 
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_ReadFromAxioToGds"), copiesAtStart + 9);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_ReadFromAxioToGds"), copiesAtStart + 9);
     clock_.runUntil(1000ms + 1ns);
-    EXPECT_EQ(plant_.calls("ArpPlcAxio_ReadFromAxioToGds"), copiesAtStart + 10);
+    EXPECT_EQ(station_.calls("ArpPlcAxio_ReadFromAxioToGds"), copiesAtStart + 10);
     EXPECT_TRUE(recorder_.published().empty());
     for (const Duration duration : pauseDurations()) {
         EXPECT_EQ(duration, 100ms);
@@ -179,16 +179,16 @@ TEST_F(Scan, EachPassFirstCopiesTheInputsFromTheBus) {
     start(DriverConfig::digital().digitalIn(1, "0"));
     clock_.runUntil(scanTime(3));
 
-    plant_.setDigitalInput(1, 0, true);
-    EXPECT_EQ(plant_.inputsInGds(1), std::vector<uint8_t>{0x00});
+    station_.setDigitalInput(1, 0, true);
+    EXPECT_EQ(station_.inputsInGds(1), std::vector<uint8_t>{0x00});
     clock_.runUntil(scanTime(3) + 1ns);
 
-    EXPECT_EQ(plant_.inputsInGds(1), std::vector<uint8_t>{0x01});
+    EXPECT_EQ(station_.inputsInGds(1), std::vector<uint8_t>{0x01});
     EXPECT_EQ(recorder_.published().size(), 2u);
 }
 
 TEST_F(Scan, ADigitalInputThatDoesNotChangeIsNeverPublishedAgain) {
-    plant_.setDigitalInputs(1, 0xFF);
+    station_.setDigitalInputs(1, 0xFF);
     start(DriverConfig::digital().digitalIn(1, "6").digitalIn(2, "0"));
 
     clock_.runUntil(2000ms);
@@ -200,13 +200,13 @@ TEST_F(Scan, ADigitalInputThatTogglesBetweenTwoScansIsPublishedOnceWithTheNewByt
     start(DriverConfig::digital().digitalIn(7, "3"));
     clock_.runUntil(scanTime(2));
 
-    plant_.setDigitalInput(1, 3, true);
+    station_.setDigitalInput(1, 3, true);
     clock_.runUntil(scanTime(4));
 
     EXPECT_EQ(publishedPayloads(), (std::vector<std::vector<uint8_t>>{{0}, {1}}));
     EXPECT_EQ(publishedIds(), (std::vector<uint32_t>{7, 7}));
 
-    plant_.setDigitalInput(1, 3, false);
+    station_.setDigitalInput(1, 3, false);
     clock_.runUntil(scanTime(6));
     EXPECT_EQ(publishedPayloads(), (std::vector<std::vector<uint8_t>>{{0}, {1}, {0}}));
 }
@@ -215,9 +215,9 @@ TEST_F(Scan, ADigitalInputSwitchedOnAndOffBetweenTwoScansIsNotPublished) {
     start(DriverConfig::digital().digitalIn(7, "3"));
     clock_.runUntil(scanTime(2) + 10ms);
 
-    plant_.setDigitalInput(1, 3, true);
+    station_.setDigitalInput(1, 3, true);
     clock_.runUntil(scanTime(2) + 50ms);
-    plant_.setDigitalInput(1, 3, false);
+    station_.setDigitalInput(1, 3, false);
     clock_.runUntil(scanTime(5));
 
     EXPECT_EQ(recorder_.published().size(), 1u);
@@ -227,7 +227,7 @@ TEST_F(Scan, OnlyTheInputThatChangedIsPublished) {
     start(DriverConfig::digital().digitalIn(1, "1").digitalIn(2, "2").digitalIn(3, "3"));
     clock_.runUntil(scanTime(2));
 
-    plant_.setDigitalInput(1, 2, true);
+    station_.setDigitalInput(1, 2, true);
     clock_.runUntil(scanTime(3));
 
     EXPECT_EQ(publishedIds(), (std::vector<uint32_t>{1, 2, 3, 2}));
@@ -248,7 +248,7 @@ TEST_F(Scan, AnAnalogInputMovingFrom4_0To4_125IsPublishedAndBecomesTheReference)
     EXPECT_EQ(publishedPayloads()[1], floatBytes(from_ib_il(12375)));
 
     // Against 4.125, a return to 4.0 is a change of 0.125.
-    plant_.setAnalogInput(2, 0, 12000);
+    station_.setAnalogInput(2, 0, 12000);
     clock_.runUntil(scanTime(6));
     EXPECT_EQ(publishedPayloads(), (std::vector<std::vector<uint8_t>>{
                                        floatBytes(4.0f), floatBytes(4.125f), floatBytes(4.0f)}));
@@ -269,7 +269,7 @@ TEST_F(Scan, ARampOf0_04PerScanIsPublishedAtEveryThirdScanWithThatScansValue) {
 
     for (int scan = 1; scan <= 9; ++scan) {
         clock_.runUntil(scanTime(scan));
-        plant_.setAnalogInput(2, 1, static_cast<uint16_t>(120 * scan));
+        station_.setAnalogInput(2, 1, static_cast<uint16_t>(120 * scan));
     }
     clock_.runUntil(scanTime(10));
 
@@ -279,7 +279,7 @@ TEST_F(Scan, ARampOf0_04PerScanIsPublishedAtEveryThirdScanWithThatScansValue) {
 }
 
 TEST_F(Scan, AnAnalogPayloadLongerThanAFloatCarriesTheFloatAndZeros) {
-    plant_.setAnalogInput(2, 0, 30000);
+    station_.setAnalogInput(2, 0, 30000);
 
     start(DriverConfig::analog(2).analogIn(5, "0", 8));
     clock_.runUntil(10ms);
@@ -292,7 +292,7 @@ TEST_F(Scan, AnAnalogPayloadLongerThanAFloatCarriesTheFloatAndZeros) {
 }
 
 TEST_F(Scan, AnAnalogPayloadShorterThanAFloatCarriesOnlyItsFirstBytes) {
-    plant_.setAnalogInput(2, 0, 30000);
+    station_.setAnalogInput(2, 0, 30000);
 
     start(DriverConfig::analog(2).analogIn(5, "0", 2));
     clock_.runUntil(10ms);
@@ -305,7 +305,7 @@ TEST_F(Scan, AnAnalogPayloadShorterThanAFloatCarriesOnlyItsFirstBytes) {
 }
 
 TEST_F(Scan, ADigitalPayloadOfThreeBytesCarriesThePinStateAndZeros) {
-    plant_.setDigitalInputs(1, 0x01);
+    station_.setDigitalInputs(1, 0x01);
 
     start(DriverConfig::digital().digitalIn(5, "0", 3));
     clock_.runUntil(10ms);
@@ -315,7 +315,7 @@ TEST_F(Scan, ADigitalPayloadOfThreeBytesCarriesThePinStateAndZeros) {
 }
 
 TEST_F(Scan, ADigitalInputWithoutMappingIsPublishedWithAnEmptyPayloadAndStillTracked) {
-    plant_.setDigitalInputs(1, 0x01);
+    station_.setDigitalInputs(1, 0x01);
     auto config = DriverConfig::digital().digitalIn(5, "0");
     config.mappings.clear();
 
@@ -326,7 +326,7 @@ TEST_F(Scan, ADigitalInputWithoutMappingIsPublishedWithAnEmptyPayloadAndStillTra
     EXPECT_EQ(recorder_.published()[0].size, 0u);
     EXPECT_TRUE(recorder_.published()[0].bytes.empty());
 
-    plant_.setDigitalInput(1, 0, false);
+    station_.setDigitalInput(1, 0, false);
     clock_.runUntil(scanTime(4) + 1ns);
     EXPECT_EQ(recorder_.published().size(), 2u);
 }
@@ -334,8 +334,8 @@ TEST_F(Scan, ADigitalInputWithoutMappingIsPublishedWithAnEmptyPayloadAndStillTra
 TEST_F(Scan, AFailedInputCopyLeavesTheGdsAsItWasAndTheScanGoesOn) {
     start(DriverConfig::digital().digitalIn(5, "0"));
     clock_.runUntil(scanTime(2));
-    plant_.setDigitalInput(1, 0, true);
-    plant_.inject("ArpPlcAxio_ReadFromAxioToGds", vplc::Fault::next("bus busy"));
+    station_.setDigitalInput(1, 0, true);
+    station_.inject("ArpPlcAxio_ReadFromAxioToGds", vplc::Fault::next("bus busy"));
 
     clock_.runUntil(scanTime(3));
     EXPECT_EQ(recorder_.published().size(), 1u);
@@ -345,10 +345,10 @@ TEST_F(Scan, AFailedInputCopyLeavesTheGdsAsItWasAndTheScanGoesOn) {
 }
 
 TEST_F(Scan, AFailedReadIsPublishedAsZero) {
-    plant_.setDigitalInputs(1, 0x01);
+    station_.setDigitalInputs(1, 0x01);
     start(DriverConfig::digital().digitalIn(5, "0"));
     clock_.runUntil(scanTime(2));
-    plant_.inject("ArpPlcGds_BeginRead", vplc::Fault::next("frame is busy"));
+    station_.inject("ArpPlcGds_BeginRead", vplc::Fault::next("frame is busy"));
 
     clock_.runUntil(scanTime(3));
 

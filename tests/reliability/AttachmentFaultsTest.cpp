@@ -24,9 +24,9 @@
 #include "hosting/DriverRig.h"
 #include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
 #include "vplc/PlatformCalls.h"
 #include "vplc/Runtime.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 using namespace faultmatrix;
@@ -106,16 +106,16 @@ void printRecorded(const orbel::Recorder& recorder) {
 int failedAttachmentChild(const std::function<void()>& arm) {
     hosting::DriverRig rig;
     const orbel::Recorder& recorder = rig.recorder();
-    const vplc::Plant& plant = rig.plant();
+    const vplc::Station& station = rig.station();
     arm();
     hosting::host::initialize(rig.create(digitalRecords()));
-    printFact("buffersAcquired", plant.calls(kGetBuffer));
+    printFact("buffersAcquired", station.calls(kGetBuffer));
     rig.destroy();
     hosting::host::initialize(rig.create(digitalRecords()));
     rig.destroy();
     printFact("loads", static_cast<int>(Runtime::moduleMainCalls().size()));
     printFact("threadsStarted", static_cast<int>(recorder.threadStarts().size()));
-    printFact("buffersHeld", plant.buffersHeld());
+    printFact("buffersHeld", station.buffersHeld());
     printRecorded(recorder);
     return 0;
 }
@@ -137,7 +137,7 @@ void previousHandler(PlcOperation operation) {
 int missedStartChild() {
     hosting::DriverRig rig;
     const orbel::Recorder& recorder = rig.recorder();
-    const vplc::Plant& plant = rig.plant();
+    const vplc::Station& station = rig.station();
     ArpPlcDomain_SetHandler(previousHandler);
     vplc::inject(kSetHandler, Fault::next("handler table full"));
     CSI_base& driver = rig.create(digitalRecords());
@@ -157,7 +157,7 @@ int missedStartChild() {
     rig.clock().settle();
     printFact("threadAfterStart", static_cast<int>(recorder.threadStarts().size()));
     rig.destroy();
-    printFact("buffersHeld", plant.buffersHeld());
+    printFact("buffersHeld", station.buffersHeld());
     printRecorded(recorder);
     return 0;
 }

@@ -91,15 +91,15 @@ protected:
         rig_.passGate();
     }
 
-    uint8_t digitalGds() { return rig_.plant().outputsInGds(DriverRig::kDigitalPosition).at(0); }
-    uint8_t digitalBus() { return rig_.plant().digitalOutputsOnBus(DriverRig::kDigitalPosition); }
+    uint8_t digitalGds() { return rig_.station().outputsInGds(DriverRig::kDigitalPosition).at(0); }
+    uint8_t digitalBus() { return rig_.station().digitalOutputsOnBus(DriverRig::kDigitalPosition); }
     std::vector<uint8_t> analogGds() {
-        return rig_.plant().outputsInGds(DriverRig::kAnalogPosition);
+        return rig_.station().outputsInGds(DriverRig::kAnalogPosition);
     }
     std::vector<uint8_t> analogBus() {
-        return rig_.plant().outputsOnBus(DriverRig::kAnalogPosition);
+        return rig_.station().outputsOnBus(DriverRig::kAnalogPosition);
     }
-    int calls(const char* function) { return rig_.plant().calls(function); }
+    int calls(const char* function) { return rig_.station().calls(function); }
 
     std::vector<std::string> stopMessages() {
         std::vector<std::string> messages;

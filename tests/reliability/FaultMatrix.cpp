@@ -8,16 +8,17 @@
 #include "Scenario.h"
 #include "hosting/DriverRig.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace faultmatrix {
 
 namespace {
 
-std::string balanceOf(const vplc::Plant& plant) {
-    return "R " + std::to_string(plant.calls(kBeginRead)) + "/" +
-           std::to_string(plant.calls(kEndRead)) + ", W " +
-           std::to_string(plant.calls(kBeginWrite)) + "/" + std::to_string(plant.calls(kEndWrite));
+std::string balanceOf(const vplc::Station& station) {
+    return "R " + std::to_string(station.calls(kBeginRead)) + "/" +
+           std::to_string(station.calls(kEndRead)) + ", W " +
+           std::to_string(station.calls(kBeginWrite)) + "/" +
+           std::to_string(station.calls(kEndWrite));
 }
 
 }  // namespace
@@ -37,16 +38,16 @@ TEST_P(FaultMatrix, Row) {
         row.steps[step](scenario);
     }
 
-    const vplc::Plant& plant = rig.plant();
-    EXPECT_EQ(plant.openLocks(), 0);
-    EXPECT_EQ(plant.calls(kBeginRead), plant.calls(kEndRead));
-    EXPECT_EQ(plant.calls(kBeginWrite), plant.calls(kEndWrite));
-    const std::string balance = balanceOf(plant);
+    const vplc::Station& station = rig.station();
+    EXPECT_EQ(station.openLocks(), 0);
+    EXPECT_EQ(station.calls(kBeginRead), station.calls(kEndRead));
+    EXPECT_EQ(station.calls(kBeginWrite), station.calls(kEndWrite));
+    const std::string balance = balanceOf(station);
 
     rig.destroy();
     // Every buffer the module asked for is given back at teardown, whether it came or not.
-    EXPECT_EQ(plant.calls(kRelease), plant.calls(kGetBuffer));
-    EXPECT_EQ(plant.buffersHeld(), row.buffersKept);
+    EXPECT_EQ(station.calls(kRelease), station.calls(kGetBuffer));
+    EXPECT_EQ(station.buffersHeld(), row.buffersKept);
     EXPECT_EQ(rig.recorder().threadExits().size(), rig.recorder().threadStarts().size());
     EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), row.log);
     std::vector<std::string> stops;
@@ -55,7 +56,7 @@ TEST_P(FaultMatrix, Row) {
     }
     EXPECT_EQ(stops, row.stops);
     if (!row.fault.error.empty()) {
-        EXPECT_GT(plant.calls(row.fault.call), 0) << "the failing call was never made";
+        EXPECT_GT(station.calls(row.fault.call), 0) << "the failing call was never made";
     }
     printer.add({row.fault.call, row.fault.site, describeLog(row.log), row.notes.neutral, balance,
                  row.notes.teardown, row.notes.next, !HasFailure()});

@@ -173,7 +173,7 @@ const ExposedDriver& initializeWithInitVal(DriverRig& rig, const DriverConfig& r
         expectStoiFailure(form.outcome, [&] { rig.initialize(); });
     }
     const bool written = form.outcome == Outcome::Value;
-    EXPECT_EQ(rig.plant().calls("ArpPlcGds_BeginWrite"), written ? 1 : 0);
+    EXPECT_EQ(rig.station().calls("ArpPlcGds_BeginWrite"), written ? 1 : 0);
     EXPECT_EQ(rig.threadStarted(), written);
     EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
     EXPECT_TRUE(rig.recorder().stops().empty());
@@ -230,7 +230,7 @@ TEST(HostileConfiguration, EveryPinNumFormGivesTheStoiPinOrExceptionWithTheDrive
             std::vector<std::string> expectedStops;
             if (form.outcome != Outcome::Value) {
                 expectStoiFailure(form.outcome, [&] { rig.initialize(); });
-                EXPECT_EQ(rig.plant().calls("ArpPlcGds_BeginWrite"), 0);
+                EXPECT_EQ(rig.station().calls("ArpPlcGds_BeginWrite"), 0);
             } else if (form.value >= 0 && form.value < kind.pins) {
                 rig.initialize();
                 EXPECT_TRUE(kind.registered(driver, form.value));
@@ -242,7 +242,7 @@ TEST(HostileConfiguration, EveryPinNumFormGivesTheStoiPinOrExceptionWithTheDrive
 
             const bool runs = form.outcome == Outcome::Value && expectedStops.empty();
             EXPECT_EQ(rig.threadStarted(), runs);
-            EXPECT_EQ(rig.plant().calls("ArpPlcAxio_WriteFromGdsToAxio"), runs ? 1 : 0);
+            EXPECT_EQ(rig.station().calls("ArpPlcAxio_WriteFromGdsToAxio"), runs ? 1 : 0);
             EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), expectedLines);
             EXPECT_EQ(stopMessages(rig.recorder()), expectedStops);
             EXPECT_TRUE(
@@ -260,7 +260,7 @@ TEST(HostileConfiguration, EveryInitValFormOfADigitalOutputWritesTheLowBitOrThro
         if (form.outcome == Outcome::Value) {
             // Pin 0 takes bit 0 of the negated low byte, which is bit 0 of the value itself.
             const uint8_t expected = (static_cast<unsigned>(form.value) & 1u) != 0 ? 0x01 : 0x00;
-            EXPECT_EQ(rig.plant().digitalOutputsOnBus(1), expected);
+            EXPECT_EQ(rig.station().digitalOutputsOnBus(1), expected);
             EXPECT_EQ(driver.outputs().count(0), 1u);
         } else {
             EXPECT_TRUE(driver.outputs().empty());
@@ -275,7 +275,7 @@ TEST(HostileConfiguration, EveryInitValFormOfAnAnalogOutputWritesItsWordOrThrows
         const DriverConfig records = DriverConfig::analog(2).analogOut(40, "0", form.text);
         initializeWithInitVal(rig, records, form);
         if (form.outcome == Outcome::Value) {
-            EXPECT_EQ(rig.plant().analogOutputOnBus(2, 0),
+            EXPECT_EQ(rig.station().analogOutputOnBus(2, 0),
                       to_ib_il(static_cast<float>(form.value)));
         }
     }
@@ -314,7 +314,7 @@ TEST(HostileConfiguration, ServiceTextsDifferingInCaseBlanksOrCharactersAreRefus
         EXPECT_TRUE(driver.digitalInputs().empty());
         EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
         EXPECT_FALSE(rig.threadStarted());
-        EXPECT_EQ(rig.plant().calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
+        EXPECT_EQ(rig.station().calls("ArpPlcAxio_WriteFromGdsToAxio"), 0);
         EXPECT_TRUE(
             sameAs(records, driver.hostParams(), driver.hostMappings(), driver.hostServices()));
     }
@@ -343,7 +343,7 @@ TEST(HostileConfiguration, DeviceTypesDifferingInCaseBlanksOrCharactersMakeNoMod
             rig.initialize();
             EXPECT_EQ(stopMessages(rig.recorder()),
                       std::vector<std::string>{"Unsupported service type."});
-            EXPECT_EQ(rig.plant().calls("ArpPlcIo_GetBufferPtrByBufferID"), 0);
+            EXPECT_EQ(rig.station().calls("ArpPlcIo_GetBufferPtrByBufferID"), 0);
             EXPECT_FALSE(rig.threadStarted());
             EXPECT_EQ(hosting::linesAfterVersion(rig.recorder()), std::vector<LoggedLine>{});
             EXPECT_TRUE(
@@ -359,8 +359,8 @@ TEST(HostileConfiguration, DeviceTypesDifferingInCaseBlanksOrCharactersMakeNoMod
             EXPECT_TRUE(rig.threadStarted());
             EXPECT_TRUE(rig.recorder().stops().empty());
             EXPECT_TRUE(rig.recorder().published().empty());
-            EXPECT_EQ(rig.plant().calls("ArpPlcIo_GetBufferPtrByBufferID"), 0);
-            EXPECT_EQ(rig.plant().calls("ArpPlcGds_BeginRead"), 0);
+            EXPECT_EQ(rig.station().calls("ArpPlcIo_GetBufferPtrByBufferID"), 0);
+            EXPECT_EQ(rig.station().calls("ArpPlcGds_BeginRead"), 0);
         }
     }
 }

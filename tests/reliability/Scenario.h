@@ -7,7 +7,7 @@
 
 #include "FaultRow.h"
 #include "hosting/DriverRig.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace faultmatrix {
 
@@ -20,14 +20,14 @@ public:
 
     const FaultRow& row() const { return row_; }
     DriverRig& rig() { return rig_; }
-    vplc::Plant& plant() { return rig_.plant(); }
+    vplc::Station& station() { return rig_.station(); }
 
     // What the driver published since the last call.
     Publications takePublished();
 
-    void markCalls(const std::string& function) { marks_[function] = plant().calls(function); }
+    void markCalls(const std::string& function) { marks_[function] = station().calls(function); }
     int callsSinceMark(const std::string& function) {
-        return plant().calls(function) - marks_.at(function);
+        return station().calls(function) - marks_.at(function);
     }
 
 private:

@@ -27,7 +27,7 @@ Step reads(const char* what, std::function<int(Scenario&)> read, int expected) {
 }
 
 void armRowFailure(Scenario& s, const Fault& fault) {
-    s.plant().inject(s.row().fault.call, fault);
+    s.station().inject(s.row().fault.call, fault);
 }
 
 // The exception a restart event lets out, as "type: message", or "" when it lets none out.
@@ -52,12 +52,12 @@ std::string restartFailure(Scenario& s) {
 
 void createDigital(Scenario& s) {
     s.rig().create(digitalRecords());
-    s.plant().setDigitalInput(DriverRig::kDigitalPosition, 3, true);
+    s.station().setDigitalInput(DriverRig::kDigitalPosition, 3, true);
 }
 
 void createAnalog(Scenario& s) {
     s.rig().create(analogRecords());
-    s.plant().setAnalogInput(DriverRig::kAnalogPosition, 0, 30000);
+    s.station().setAnalogInput(DriverRig::kAnalogPosition, 0, 30000);
 }
 
 void startDigital(Scenario& s) {
@@ -93,15 +93,15 @@ void failTwice(Scenario& s) {
 }
 
 Step fail(const char* function, const char* error) {
-    return [function, error](Scenario& s) { s.plant().inject(function, Fault::next(error)); };
+    return [function, error](Scenario& s) { s.station().inject(function, Fault::next(error)); };
 }
 
 Step digitalInput(bool on) {
-    return [on](Scenario& s) { s.plant().setDigitalInput(DriverRig::kDigitalPosition, 3, on); };
+    return [on](Scenario& s) { s.station().setDigitalInput(DriverRig::kDigitalPosition, 3, on); };
 }
 
 Step analogInput(uint16_t word) {
-    return [word](Scenario& s) { s.plant().setAnalogInput(DriverRig::kAnalogPosition, 0, word); };
+    return [word](Scenario& s) { s.station().setAnalogInput(DriverRig::kAnalogPosition, 0, word); };
 }
 
 Step deliver(uint32_t id, uint8_t value) {
@@ -137,14 +137,14 @@ Step publishedAnalog(float value) {
 Step digitalOnBus(uint8_t expected) {
     return reads(
         "digital outputs on the bus",
-        [](Scenario& s) { return s.plant().digitalOutputsOnBus(DriverRig::kDigitalPosition); },
+        [](Scenario& s) { return s.station().digitalOutputsOnBus(DriverRig::kDigitalPosition); },
         expected);
 }
 
 Step digitalInGds(uint8_t expected) {
     return reads(
         "digital outputs in the GDS",
-        [](Scenario& s) { return s.plant().outputsInGds(DriverRig::kDigitalPosition).at(0); },
+        [](Scenario& s) { return s.station().outputsInGds(DriverRig::kDigitalPosition).at(0); },
         expected);
 }
 
@@ -152,7 +152,7 @@ Step analogOnBus(int channel, uint16_t expected) {
     return reads(
         "analog output on the bus",
         [channel](Scenario& s) {
-            return s.plant().analogOutputOnBus(DriverRig::kAnalogPosition, channel);
+            return s.station().analogOutputOnBus(DriverRig::kAnalogPosition, channel);
         },
         expected);
 }
@@ -161,7 +161,7 @@ Step analogInGds(int channel, uint16_t expected) {
     return reads(
         "analog output in the GDS",
         [channel](Scenario& s) {
-            const auto bytes = s.plant().outputsInGds(DriverRig::kAnalogPosition);
+            const auto bytes = s.station().outputsInGds(DriverRig::kAnalogPosition);
             const auto at = static_cast<std::size_t>(2 * channel);
             return (bytes.at(at) << 8) | bytes.at(at + 1);
         },
@@ -170,17 +170,17 @@ Step analogInGds(int channel, uint16_t expected) {
 
 Step calls(const char* function, int expected) {
     return reads(
-        function, [function](Scenario& s) { return s.plant().calls(function); }, expected);
+        function, [function](Scenario& s) { return s.station().calls(function); }, expected);
 }
 
 Step openLocks(int expected) {
     return reads(
-        "open frame locks", [](Scenario& s) { return s.plant().openLocks(); }, expected);
+        "open frame locks", [](Scenario& s) { return s.station().openLocks(); }, expected);
 }
 
 Step nestedBegins(int expected) {
     return reads(
-        "nested Begins", [](Scenario& s) { return s.plant().nestedBegins(); }, expected);
+        "nested Begins", [](Scenario& s) { return s.station().nestedBegins(); }, expected);
 }
 
 Step threadStarted(bool expected) {

@@ -18,7 +18,7 @@
 #include "hosting/DriverRig.h"
 #include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -60,9 +60,9 @@ std::vector<DriverConfig> configurations() {
 }
 
 // Checks what every cycle must leave behind: nothing of the driver.
-void expectNothingLeft(const vplc::Plant& plant, const orbel::Recorder& recorder) {
-    EXPECT_EQ(plant.buffersHeld(), 0);
-    EXPECT_EQ(plant.openLocks(), 0);
+void expectNothingLeft(const vplc::Station& station, const orbel::Recorder& recorder) {
+    EXPECT_EQ(station.buffersHeld(), 0);
+    EXPECT_EQ(station.openLocks(), 0);
     EXPECT_EQ(recorder.threadExits().size(), recorder.threadStarts().size());
 }
 
@@ -96,7 +96,7 @@ int threadsOnceEndedOnesHaveGone(int expected) {
 TEST(Teardown, AThousandCyclesOnVirtualTimeEndEveryThreadAndReleaseEveryBuffer) {
     DriverRig rig;
     vplc::VirtualClock& clock = rig.clock();
-    vplc::Plant& plant = rig.plant();
+    vplc::Station& station = rig.station();
     const std::vector<DriverConfig> records = configurations();
     int threadsAfterFirstCycle = 0;
 
@@ -117,10 +117,10 @@ TEST(Teardown, AThousandCyclesOnVirtualTimeEndEveryThreadAndReleaseEveryBuffer) 
             clock.runFor(std::chrono::milliseconds(cycle % 7 * 37));
         }
         host::deliver(driver, 20, {static_cast<uint8_t>(cycle % 2)});
-        plant.setDigitalInput(1, 0, cycle % 5 == 0);
-        plant.setAnalogInput(2, 1, static_cast<uint16_t>(cycle * 61));
+        station.setDigitalInput(1, 0, cycle % 5 == 0);
+        station.setAnalogInput(2, 1, static_cast<uint16_t>(cycle * 61));
         rig.destroy();
-        expectNothingLeft(plant, rig.recorder());
+        expectNothingLeft(station, rig.recorder());
         if (cycle == 0) {
             threadsAfterFirstCycle = hosting::threadsOfThisProcess();
         }
@@ -134,7 +134,7 @@ TEST(Teardown, AThousandCyclesOnVirtualTimeEndEveryThreadAndReleaseEveryBuffer) 
 
 TEST(Teardown, CyclesOnTheWallClockEndThreadsThatSleepOrScanAtDeletion) {
     orbel::Recorder recorder;
-    vplc::Plant plant = vplc::Plant::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
+    vplc::Station station = vplc::Station::of({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2});
     const DriverConfig config = configurations()[0];
     int threadsAfterFirstCycle = 0;
 
@@ -154,7 +154,7 @@ TEST(Teardown, CyclesOnTheWallClockEndThreadsThatSleepOrScanAtDeletion) {
             host::deliver(*driver, 21, {1});
         }
         EXPECT_EQ(recorder.threadStarts().size(), 1u);
-        expectNothingLeft(plant, recorder);
+        expectNothingLeft(station, recorder);
         if (cycle == 0) {
             threadsAfterFirstCycle = hosting::threadsOfThisProcess();
         }

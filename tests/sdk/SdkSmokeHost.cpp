@@ -21,7 +21,7 @@
 #include "hosting/DriverRig.h"
 #include "hosting/HostCalls.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 namespace {
@@ -75,8 +75,8 @@ int main(int argc, char** argv) {
 
     hosting::DriverRig rig({vplc::Module::DI8_DO8});
     const orbel::Recorder& recorder = rig.recorder();
-    const vplc::Plant& plant = rig.plant();
-    rig.plant().setDigitalInput(1, 0, true);
+    const vplc::Station& station = rig.station();
+    rig.station().setDigitalInput(1, 0, true);
 
     auto records =
         hosting::DriverConfig::digital().mapping(kInputEvent, 1).mapping(kOutputEvent, 1);
@@ -95,7 +95,7 @@ int main(int argc, char** argv) {
     passed &= check(!published.empty() && published.front().id == kInputEvent &&
                         published.front().bytes == std::vector<uint8_t>{1},
                     "input 0 of the module was published as on");
-    passed &= check(plant.digitalOutputsOnBus(1) == 0x08, "output 3 of the module is on the bus");
+    passed &= check(station.digitalOutputsOnBus(1) == 0x08, "output 3 of the module is on the bus");
     passed &= check(recorder.stops(driver).empty(), "the driver did not stop with an error");
 
     rig.destroy();

@@ -291,7 +291,7 @@ bool readFromAxioToGds(unsigned long) {
     hostQueries::scanStarting();
     // A copy, taken under the lock: the bus that holds the hook may be removed, or the hook
     // changed by a thread that is no driver's, once the lock is let go. The hook is called
-    // without the lock, since it sets the plant's inputs, which takes the lock exclusively.
+    // without the lock, since it sets the station's inputs, which takes the lock exclusively.
     std::function<void()> hook;
     {
         auto share = Controller::instance().share();

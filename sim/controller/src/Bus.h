@@ -16,8 +16,8 @@
 
 namespace vplc {
 
-// The state of one plant: its modules, the layout and data of its GDS frames, and its counters.
-// The modules' process data is changed by the plant under the controller's exclusive lock and by
+// The state of one station: its modules, the layout and data of its GDS frames, and its counters.
+// The modules' process data is changed by the station under the controller's exclusive lock and by
 // the bus cycles under its shared lock and the frame's lock; the counters are atomic.
 class Bus {
 public:

@@ -18,7 +18,7 @@ Controller& Controller::instance() {
 void Controller::install(Bus& bus) {
     if (bus_ != nullptr) {
         throw std::logic_error(
-            "An Axioline bus is already running: destroy its plant before building another");
+            "An Axioline bus is already running: destroy its station before building another");
     }
     bus_ = &bus;
     calls_.resetCounts();

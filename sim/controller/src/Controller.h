@@ -26,7 +26,7 @@ class GdsFrame;
 // state, so that two of them neither wait for each other nor are ordered by it: what they change
 // is atomic (call counts, the bus's counters), the calling thread's own (its last error, the
 // frames it holds locked), or the frame's, under the frame's own lock. Everything else (a bus
-// installed or removed, handles handed out or released, the plant's inputs, faults, the handler)
+// installed or removed, handles handed out or released, the station's inputs, faults, the handler)
 // is changed under lock(), the exclusive lock. Only a lock of the frames' data orders two threads
 // that touch one frame; nothing here orders two that touch different frames.
 class Controller {

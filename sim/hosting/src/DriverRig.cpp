@@ -20,8 +20,8 @@ constexpr std::chrono::milliseconds kScanSpan{200};
 
 namespace {
 
-vplc::Plant plantOf(const std::vector<vplc::Module>& bus) {
-    vplc::Plant::Builder builder = vplc::Plant::builder();
+vplc::Station stationOf(const std::vector<vplc::Module>& bus) {
+    vplc::Station::Builder builder = vplc::Station::builder();
     for (vplc::Module module : bus) {
         builder.module(module);
     }
@@ -32,7 +32,7 @@ vplc::Plant plantOf(const std::vector<vplc::Module>& bus) {
 
 DriverRig::DriverRig() : DriverRig({vplc::Module::DI8_DO8, vplc::Module::AI2_AO2}) {}
 
-DriverRig::DriverRig(const std::vector<vplc::Module>& bus) : plant_(plantOf(bus)) {
+DriverRig::DriverRig(const std::vector<vplc::Module>& bus) : station_(stationOf(bus)) {
     vplc::Runtime::reset();
 }
 

@@ -9,10 +9,11 @@ constexpr std::string_view kWriteToBus = "ArpPlcAxio_WriteFromGdsToAxio";
 
 }  // namespace
 
-BusWatch::BusWatch(vplc::Plant& plant, Timeline& timeline) : plant_(plant), timeline_(timeline) {}
+BusWatch::BusWatch(vplc::Station& station, Timeline& timeline)
+    : station_(station), timeline_(timeline) {}
 
 int BusWatch::writes() const {
-    return plant_.calls(kWriteToBus);
+    return station_.calls(kWriteToBus);
 }
 
 void BusWatch::recordSince(int before, int driver) const {
@@ -23,19 +24,19 @@ void BusWatch::recordSince(int before, int driver) const {
 }
 
 std::vector<std::vector<uint8_t>> BusWatch::busOutputs() const {
-    return ofEveryModule(&vplc::Plant::outputsOnBus);
+    return ofEveryModule(&vplc::Station::outputsOnBus);
 }
 
 std::vector<std::vector<uint8_t>> BusWatch::gdsOutputs() const {
-    return ofEveryModule(&vplc::Plant::outputsInGds);
+    return ofEveryModule(&vplc::Station::outputsInGds);
 }
 
 std::vector<std::vector<uint8_t>> BusWatch::ofEveryModule(
-    std::vector<uint8_t> (vplc::Plant::*read)(int position) const) const {
+    std::vector<uint8_t> (vplc::Station::*read)(int position) const) const {
     std::vector<std::vector<uint8_t>> outputs;
-    const int modules = static_cast<int>(plant_.modules().size());
+    const int modules = static_cast<int>(station_.modules().size());
     for (int position = 1; position <= modules; ++position) {
-        outputs.push_back((plant_.*read)(position));
+        outputs.push_back((station_.*read)(position));
     }
     return outputs;
 }

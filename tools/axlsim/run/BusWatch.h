@@ -2,7 +2,7 @@
 #pragma once
 
 #include "axlsim/run/Timeline.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace axlsim {
 
@@ -12,7 +12,7 @@ namespace axlsim {
 // its place on the timeline.
 class BusWatch {
 public:
-    BusWatch(vplc::Plant& plant, Timeline& timeline);
+    BusWatch(vplc::Station& station, Timeline& timeline);
 
     int writes() const;
 
@@ -26,9 +26,9 @@ public:
 private:
     // What `read` gives for every module, by position from 1.
     std::vector<std::vector<uint8_t>> ofEveryModule(
-        std::vector<uint8_t> (vplc::Plant::*read)(int position) const) const;
+        std::vector<uint8_t> (vplc::Station::*read)(int position) const) const;
 
-    vplc::Plant& plant_;
+    vplc::Station& station_;
     Timeline& timeline_;
 };
 

@@ -64,15 +64,15 @@ uint16_t wordOf(double value) {
 
 }  // namespace
 
-PlantModels::PlantModels(const Config& config, vplc::Plant& plant, Timeline& timeline)
-    : config_(config), plant_(plant), timeline_(timeline) {
+PlantModels::PlantModels(const Config& config, vplc::Station& station, Timeline& timeline)
+    : config_(config), station_(station), timeline_(timeline) {
     for (std::size_t position = 1; position <= config.bus.size(); ++position) {
-        outputs_.push_back(plant.outputsOnBus(static_cast<int>(position)));
+        outputs_.push_back(station.outputsOnBus(static_cast<int>(position)));
     }
 }
 
 PlantModels::~PlantModels() {
-    plant_.onInputCopy(nullptr);
+    station_.onInputCopy(nullptr);
 }
 
 void PlantModels::start() {
@@ -95,7 +95,7 @@ void PlantModels::start() {
     }
     if (!lags_.empty() || std::any_of(config_.plant.begin(), config_.plant.end(),
                                       [](const PlantModel& m) { return !m.to().digital(); })) {
-        plant_.onInputCopy([this] { inputCopy(); });
+        station_.onInputCopy([this] { inputCopy(); });
     }
 }
 
@@ -124,7 +124,7 @@ void PlantModels::outputsCopied(Time now) {
     std::lock_guard lock(mutex_);
     std::vector<std::vector<uint8_t>> outputs;
     for (std::size_t position = 1; position <= config_.bus.size(); ++position) {
-        outputs.push_back(plant_.outputsOnBus(static_cast<int>(position)));
+        outputs.push_back(station_.outputsOnBus(static_cast<int>(position)));
     }
     if (outputs == outputs_) {
         return;
@@ -204,10 +204,10 @@ void PlantModels::inputCopy() {
             continue;
         }
         const uint16_t word = wordOf(*value);
-        if (analogWord(plant_.inputsOnBus(to.position), to.index) == word) {
+        if (analogWord(station_.inputsOnBus(to.position), to.index) == word) {
             continue;
         }
-        plant_.setAnalogInput(to.position, to.index, word);
+        station_.setAnalogInput(to.position, to.index, word);
         Happening::PlantMove move;
         move.to = to;
         move.value = word;
@@ -265,10 +265,10 @@ double PlantModels::outputValue(const Pin& pin,
 void PlantModels::setDigital(std::size_t model, bool on) {
     const PlantModel& source = config_.plant[model];
     const Pin& to = source.to();
-    if (digitalPin(plant_.inputsOnBus(to.position), to.index) == on) {
+    if (digitalPin(station_.inputsOnBus(to.position), to.index) == on) {
         return;
     }
-    plant_.setDigitalInput(to.position, to.index, on);
+    station_.setDigitalInput(to.position, to.index, on);
     Happening::PlantMove move;
     move.to = to;
     move.value = on ? 1 : 0;

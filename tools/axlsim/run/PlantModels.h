@@ -12,7 +12,7 @@
 
 #include "axlsim/configuration/Config.h"
 #include "axlsim/run/Timeline.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace axlsim {
 
@@ -24,7 +24,7 @@ class PlantModels {
 public:
     using Time = std::chrono::nanoseconds;
 
-    PlantModels(const Config& config, vplc::Plant& plant, Timeline& timeline);
+    PlantModels(const Config& config, vplc::Station& station, Timeline& timeline);
     ~PlantModels();
     PlantModels(const PlantModels&) = delete;
     PlantModels& operator=(const PlantModels&) = delete;
@@ -68,7 +68,7 @@ private:
     double outputValue(const Pin& pin, const std::vector<std::vector<uint8_t>>& outputs) const;
 
     const Config& config_;
-    vplc::Plant& plant_;
+    vplc::Station& station_;
     Timeline& timeline_;
     mutable std::mutex mutex_;
     std::multimap<Time, DigitalChange> due_;

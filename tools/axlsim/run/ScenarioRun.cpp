@@ -19,8 +19,8 @@ using namespace std::chrono_literals;
 constexpr std::chrono::nanoseconds kVirtualStep = 1s;
 constexpr std::chrono::nanoseconds kWallStep = 20ms;
 
-vplc::Plant plantOf(const Config& config) {
-    auto builder = vplc::Plant::builder();
+vplc::Station stationOf(const Config& config) {
+    auto builder = vplc::Station::builder();
     for (vplc::Module module : config.bus) {
         builder.module(module);
     }
@@ -54,13 +54,13 @@ ScenarioRun::ScenarioRun(const Config& config, const hosting::DriverLibrary& lib
       options_(options),
       end_(options.until.value_or(config.end)),
       clock_(clockFor(options)),
-      plant_(plantOf(config)),
+      station_(stationOf(config)),
       timeline_([this] { return clock_->now(); }),
       tally_(config.drivers.size()),
       observer_(timeline_),
-      bus_(plant_, timeline_),
+      bus_(station_, timeline_),
       restarts_(std::make_unique<RestartHook>(timeline_, observer_)),
-      plantModels_(config, plant_, timeline_),
+      plantModels_(config, station_, timeline_),
       routes_(config) {
     if (!routes_.empty()) {
         timeline_.newPublications();
@@ -278,9 +278,9 @@ void ScenarioRun::perform(const Config::Step& step) {
         timeline_.add(-1,
                       Happening::Input{input->position, input->pin, input->value, input->source});
         if (config_.bus[static_cast<std::size_t>(input->position - 1)] == vplc::Module::DI8_DO8) {
-            plant_.setDigitalInput(input->position, input->pin, input->value != 0);
+            station_.setDigitalInput(input->position, input->pin, input->value != 0);
         } else {
-            plant_.setAnalogInput(input->position, input->pin, input->value);
+            station_.setAnalogInput(input->position, input->pin, input->value);
         }
     } else if (const auto* event = std::get_if<Config::Event>(&step.action)) {
         sendEvent(*event);

@@ -19,7 +19,7 @@
 #include "axlsim/run/Timeline.h"
 #include "axlsim/run/TimelineObserver.h"
 #include "hosting/DriverLibrary.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace axlsim {
 
@@ -57,7 +57,7 @@ public:
 
     std::chrono::nanoseconds now() const { return clock_->now(); }
     std::chrono::nanoseconds end() const { return end_; }
-    vplc::Plant& plant() { return plant_; }
+    vplc::Station& station() { return station_; }
     const BusWatch& bus() const { return bus_; }
 
     // A run without end: what the live listener has been shown is not kept for finish().
@@ -77,7 +77,7 @@ private:
     const scenarioplayer::Options& options_;
     std::chrono::nanoseconds end_;
     std::unique_ptr<RunClock> clock_;
-    vplc::Plant plant_;
+    vplc::Station station_;
     Timeline timeline_;
     RunTally tally_;  // under the timeline's lock
     TimelineObserver observer_;

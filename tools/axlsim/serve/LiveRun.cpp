@@ -94,8 +94,8 @@ std::chrono::nanoseconds LiveRun::perform(std::vector<Config::Step> steps) {
     return at;
 }
 
-void LiveRun::readBus(const std::function<void(const vplc::Plant&)>& reader) {
-    call([this, &reader] { reader(run_.plant()); });
+void LiveRun::readBus(const std::function<void(const vplc::Station&)>& reader) {
+    call([this, &reader] { reader(run_.station()); });
 }
 
 void LiveRun::showInState(std::string key, std::function<nlohmann::ordered_json()> value) {
@@ -104,7 +104,7 @@ void LiveRun::showInState(std::string key, std::function<nlohmann::ordered_json(
 
 nlohmann::ordered_json LiveRun::state() {
     nlohmann::ordered_json result;
-    call([this, &result] { result = state_.render(clockState(), run_.plant()); });
+    call([this, &result] { result = state_.render(clockState(), run_.station()); });
     for (const auto& [key, value] : shownInState_) {
         result[key] = value();
     }

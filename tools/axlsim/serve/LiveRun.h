@@ -63,7 +63,7 @@ public:
     std::chrono::nanoseconds perform(std::vector<Config::Step> steps);
 
     // Lets `reader` look at the bus as it stands at the current virtual time.
-    void readBus(const std::function<void(const vplc::Plant&)>& reader);
+    void readBus(const std::function<void(const vplc::Station&)>& reader);
 
     // Adds `key` to the state, with what `value` tells when the state is asked for; before start().
     void showInState(std::string key, std::function<nlohmann::ordered_json()> value);

@@ -29,13 +29,13 @@ Json pinOf(const Config::Service& service) {
     }
 }
 
-Json moduleState(int position, vplc::Module module, const vplc::Plant& plant) {
+Json moduleState(int position, vplc::Module module, const vplc::Station& station) {
     Json state;
     state["position"] = position;
     state["type"] = std::string(vplc::orderName(module));
-    const std::vector<uint8_t> inputs = plant.inputsOnBus(position);
+    const std::vector<uint8_t> inputs = station.inputsOnBus(position);
     if (module == vplc::Module::DI8_DO8) {
-        const uint8_t outputs = plant.digitalOutputsOnBus(position);
+        const uint8_t outputs = station.digitalOutputsOnBus(position);
         Json di = Json::array();
         Json doo = Json::array();
         for (int pin = 0; pin < 8; ++pin) {
@@ -49,7 +49,7 @@ Json moduleState(int position, vplc::Module module, const vplc::Plant& plant) {
         Json ao = Json::array();
         for (int channel = 0; channel < 2; ++channel) {
             ai.push_back(analogWord(inputs, channel));
-            ao.push_back(plant.analogOutputOnBus(position, channel));
+            ao.push_back(station.analogOutputOnBus(position, channel));
         }
         state["AI"] = ai;
         state["AO"] = ao;
@@ -120,14 +120,14 @@ Json LiveState::lastValue(int driver, const Config::Service& service) const {
     }
 }
 
-Json LiveState::render(const Clock& clock, const vplc::Plant& plant) const {
+Json LiveState::render(const Clock& clock, const vplc::Station& station) const {
     Json state;
     state["t_ms"] = milliseconds(clock.now);
     state["paused"] = clock.paused;
     state["speed"] = clock.maxSpeed ? Json("max") : Json(clock.speed);
     Json bus = Json::array();
     for (std::size_t i = 0; i < config_.bus.size(); ++i) {
-        bus.push_back(moduleState(static_cast<int>(i + 1), config_.bus[i], plant));
+        bus.push_back(moduleState(static_cast<int>(i + 1), config_.bus[i], station));
     }
     state["bus"] = bus;
     Json drivers = Json::array();

@@ -11,7 +11,7 @@
 #include "axlsim/configuration/Config.h"
 #include "axlsim/configuration/EventCatalog.h"
 #include "axlsim/run/Happening.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 namespace axlsim {
 
@@ -31,8 +31,8 @@ public:
 
     void saw(const Happening& happening);
 
-    // The state, with the bus read from `plant` as it stands.
-    nlohmann::ordered_json render(const Clock& clock, const vplc::Plant& plant) const;
+    // The state, with the bus read from `station` as it stands.
+    nlohmann::ordered_json render(const Clock& clock, const vplc::Station& station) const;
 
 private:
     struct DriverState {

@@ -271,8 +271,8 @@ void ModbusServer::read(const ModbusRequest& request) {
     const ModbusMap::Pins& pins = request.pins;
     const int base = (pins.position - 1) * ModbusMap::kBlock;
     modbus_mapping_t& tables = *tables_;
-    run_.readBus([&](const vplc::Plant& plant) {
-        const std::vector<uint8_t> inputs = plant.inputsOnBus(pins.position);
+    run_.readBus([&](const vplc::Station& station) {
+        const std::vector<uint8_t> inputs = station.inputsOnBus(pins.position);
         for (int pin = pins.first; pin < pins.first + pins.count; ++pin) {
             const auto at = static_cast<std::size_t>(base + pin);
             switch (request.table) {
@@ -281,13 +281,13 @@ void ModbusServer::read(const ModbusRequest& request) {
                     break;
                 case ModbusMap::Table::DiscreteInputs:
                     tables.tab_input_bits[at] =
-                        (plant.digitalOutputsOnBus(pins.position) >> pin) & 1;
+                        (station.digitalOutputsOnBus(pins.position) >> pin) & 1;
                     break;
                 case ModbusMap::Table::HoldingRegisters:
                     tables.tab_registers[at] = analogWord(inputs, pin);
                     break;
                 case ModbusMap::Table::InputRegisters:
-                    tables.tab_input_registers[at] = plant.analogOutputOnBus(pins.position, pin);
+                    tables.tab_input_registers[at] = station.analogOutputOnBus(pins.position, pin);
                     break;
             }
         }

@@ -9,10 +9,10 @@ namespace vplc {
 // (null, the default) a scan starts without a gate and no driver thread counts as running.
 
 // Called at the start of every ArpPlcAxio_ReadFromAxioToGds on the calling thread, before the
-// plant's input-copy hook and before the call is counted: the virtual clock's scan gate.
+// station's input-copy hook and before the call is counted: the virtual clock's scan gate.
 using ScanStartHook = void (*)();
 
-// How many driver threads (or fibers) have started and not yet ended; Plant::onInputCopy refuses
+// How many driver threads (or fibers) have started and not yet ended; Station::onInputCopy refuses
 // to change the hook while any runs.
 using RunningDriverThreadsHook = int (*)();
 

@@ -11,7 +11,7 @@ namespace vplc {
 
 // Every entry point of the virtual controller's platform interfaces reports itself here by its C
 // (or C++) function name, so that tests can count calls and make any of them fail. The counts and
-// faults are process-wide; building a Plant starts them afresh, destroying it clears the faults.
+// faults are process-wide; building a Station starts them afresh, destroying it clears the faults.
 
 // Counts one call of `function`. When a fault injected for it is due, consumes it, sets its text
 // as the calling thread's last error and returns that text: the call must then fail. Otherwise

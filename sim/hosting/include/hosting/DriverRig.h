@@ -10,7 +10,7 @@
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverPtr.h"
 #include "orbel/Recorder.h"
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
 namespace hosting {
@@ -23,7 +23,7 @@ namespace hosting {
 // The runtime's defaults are brought back when the rig is made and when it goes.
 //
 // The members are made in the order the host needs them and go in reverse: the driver (its
-// thread ended first) before the plant, the plant before the clock.
+// thread ended first) before the station, the station before the clock.
 class DriverRig {
 public:
     static constexpr int kDigitalPosition = 1;
@@ -67,12 +67,12 @@ public:
     const CSI_base& driver() const { return *driver_; }
     orbel::Recorder& recorder() { return recorder_; }
     vplc::VirtualClock& clock() { return clock_; }
-    vplc::Plant& plant() { return plant_; }
+    vplc::Station& station() { return station_; }
 
 private:
     orbel::Recorder recorder_;
     vplc::VirtualClock clock_;
-    vplc::Plant plant_;
+    vplc::Station station_;
     DriverPtr<> driver_;
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "vplc/Plant.h"
+#include "vplc/Station.h"
 
 #include <stdexcept>
 #include <string>
@@ -41,24 +41,24 @@ std::vector<uint8_t> bytesOf(GdsFrame& frame, std::size_t offset, std::size_t co
 
 }  // namespace
 
-Plant::Builder& Plant::Builder::module(Module module) {
+Station::Builder& Station::Builder::module(Module module) {
     modules_.push_back(module);
     return *this;
 }
 
-Plant Plant::Builder::build() {
-    return Plant(modules_);
+Station Station::Builder::build() {
+    return Station(modules_);
 }
 
-Plant::Builder Plant::builder() {
+Station::Builder Station::builder() {
     return Builder();
 }
 
-Plant Plant::of(std::initializer_list<Module> modules) {
-    return Plant(std::vector(modules));
+Station Station::of(std::initializer_list<Module> modules) {
+    return Station(std::vector(modules));
 }
 
-Plant::Plant(std::vector<Module> modules) {
+Station::Station(std::vector<Module> modules) {
     Controller& controller = Controller::instance();
     auto lock = controller.lock();
     auto bus = std::make_unique<Bus>(modules, controller.nextBusSerial());
@@ -66,9 +66,9 @@ Plant::Plant(std::vector<Module> modules) {
     bus_ = std::move(bus);
 }
 
-Plant::Plant(Plant&& other) noexcept : bus_(std::move(other.bus_)) {}
+Station::Station(Station&& other) noexcept : bus_(std::move(other.bus_)) {}
 
-Plant::~Plant() {
+Station::~Station() {
     if (!bus_) {
         return;
     }
@@ -78,49 +78,49 @@ Plant::~Plant() {
     bus_.reset();
 }
 
-std::vector<Module> Plant::modules() const {
+std::vector<Module> Station::modules() const {
     return bus_->modules();
 }
 
-void Plant::setDigitalInput(int position, int pin, bool on) {
+void Station::setDigitalInput(int position, int pin, bool on) {
     auto lock = Controller::instance().lock();
     bus_->module(position).setDigitalInput(pin, on);
 }
 
-void Plant::setDigitalInputs(int position, uint8_t byte) {
+void Station::setDigitalInputs(int position, uint8_t byte) {
     auto lock = Controller::instance().lock();
     bus_->module(position).setDigitalInputs(byte);
 }
 
-void Plant::setAnalogInput(int position, int channel, uint16_t raw) {
+void Station::setAnalogInput(int position, int channel, uint16_t raw) {
     auto lock = Controller::instance().lock();
     bus_->module(position).setAnalogInput(channel, raw);
 }
 
-uint8_t Plant::digitalOutputsOnBus(int position) const {
+uint8_t Station::digitalOutputsOnBus(int position) const {
     auto lock = Controller::instance().lock();
     return bus_->module(position).digitalOutputs();
 }
 
-uint16_t Plant::analogOutputOnBus(int position, int channel) const {
+uint16_t Station::analogOutputOnBus(int position, int channel) const {
     auto lock = Controller::instance().lock();
     return bus_->module(position).analogOutput(channel);
 }
 
-std::vector<uint8_t> Plant::outputsOnBus(int position) const {
+std::vector<uint8_t> Station::outputsOnBus(int position) const {
     auto lock = Controller::instance().lock();
     return bus_->module(position).outputs();
 }
 
-std::vector<uint8_t> Plant::inputsOnBus(int position) const {
+std::vector<uint8_t> Station::inputsOnBus(int position) const {
     auto lock = Controller::instance().lock();
     return bus_->module(position).inputs();
 }
 
-void Plant::onInputCopy(std::function<void()> hook) {
+void Station::onInputCopy(std::function<void()> hook) {
     if (const int running = hostQueries::runningDriverThreads(); running > 0) {
         throw std::logic_error(
-            "vplc::Plant::onInputCopy: " + std::to_string(running) +
+            "vplc::Station::onInputCopy: " + std::to_string(running) +
             (running == 1 ? " driver thread is" : " driver threads are") +
             " running and may be calling the input-copy hook; set the hook before any driver "
             "thread starts and remove it after every driver thread has ended");
@@ -129,26 +129,26 @@ void Plant::onInputCopy(std::function<void()> hook) {
     bus_->setInputCopyHook(std::move(hook));
 }
 
-std::vector<uint8_t> Plant::frameBytes(Frame frame) const {
+std::vector<uint8_t> Station::frameBytes(Frame frame) const {
     return withFrame(*bus_, frame, Access::Read,
                      [](GdsFrame& data) { return bytesOf(data, 0, data.size()); });
 }
 
-std::vector<uint8_t> Plant::inputsInGds(int position) const {
+std::vector<uint8_t> Station::inputsInGds(int position) const {
     const std::size_t size = bus_->module(position).inputSize();
     const std::size_t offset = bus_->layout().offset(Frame::In, position);
     return withFrame(*bus_, Frame::In, Access::Read,
                      [&](GdsFrame& data) { return bytesOf(data, offset, size); });
 }
 
-std::vector<uint8_t> Plant::outputsInGds(int position) const {
+std::vector<uint8_t> Station::outputsInGds(int position) const {
     const std::size_t size = bus_->module(position).outputSize();
     const std::size_t offset = bus_->layout().offset(Frame::Out, position);
     return withFrame(*bus_, Frame::Out, Access::Read,
                      [&](GdsFrame& data) { return bytesOf(data, offset, size); });
 }
 
-void Plant::setFrameBytes(Frame frame, std::size_t offset, std::vector<uint8_t> bytes) {
+void Station::setFrameBytes(Frame frame, std::size_t offset, std::vector<uint8_t> bytes) {
     const std::size_t size = bus_->layout().size(frame);
     if (offset > size || bytes.size() > size - offset) {
         throw std::out_of_range("Bytes " + std::to_string(offset) + " to " +
@@ -162,48 +162,48 @@ void Plant::setFrameBytes(Frame frame, std::size_t offset, std::vector<uint8_t> 
     });
 }
 
-std::optional<std::size_t> Plant::variableOffset(std::string_view variableName) const {
+std::optional<std::size_t> Station::variableOffset(std::string_view variableName) const {
     if (auto offset = bus_->layout().variableOffset(Frame::In, variableName)) {
         return offset;
     }
     return bus_->layout().variableOffset(Frame::Out, variableName);
 }
 
-int Plant::calls(std::string_view function) const {
+int Station::calls(std::string_view function) const {
     return vplc::calls(function);
 }
 
-void Plant::inject(std::string_view function, Fault fault) {
+void Station::inject(std::string_view function, Fault fault) {
     vplc::inject(function, std::move(fault));
 }
 
-void Plant::clearFaults() {
+void Station::clearFaults() {
     vplc::clearFaults();
 }
 
-void Plant::resetCounters() {
+void Station::resetCounters() {
     resetCallCounts();
     auto lock = Controller::instance().lock();
     bus_->counters().unmatchedEnds = 0;
     bus_->counters().nestedBegins = 0;
 }
 
-int Plant::buffersHeld() const {
+int Station::buffersHeld() const {
     auto lock = Controller::instance().lock();
     return bus_->counters().buffersHeld;
 }
 
-int Plant::unmatchedEnds() const {
+int Station::unmatchedEnds() const {
     auto lock = Controller::instance().lock();
     return bus_->counters().unmatchedEnds;
 }
 
-int Plant::nestedBegins() const {
+int Station::nestedBegins() const {
     auto lock = Controller::instance().lock();
     return bus_->counters().nestedBegins;
 }
 
-int Plant::openLocks() const {
+int Station::openLocks() const {
     auto lock = Controller::instance().lock();
     return bus_->openLocks();
 }

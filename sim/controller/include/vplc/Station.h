@@ -19,15 +19,16 @@ namespace vplc {
 
 class Bus;
 
-// The virtual controller's Axioline bus and its GDS frame buffers "1:IN" and "1:OUT" of the I/O
-// system "Arp.Io.AxlC". A plant is installed process-wide while it lives (at most one at a
-// time; building a second one throws std::logic_error): the controller's C interface works on
-// it, and fails with "No Axioline bus is running" while none is installed. Delete every driver
-// before its plant.
+// The virtual controller's Axioline station: its bus with the modules in their places, and the GDS
+// frame buffers "1:IN" and "1:OUT" of the I/O system "Arp.Io.AxlC" (not to be confused with the
+// plant models of an axlsim configuration, which act on a station's terminals). A station is
+// installed process-wide while it lives (at most one at a time; building a second one throws
+// std::logic_error): the controller's C interface works on it, and fails with "No Axioline bus is
+// running" while none is installed. Delete every driver before its station.
 //
-//   auto plant = vplc::Plant::builder().module(vplc::Module::DI8_DO8)   // position 1
-//                                      .module(vplc::Module::AI2_AO2)   // position 2
-//                                      .build();
+//   auto station = vplc::Station::builder().module(vplc::Module::DI8_DO8)   // position 1
+//                                          .module(vplc::Module::AI2_AO2)   // position 2
+//                                          .build();
 //
 // Each frame starts with the bus master's 2-byte status word (always 0), followed by the process
 // data of every module in bus order, each module starting at an even offset; a frame ends with
@@ -35,24 +36,24 @@ class Bus;
 //
 // Positions count from 1; a position, pin or channel that the bus does not have throws
 // std::out_of_range, a digital operation on an analog module (or the reverse) std::logic_error.
-class Plant {
+class Station {
 public:
     class Builder {
     public:
         Builder& module(Module module);
-        Plant build();
+        Station build();
 
     private:
         std::vector<Module> modules_;
     };
 
     static Builder builder();
-    static Plant of(std::initializer_list<Module> modules);
+    static Station of(std::initializer_list<Module> modules);
 
-    Plant(Plant&& other) noexcept;
-    Plant& operator=(Plant&&) = delete;
-    Plant(const Plant&) = delete;
-    ~Plant();
+    Station(Station&& other) noexcept;
+    Station& operator=(Station&&) = delete;
+    Station(const Station&) = delete;
+    ~Station();
 
     // --- The terminals: what the modules see on their wiring (positions count from 1).
     std::vector<Module> modules() const;
@@ -80,7 +81,7 @@ public:
     void setFrameBytes(Frame frame, std::size_t offset, std::vector<uint8_t> bytes);
     std::optional<std::size_t> variableOffset(std::string_view variableName) const;
 
-    // --- The platform calls, by C function name ("ArpPlcGds_BeginRead", ...). Building a plant
+    // --- The platform calls, by C function name ("ArpPlcGds_BeginRead", ...). Building a station
     // resets the call counts and clears the faults; destroying it clears the faults.
     int calls(std::string_view function) const;
     void inject(std::string_view function, Fault fault);
@@ -92,7 +93,7 @@ public:
     int openLocks() const;      // Begin calls not yet followed by their End
 
 private:
-    explicit Plant(std::vector<Module> modules);
+    explicit Station(std::vector<Module> modules);
 
     std::unique_ptr<Bus> bus_;
 };

@@ -10,14 +10,14 @@
 #include "Arp/Plc/AnsiC/Domain/PlcOperationHandler.h"
 #include "Arp/Plc/AnsiC/Io/Axio.h"
 #include "GdsAccess.h"
-#include "vplc/Plant.h"
 #include "vplc/PlcDomain.h"
+#include "vplc/Station.h"
 
 using controllertest::acquire;
 using controllertest::lastError;
 using vplc::Fault;
 using vplc::Module;
-using vplc::Plant;
+using vplc::Station;
 
 namespace {
 
@@ -32,26 +32,26 @@ void onAnything(PlcOperation) {
 
 }  // namespace
 
-TEST(Plant, OnlyOnePlantLivesAtATime) {
-    auto plant = Plant::of({Module::DI8_DO8});
+TEST(Station, OnlyOnePlantLivesAtATime) {
+    auto station = Station::of({Module::DI8_DO8});
 
-    EXPECT_THROW(Plant::of({Module::AI2_AO2}), std::logic_error);
-    EXPECT_EQ(plant.modules(), (std::vector<Module>{Module::DI8_DO8}));
+    EXPECT_THROW(Station::of({Module::AI2_AO2}), std::logic_error);
+    EXPECT_EQ(station.modules(), (std::vector<Module>{Module::DI8_DO8}));
 }
 
-TEST(Plant, ADestroyedPlantMakesRoomForANewOne) {
-    { auto first = Plant::of({Module::DI8_DO8}); }
+TEST(Station, ADestroyedPlantMakesRoomForANewOne) {
+    { auto first = Station::of({Module::DI8_DO8}); }
 
-    auto second = Plant::of({Module::AI2_AO2});
+    auto second = Station::of({Module::AI2_AO2});
 
     EXPECT_EQ(second.modules(), (std::vector<Module>{Module::AI2_AO2}));
 }
 
-TEST(Plant, AMovedPlantStaysInstalled) {
-    std::optional<Plant> moved;
+TEST(Station, AMovedPlantStaysInstalled) {
+    std::optional<Station> moved;
     {
-        auto plant = Plant::builder().module(Module::DI8_DO8).build();
-        moved.emplace(std::move(plant));
+        auto station = Station::builder().module(Module::DI8_DO8).build();
+        moved.emplace(std::move(station));
     }
     moved->setDigitalInputs(1, 0x3C);
 
@@ -59,19 +59,19 @@ TEST(Plant, AMovedPlantStaysInstalled) {
     EXPECT_EQ(moved->inputsInGds(1), (std::vector<uint8_t>{0x3C}));
 }
 
-TEST(Plant, WithTheLastPlantGoneTheBusStopsRunning) {
-    { auto plant = Plant::of({Module::DI8_DO8}); }
+TEST(Station, WithTheLastPlantGoneTheBusStopsRunning) {
+    { auto station = Station::of({Module::DI8_DO8}); }
 
     EXPECT_FALSE(ArpPlcAxio_ReadFromAxioToGds(0));
     EXPECT_EQ(lastError(), "No Axioline bus is running");
 }
 
-TEST(Plant, APlantBuiltWhileAnotherHeldAHandleDoesNotCountThatHandle) {
-    std::optional<Plant> first(Plant::of({Module::DI8_DO8}));
+TEST(Station, APlantBuiltWhileAnotherHeldAHandleDoesNotCountThatHandle) {
+    std::optional<Station> first(Station::of({Module::DI8_DO8}));
     acquire("1:IN");
     first.reset();
 
-    auto second = Plant::of({Module::DI8_DO8});
+    auto second = Station::of({Module::DI8_DO8});
 
     EXPECT_EQ(second.buffersHeld(), 0);
 }
@@ -90,37 +90,37 @@ TEST(PlcDomain, AHandlerIsRegisteredWithoutAPlant) {
 }
 
 TEST(PlcDomain, AFailedRegistrationKeepsTheHandlerBefore) {
-    auto plant = Plant::of({});
+    auto station = Station::of({});
     ArpPlcDomain_SetHandler(onStart);
-    plant.inject("ArpPlcDomain_SetHandler", Fault::next("Domain not ready"));
+    station.inject("ArpPlcDomain_SetHandler", Fault::next("Domain not ready"));
 
     ArpPlcDomain_SetHandler(onAnything);
 
     EXPECT_EQ(vplc::plcOperationHandler(), &onStart);
     EXPECT_EQ(lastError(), "Domain not ready");
-    EXPECT_EQ(plant.calls("ArpPlcDomain_SetHandler"), 2);
+    EXPECT_EQ(station.calls("ArpPlcDomain_SetHandler"), 2);
 }
 
-TEST(Plant, TheInputCopyHookSetsInputsThatTheSameCopyDelivers) {
-    auto plant = Plant::of({Module::AI2_AO2});
+TEST(Station, TheInputCopyHookSetsInputsThatTheSameCopyDelivers) {
+    auto station = Station::of({Module::AI2_AO2});
     int calls = 0;
-    plant.onInputCopy(
-        [&plant, &calls] { plant.setAnalogInput(1, 1, static_cast<uint16_t>(++calls)); });
+    station.onInputCopy(
+        [&station, &calls] { station.setAnalogInput(1, 1, static_cast<uint16_t>(++calls)); });
 
     EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
     EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
 
     EXPECT_EQ(calls, 2);
-    EXPECT_EQ(plant.inputsInGds(1), (std::vector<uint8_t>{0, 0, 0, 2}));
-    EXPECT_EQ(plant.inputsOnBus(1), (std::vector<uint8_t>{0, 0, 0, 2}));
+    EXPECT_EQ(station.inputsInGds(1), (std::vector<uint8_t>{0, 0, 0, 2}));
+    EXPECT_EQ(station.inputsOnBus(1), (std::vector<uint8_t>{0, 0, 0, 2}));
     EXPECT_TRUE(ArpPlcAxio_WriteFromGdsToAxio(0));
     EXPECT_EQ(calls, 2);
 }
 
-// The plant's writes and the scan's copies exclude each other on the controller's lock; under
+// The station's writes and the scan's copies exclude each other on the controller's lock; under
 // ThreadSanitizer a lapse is a reported race on the bus's input byte.
-TEST(Plant, InputsSetWhileAnotherThreadScansReachTheFrameLastValueLast) {
-    auto plant = Plant::of({Module::DI8_DO8});
+TEST(Station, InputsSetWhileAnotherThreadScansReachTheFrameLastValueLast) {
+    auto station = Station::of({Module::DI8_DO8});
     constexpr int kRounds = 2000;
     std::thread scan([] {
         for (int round = 0; round < kRounds; ++round) {
@@ -128,9 +128,9 @@ TEST(Plant, InputsSetWhileAnotherThreadScansReachTheFrameLastValueLast) {
         }
     });
     for (int round = 0; round < kRounds; ++round) {
-        plant.setDigitalInputs(1, static_cast<uint8_t>(round));
+        station.setDigitalInputs(1, static_cast<uint8_t>(round));
     }
     scan.join();
     ASSERT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
-    EXPECT_EQ(plant.inputsInGds(1), std::vector<uint8_t>{static_cast<uint8_t>(kRounds - 1)});
+    EXPECT_EQ(station.inputsInGds(1), std::vector<uint8_t>{static_cast<uint8_t>(kRounds - 1)});
 }

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ScanRig.h"
 
-#include <stdexcept>
 #include <vector>
 
-#include "FullyConfigured.h"
-#include "hosting/HostCalls.h"
 #include "orbel/DriverThreads.h"
 
 namespace axlbench {
@@ -13,18 +10,6 @@ namespace axlbench {
 namespace {
 
 constexpr long kWarmUpScans = 100;
-
-vplc::Plant plantWithInputs(ModuleKind module) {
-    if (module == ModuleKind::Digital) {
-        auto plant = vplc::Plant::of({vplc::Module::DI8_DO8});
-        plant.setDigitalInputs(1, 0xA5);
-        return plant;
-    }
-    auto plant = vplc::Plant::of({vplc::Module::AI2_AO2});
-    plant.setAnalogInput(1, 0, 12345);
-    plant.setAnalogInput(1, 1, 23456);
-    return plant;
-}
 
 std::vector<FloorScanner::Read> readsOf(ModuleKind module, const FloorFrames& frames) {
     if (module == ModuleKind::Digital) {
@@ -37,13 +22,15 @@ std::vector<FloorScanner::Read> readsOf(ModuleKind module, const FloorFrames& fr
 
 }  // namespace
 
-ScanRig::ScanRig(ModuleKind module, Side side) : plant_(plantWithInputs(module)) {
+ScanRig::ScanRig(ModuleKind module, Side side) : BenchRig(module) {
+    if (module == ModuleKind::Digital) {
+        plant_.setDigitalInputs(1, 0xA5);
+    } else {
+        plant_.setAnalogInput(1, 0, 12345);
+        plant_.setAnalogInput(1, 1, 23456);
+    }
     if (side == Side::Driver) {
-        driver_ = hosting::host::create(fullyConfigured(module));
-        hosting::host::initialize(*driver_);
-        if (host_.stops() != 0 || host_.failures() != 0) {
-            throw std::runtime_error("the driver did not start as configured");
-        }
+        startDriver(module);
     } else {
         frames_ = std::make_unique<FloorFrames>();
         floor_ = std::make_unique<FloorScanner>(frames_->in(), readsOf(module, *frames_));

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "ExposedDriver.h"
+#include "ExposedDriverTest.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverRig.h"
 #include "hosting/HostCalls.h"
@@ -17,10 +17,9 @@
 #include "vplc/Plant.h"
 #include "vplc/VirtualClock.h"
 
-using hosting::DriverPtr;
 namespace host = hosting::host;
+using drivertest::ExposedDriverTest;
 using hosting::DriverConfig;
-using hosting::DriverRig;
 using hosting::LoggedLine;
 using testsupport::ExposedDriver;
 
@@ -71,33 +70,9 @@ constexpr const char* kTestModule = "TEST_MODULE";
 
 // Driver threads wait at the scan gate, so that the tables and the input buffers stay as the
 // registration left them.
-class PinRegistration : public ::testing::Test {
+class PinRegistration : public ExposedDriverTest {
 protected:
     PinRegistration() { clock_.holdScans(true); }
-
-    ExposedDriver& initialize(const DriverConfig& config) {
-        driver_.reset(new ExposedDriver(config));
-        host::initialize(*driver_);
-        clock_.settle();
-        return *driver_;
-    }
-
-    // Initialises with a module of the test's own, for the device type kTestModule.
-    ExposedDriver& initializeWith(INumberedPinModule* module, DriverConfig config) {
-        driver_.reset(new ExposedDriver(config));
-        driver_->setModule(module);
-        host::initialize(*driver_);
-        clock_.settle();
-        return *driver_;
-    }
-
-    std::vector<LoggedLine> logs() const {
-        std::vector<LoggedLine> lines;
-        for (const auto& line : recorder_.logs(driver_.get())) {
-            lines.push_back({line.level, line.format, line.text});
-        }
-        return lines;
-    }
 
     std::vector<std::string> stopMessages() const {
         std::vector<std::string> messages;
@@ -122,19 +97,12 @@ protected:
         }
         return ::testing::AssertionSuccess();
     }
-
-    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
-    DriverRig rig_;
-    orbel::Recorder& recorder_ = rig_.recorder();
-    vplc::VirtualClock& clock_ = rig_.clock();
-    vplc::Plant& plant_ = rig_.plant();
-    DriverPtr<ExposedDriver> driver_;
 };
 
 }  // namespace
 
 TEST_F(PinRegistration, ADigitalInputOnPin3GetsAZeroedBufferOfItsSizeAndItsEventId) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(17, "3", 6));
+    auto& driver = start(DriverConfig::digital().digitalIn(17, "3", 6));
 
     ASSERT_EQ(driver.digitalInputs().count(3), 1u);
     const stEventParams_t& event = driver.digitalInputs().at(3);
@@ -148,7 +116,7 @@ TEST_F(PinRegistration, ADigitalInputOnPin3GetsAZeroedBufferOfItsSizeAndItsEvent
 }
 
 TEST_F(PinRegistration, AnAnalogInputOnPin1GetsAZeroedBufferOfItsSizeAndItsEventId) {
-    auto& driver = initialize(DriverConfig::analog(2).analogIn(8, "1"));
+    auto& driver = start(DriverConfig::analog(2).analogIn(8, "1"));
 
     ASSERT_EQ(driver.analogInputs().count(1), 1u);
     const stEventParams_t& event = driver.analogInputs().at(1);
@@ -159,22 +127,22 @@ TEST_F(PinRegistration, AnAnalogInputOnPin1GetsAZeroedBufferOfItsSizeAndItsEvent
 }
 
 TEST_F(PinRegistration, APinNumberAfterBlanksIsRead) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "   7"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "   7"));
     EXPECT_EQ(driver.digitalInputs().count(7), 1u);
 }
 
 TEST_F(PinRegistration, TextAfterThePinNumberIsIgnored) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "7abc"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "7abc"));
     EXPECT_EQ(driver.digitalInputs().count(7), 1u);
 }
 
 TEST_F(PinRegistration, APinNumberOf1Point5IsPin1) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "1.5"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "1.5"));
     EXPECT_EQ(driver.digitalInputs().count(1), 1u);
 }
 
 TEST_F(PinRegistration, PinMinus1IsReportedAsNotAvailable) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "-1"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "-1"));
 
     EXPECT_EQ(logs(), (std::vector<LoggedLine>{
                           {2,
@@ -187,7 +155,7 @@ TEST_F(PinRegistration, PinMinus1IsReportedAsNotAvailable) {
 }
 
 TEST_F(PinRegistration, DigitalInputPin8IsNotAvailableOnTheDigitalModule) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "8"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "8"));
 
     EXPECT_EQ(logs(), (std::vector<LoggedLine>{
                           {2,
@@ -201,7 +169,7 @@ TEST_F(PinRegistration, DigitalInputPin8IsNotAvailableOnTheDigitalModule) {
 }
 
 TEST_F(PinRegistration, DigitalOutputPin8IsNotAvailableOnTheDigitalModule) {
-    auto& driver = initialize(DriverConfig::digital().digitalOut(1, "8", "1"));
+    auto& driver = start(DriverConfig::digital().digitalOut(1, "8", "1"));
 
     EXPECT_EQ(logs(), (std::vector<LoggedLine>{
                           {2,
@@ -215,7 +183,7 @@ TEST_F(PinRegistration, DigitalOutputPin8IsNotAvailableOnTheDigitalModule) {
 }
 
 TEST_F(PinRegistration, AnalogInputPin2IsNotAvailableOnTheAnalogModule) {
-    auto& driver = initialize(DriverConfig::analog(2).analogIn(1, "2"));
+    auto& driver = start(DriverConfig::analog(2).analogIn(1, "2"));
 
     EXPECT_EQ(logs(), (std::vector<LoggedLine>{
                           {2,
@@ -228,7 +196,7 @@ TEST_F(PinRegistration, AnalogInputPin2IsNotAvailableOnTheAnalogModule) {
 }
 
 TEST_F(PinRegistration, AnalogOutputPin5IsNotAvailableOnTheAnalogModule) {
-    auto& driver = initialize(DriverConfig::analog(2).analogOut(1, "5", "1"));
+    auto& driver = start(DriverConfig::analog(2).analogOut(1, "5", "1"));
 
     EXPECT_EQ(logs(), (std::vector<LoggedLine>{
                           {2,
@@ -241,7 +209,7 @@ TEST_F(PinRegistration, AnalogOutputPin5IsNotAvailableOnTheAnalogModule) {
 }
 
 TEST_F(PinRegistration, ASecondAnalogInputOnOnePinIsInUseWithAFullStop) {
-    auto& driver = initialize(DriverConfig::analog(2).analogIn(1, "1").analogIn(2, "1"));
+    auto& driver = start(DriverConfig::analog(2).analogIn(1, "1").analogIn(2, "1"));
 
     EXPECT_EQ(logs(),
               (std::vector<LoggedLine>{{2, "Analog input pin with number %d is already in use.",
@@ -252,7 +220,7 @@ TEST_F(PinRegistration, ASecondAnalogInputOnOnePinIsInUseWithAFullStop) {
 }
 
 TEST_F(PinRegistration, ASecondDigitalInputOnOnePinIsInUseWithoutAFullStop) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "4").digitalIn(2, "4"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "4").digitalIn(2, "4"));
 
     EXPECT_EQ(logs(),
               (std::vector<LoggedLine>{{2, "Digital input pin with number %d is already in use.",
@@ -263,8 +231,7 @@ TEST_F(PinRegistration, ASecondDigitalInputOnOnePinIsInUseWithoutAFullStop) {
 }
 
 TEST_F(PinRegistration, ASecondDigitalOutputOnOnePinIsInUseWithAFullStop) {
-    auto& driver =
-        initialize(DriverConfig::digital().digitalOut(1, "4", "0").digitalOut(2, "4", "1"));
+    auto& driver = start(DriverConfig::digital().digitalOut(1, "4", "0").digitalOut(2, "4", "1"));
 
     EXPECT_EQ(driver.outputs().size(), 1u);
     EXPECT_EQ(logs(),
@@ -275,8 +242,7 @@ TEST_F(PinRegistration, ASecondDigitalOutputOnOnePinIsInUseWithAFullStop) {
 }
 
 TEST_F(PinRegistration, ASecondAnalogOutputOnOnePinIsInUseWithoutAFullStop) {
-    auto& driver =
-        initialize(DriverConfig::analog(2).analogOut(1, "0", "1").analogOut(2, "0", "2"));
+    auto& driver = start(DriverConfig::analog(2).analogOut(1, "0", "1").analogOut(2, "0", "2"));
 
     EXPECT_EQ(logs(),
               (std::vector<LoggedLine>{{2, "Analog output pin with number %d is already in use.",
@@ -287,7 +253,7 @@ TEST_F(PinRegistration, ASecondAnalogOutputOnOnePinIsInUseWithoutAFullStop) {
 }
 
 TEST_F(PinRegistration, ADigitalInputAndADigitalOutputMayShareAPinNumber) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "2").digitalOut(2, "2", "0"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "2").digitalOut(2, "2", "0"));
 
     EXPECT_TRUE(recorder_.stops().empty());
     EXPECT_EQ(driver.digitalInputs().count(2), 1u);
@@ -384,12 +350,12 @@ TEST_F(PinRegistration, AnInvalidInitValThrowsEvenForAPinThatIsNotAvailable) {
 }
 
 TEST_F(PinRegistration, InitVal1SwitchesADigitalOutputOn) {
-    initialize(DriverConfig::digital().digitalOut(1, "6", "1"));
+    start(DriverConfig::digital().digitalOut(1, "6", "1"));
     EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x40);
 }
 
 TEST_F(PinRegistration, InitVal256WritesTheLow8BitsWhichAre0) {
-    initialize(DriverConfig::digital().digitalOut(1, "0", "256"));
+    start(DriverConfig::digital().digitalOut(1, "0", "256"));
     EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x00);
     EXPECT_EQ(plant_.calls("ArpPlcGds_BeginWrite"), 1);
 }
@@ -397,33 +363,33 @@ TEST_F(PinRegistration, InitVal256WritesTheLow8BitsWhichAre0) {
 TEST_F(PinRegistration, InitValMinus1Writes255) {
     // The module's set-or-clear rule makes 255 set pin 0 and clear every other pin; a value of 1
     // would have set pin 2 as well.
-    initialize(DriverConfig::digital().digitalOut(1, "0", "-1").digitalOut(2, "2", "-1"));
+    start(DriverConfig::digital().digitalOut(1, "0", "-1").digitalOut(2, "2", "-1"));
     EXPECT_EQ(plant_.digitalOutputsOnBus(1), 0x01);
 }
 
 TEST_F(PinRegistration, AnAnalogInitVal1Writes3000) {
-    initialize(DriverConfig::analog(2).analogOut(1, "1", "1"));
+    start(DriverConfig::analog(2).analogOut(1, "1", "1"));
     EXPECT_EQ(plant_.analogOutputOnBus(2, 1), 3000);
 }
 
 TEST_F(PinRegistration, AnAnalogInitVal10Writes30000) {
-    initialize(DriverConfig::analog(2).analogOut(1, "0", "10"));
+    start(DriverConfig::analog(2).analogOut(1, "0", "10"));
     EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 30000);
 }
 
 TEST_F(PinRegistration, AnAnalogInitVal1Point5IsTakenAs1) {
-    initialize(DriverConfig::analog(2).analogOut(1, "0", "1.5"));
+    start(DriverConfig::analog(2).analogOut(1, "0", "1.5"));
     EXPECT_EQ(plant_.analogOutputOnBus(2, 0), 3000);
 }
 
 TEST_F(PinRegistration, ADigitalOutputOnPin2IsRegisteredWithType3) {
-    initialize(DriverConfig::digital().digitalOut(12, "2", "0"));
+    start(DriverConfig::digital().digitalOut(12, "2", "0"));
     EXPECT_TRUE(outputBound(2, 12, DigitalOut));
     EXPECT_EQ(static_cast<int>(DigitalOut), 3);
 }
 
 TEST_F(PinRegistration, AnAnalogOutputOnPin1IsRegisteredWithType1) {
-    initialize(DriverConfig::analog(2).analogOut(13, "1", "0"));
+    start(DriverConfig::analog(2).analogOut(13, "1", "0"));
     EXPECT_TRUE(outputBound(1, 13, AnalogOut));
     EXPECT_EQ(static_cast<int>(AnalogOut), 1);
 }
@@ -432,7 +398,7 @@ TEST_F(PinRegistration, AnEventIdWithoutMappingGetsAnElementOfSize0AndAnEmptyPay
     auto config = DriverConfig::digital().digitalIn(5, "1");
     config.mappings.clear();
 
-    auto& driver = initialize(config);
+    auto& driver = start(config);
 
     ASSERT_EQ(driver.hostMappings().count(5), 1u);
     EXPECT_EQ(driver.hostMappings().at(5).nDataSize, 0);
@@ -443,8 +409,8 @@ TEST_F(PinRegistration, AnEventIdWithoutMappingGetsAnElementOfSize0AndAnEmptyPay
 }
 
 TEST_F(PinRegistration, AModuleRefusingADigitalInputStopsSilentlyAndKeepsTheEntry) {
-    auto& driver = initializeWith(new RefusingModule<AXL_F_DI8_1_DO8_1>(1),
-                                  DriverConfig(kTestModule).digitalIn(3, "5"));
+    auto& driver = start(DriverConfig(kTestModule).digitalIn(3, "5"),
+                         new RefusingModule<AXL_F_DI8_1_DO8_1>(1));
 
     EXPECT_TRUE(logs().empty());
     EXPECT_EQ(stopMessages(),
@@ -454,8 +420,8 @@ TEST_F(PinRegistration, AModuleRefusingADigitalInputStopsSilentlyAndKeepsTheEntr
 }
 
 TEST_F(PinRegistration, AModuleRefusingAnAnalogInputIsLoggedAndStoppedAndKeepsTheEntry) {
-    auto& driver = initializeWith(new RefusingModule<AXL_F_AI2_AO2>(2),
-                                  DriverConfig(kTestModule).analogIn(3, "1"));
+    auto& driver =
+        start(DriverConfig(kTestModule).analogIn(3, "1"), new RefusingModule<AXL_F_AI2_AO2>(2));
 
     EXPECT_EQ(logs(),
               (std::vector<LoggedLine>{{2, "Could not register service for analog input pin %i",
@@ -466,8 +432,8 @@ TEST_F(PinRegistration, AModuleRefusingAnAnalogInputIsLoggedAndStoppedAndKeepsTh
 }
 
 TEST_F(PinRegistration, AModuleRefusingADigitalOutputGetsNoInitialWriteAndNoEntry) {
-    auto& driver = initializeWith(new RefusingModule<AXL_F_DI8_1_DO8_1>(1),
-                                  DriverConfig(kTestModule).digitalOut(3, "5", "1"));
+    auto& driver = start(DriverConfig(kTestModule).digitalOut(3, "5", "1"),
+                         new RefusingModule<AXL_F_DI8_1_DO8_1>(1));
 
     EXPECT_TRUE(logs().empty());
     EXPECT_EQ(stopMessages(),
@@ -477,8 +443,8 @@ TEST_F(PinRegistration, AModuleRefusingADigitalOutputGetsNoInitialWriteAndNoEntr
 }
 
 TEST_F(PinRegistration, AModuleRefusingAnAnalogOutputGetsNoInitialWriteAndNoEntry) {
-    auto& driver = initializeWith(new RefusingModule<AXL_F_AI2_AO2>(2),
-                                  DriverConfig(kTestModule).analogOut(3, "0", "4"));
+    auto& driver = start(DriverConfig(kTestModule).analogOut(3, "0", "4"),
+                         new RefusingModule<AXL_F_AI2_AO2>(2));
 
     EXPECT_TRUE(logs().empty());
     EXPECT_EQ(stopMessages(),
@@ -488,8 +454,8 @@ TEST_F(PinRegistration, AModuleRefusingAnAnalogOutputGetsNoInitialWriteAndNoEntr
 }
 
 TEST_F(PinRegistration, ALaterDigitalInputOnAPinReplacesTheEarlierRecord) {
-    auto& driver = initializeWith(new NeverTakenModule<AXL_F_DI8_1_DO8_1>(1),
-                                  DriverConfig(kTestModule).digitalIn(1, "2").digitalIn(2, "2", 3));
+    auto& driver = start(DriverConfig(kTestModule).digitalIn(1, "2").digitalIn(2, "2", 3),
+                         new NeverTakenModule<AXL_F_DI8_1_DO8_1>(1));
 
     ASSERT_EQ(driver.digitalInputs().count(2), 1u);
     EXPECT_EQ(driver.digitalInputs().at(2).nId, 2u);
@@ -497,8 +463,8 @@ TEST_F(PinRegistration, ALaterDigitalInputOnAPinReplacesTheEarlierRecord) {
 }
 
 TEST_F(PinRegistration, ALaterAnalogInputOnAPinKeepsTheEarlierRecord) {
-    auto& driver = initializeWith(new NeverTakenModule<AXL_F_AI2_AO2>(2),
-                                  DriverConfig(kTestModule).analogIn(1, "0").analogIn(2, "0", 8));
+    auto& driver = start(DriverConfig(kTestModule).analogIn(1, "0").analogIn(2, "0", 8),
+                         new NeverTakenModule<AXL_F_AI2_AO2>(2));
 
     ASSERT_EQ(driver.analogInputs().count(0), 1u);
     EXPECT_EQ(driver.analogInputs().at(0).nId, 1u);
@@ -506,9 +472,8 @@ TEST_F(PinRegistration, ALaterAnalogInputOnAPinKeepsTheEarlierRecord) {
 }
 
 TEST_F(PinRegistration, ALaterOutputOnAPinTakesOverItsEntry) {
-    auto& driver =
-        initializeWith(new NeverTakenModule<AXL_F_AI2_AO2>(2),
-                       DriverConfig(kTestModule).analogOut(1, "0", "0").analogOut(2, "0", "1"));
+    auto& driver = start(DriverConfig(kTestModule).analogOut(1, "0", "0").analogOut(2, "0", "1"),
+                         new NeverTakenModule<AXL_F_AI2_AO2>(2));
 
     EXPECT_TRUE(outputBound(0, 2, AnalogOut));
     EXPECT_EQ(driver.outputs().size(), 1u);

@@ -4,22 +4,9 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "FullyConfigured.h"
-#include "hosting/HostCalls.h"
-#include "orbel/DriverThreads.h"
-
 namespace axlbench {
 
-namespace {
-
-vplc::Station stationOf(ModuleKind module) {
-    return vplc::Station::of(
-        {module == ModuleKind::Digital ? vplc::Module::DI8_DO8 : vplc::Module::AI2_AO2});
-}
-
-}  // namespace
-
-EventRig::EventRig(EventKind kind, Side side) : station_(stationOf(moduleOf(kind))) {
+EventRig::EventRig(EventKind kind, Side side) : BenchRig(moduleOf(kind)) {
     std::vector<FloorWriter::Write> writes;
     std::vector<uint8_t> expected;
     if (side == Side::Floor) {
@@ -66,21 +53,13 @@ EventRig::EventRig(EventKind kind, Side side) : station_(stationOf(moduleOf(kind
         }
     }
     if (side == Side::Driver) {
-        driver_ = hosting::host::create(fullyConfigured(moduleOf(kind)));
-        hosting::host::initialize(*driver_);
-        if (host_.stops() != 0 || host_.failures() != 0) {
-            throw std::runtime_error("the driver did not start as configured");
-        }
+        startDriver(moduleOf(kind));
         clock_.waitUntilHeld();
     } else {
         writer_ = std::make_unique<FloorWriter>(frames_->out(), std::move(writes));
     }
     deliver();
     checkOutputs(expected);
-}
-
-EventRig::~EventRig() {
-    orbel::endAllDriverThreads();
 }
 
 void EventRig::deliver() {

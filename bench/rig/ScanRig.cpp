@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ScanRig.h"
 
-#include <stdexcept>
 #include <vector>
 
-#include "FullyConfigured.h"
-#include "hosting/HostCalls.h"
 #include "orbel/DriverThreads.h"
 
 namespace axlbench {
@@ -13,18 +10,6 @@ namespace axlbench {
 namespace {
 
 constexpr long kWarmUpScans = 100;
-
-vplc::Station stationWithInputs(ModuleKind module) {
-    if (module == ModuleKind::Digital) {
-        auto station = vplc::Station::of({vplc::Module::DI8_DO8});
-        station.setDigitalInputs(1, 0xA5);
-        return station;
-    }
-    auto station = vplc::Station::of({vplc::Module::AI2_AO2});
-    station.setAnalogInput(1, 0, 12345);
-    station.setAnalogInput(1, 1, 23456);
-    return station;
-}
 
 std::vector<FloorScanner::Read> readsOf(ModuleKind module, const FloorFrames& frames) {
     if (module == ModuleKind::Digital) {
@@ -37,13 +22,15 @@ std::vector<FloorScanner::Read> readsOf(ModuleKind module, const FloorFrames& fr
 
 }  // namespace
 
-ScanRig::ScanRig(ModuleKind module, Side side) : station_(stationWithInputs(module)) {
+ScanRig::ScanRig(ModuleKind module, Side side) : BenchRig(module) {
+    if (module == ModuleKind::Digital) {
+        station_.setDigitalInputs(1, 0xA5);
+    } else {
+        station_.setAnalogInput(1, 0, 12345);
+        station_.setAnalogInput(1, 1, 23456);
+    }
     if (side == Side::Driver) {
-        driver_ = hosting::host::create(fullyConfigured(module));
-        hosting::host::initialize(*driver_);
-        if (host_.stops() != 0 || host_.failures() != 0) {
-            throw std::runtime_error("the driver did not start as configured");
-        }
+        startDriver(module);
     } else {
         frames_ = std::make_unique<FloorFrames>();
         floor_ = std::make_unique<FloorScanner>(frames_->in(), readsOf(module, *frames_));

@@ -4,13 +4,9 @@
 #include <chrono>
 #include <memory>
 
-#include "FloorFrames.h"
+#include "BenchRig.h"
 #include "FloorScanner.h"
-#include "ScanBatchClock.h"
-#include "SilentHost.h"
 #include "Workload.h"
-#include "hosting/DriverPtr.h"
-#include "vplc/Station.h"
 
 namespace axlbench {
 
@@ -18,12 +14,11 @@ namespace axlbench {
 // floor's. The inputs hold still, so a driver scan reads every pin and publishes nothing. Once
 // made, the scanning thread is held between batches; setting up and the first scans are not
 // measured.
-class ScanRig {
+class ScanRig : public BenchRig {
 public:
     ScanRig(ModuleKind module, Side side);
+    // Ends the floor's thread too, before the floor goes.
     ~ScanRig();
-    ScanRig(const ScanRig&) = delete;
-    ScanRig& operator=(const ScanRig&) = delete;
 
     // Runs `scans` scans back to back; returns their time on the scanning thread.
     std::chrono::nanoseconds run(long scans);
@@ -33,13 +28,7 @@ public:
     int publications() const { return host_.publications(); }
 
 private:
-    SilentHost host_;
-    vplc::Station station_;
-    ScanBatchClock clock_;
-    std::unique_ptr<FloorFrames> frames_;
     std::unique_ptr<FloorScanner> floor_;
-    // Configured with every pin of the module at position 1 (see Workload.h for its event ids).
-    hosting::DriverPtr<> driver_;
 };
 
 }  // namespace axlbench

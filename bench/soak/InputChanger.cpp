@@ -8,20 +8,12 @@ namespace soak {
 InputChanger::InputChanger(vplc::Station& station, std::vector<Input> inputs, uint32_t seed)
     : station_(station), inputs_(std::move(inputs)), random_(seed) {}
 
-InputChanger::~InputChanger() {
-    stop();
-}
-
 void InputChanger::start() {
-    thread_ = std::thread([this] { run(); });
+    thread_ = std::jthread([this](std::stop_token stop) { run(stop); });
 }
 
 void InputChanger::stop() {
-    {
-        std::lock_guard lock(mutex_);
-        stopping_ = true;
-    }
-    stopRequested_.notify_all();
+    thread_.request_stop();
     if (thread_.joinable()) {
         thread_.join();
     }
@@ -51,7 +43,7 @@ uint16_t InputChanger::nextValue(std::size_t input, uint16_t current) {
     return word;
 }
 
-void InputChanger::run() {
+void InputChanger::run(const std::stop_token& stop) {
     const Time begin = std::chrono::steady_clock::now();
     // The terminals start at 0; that is the first value each input holds.
     std::vector<Hold> current;
@@ -64,7 +56,7 @@ void InputChanger::run() {
     for (;;) {
         const std::size_t input =
             static_cast<std::size_t>(std::min_element(due.begin(), due.end()) - due.begin());
-        if (stopRequested_.wait_until(lock, due[input], [this] { return stopping_; })) {
+        if (wake_.wait_until(lock, stop, due[input], [&stop] { return stop.stop_requested(); })) {
             break;
         }
         const Input& target = inputs_[input];

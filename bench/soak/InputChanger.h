@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <mutex>
 #include <random>
+#include <stop_token>
 #include <thread>
 #include <vector>
 
@@ -42,11 +43,11 @@ public:
     };
 
     InputChanger(vplc::Station& station, std::vector<Input> inputs, uint32_t seed);
-    ~InputChanger();
     InputChanger(const InputChanger&) = delete;
     InputChanger& operator=(const InputChanger&) = delete;
 
     void start();
+    // Also when the changer goes.
     void stop();
 
     const std::vector<Input>& inputs() const { return inputs_; }
@@ -56,7 +57,7 @@ public:
     static bool isSoakWord(uint16_t word);
 
 private:
-    void run();
+    void run(const std::stop_token& stop);
     std::chrono::milliseconds nextHold();
     uint16_t nextValue(std::size_t input, uint16_t current);
 
@@ -65,9 +66,8 @@ private:
     std::mt19937 random_;
     std::vector<Hold> holds_;
     std::mutex mutex_;
-    std::condition_variable stopRequested_;
-    bool stopping_ = false;
-    std::thread thread_;
+    std::condition_variable_any wake_;  // woken by a stop request
+    std::jthread thread_;
 };
 
 }  // namespace soak

@@ -203,7 +203,7 @@ TEST_F(Faults, PlatformCallCountsAndFailsCallsOutsideTheCInterface) {
     EXPECT_EQ(station_.calls("ArpSystemModuleMain"), 2);
 }
 
-TEST(FaultLifetime, BuildingAPlantStartsCountsAndFaultsAfresh) {
+TEST(FaultLifetime, BuildingAStationStartsCountsAndFaultsAfresh) {
     vplc::inject("ArpPlcAxio_ReadFromAxioToGds", Fault::always("Stale"));
     ArpPlcAxio_ReadFromAxioToGds(0);
 
@@ -213,7 +213,7 @@ TEST(FaultLifetime, BuildingAPlantStartsCountsAndFaultsAfresh) {
     EXPECT_TRUE(ArpPlcAxio_ReadFromAxioToGds(0));
 }
 
-TEST(FaultLifetime, DestroyingAPlantClearsItsFaultsButKeepsTheCounts) {
+TEST(FaultLifetime, DestroyingAStationClearsItsFaultsButKeepsTheCounts) {
     {
         auto station = Station::of({Module::DI8_DO8});
         station.inject("ArpSystemModuleMain", Fault::always("Stale"));

@@ -221,7 +221,7 @@ TEST_F(FrameLocks, ABusCopyOnAThreadHoldingTheFrameFailsInsteadOfDeadlocking) {
     ASSERT_TRUE(ArpPlcGds_EndRead(in_));
 }
 
-TEST_F(FrameLocks, ThePlantsViewsUseTheLockTheCallingThreadHolds) {
+TEST_F(FrameLocks, TheStationsViewsUseTheLockTheCallingThreadHolds) {
     char* data = nullptr;
     ASSERT_TRUE(ArpPlcGds_BeginWrite(out_, &data));
     data[2] = 0x11;
@@ -232,7 +232,7 @@ TEST_F(FrameLocks, ThePlantsViewsUseTheLockTheCallingThreadHolds) {
     ASSERT_TRUE(ArpPlcGds_EndWrite(out_));
 }
 
-TEST_F(FrameLocks, ThePlantCannotWriteAFrameTheCallingThreadOnlyReads) {
+TEST_F(FrameLocks, TheStationCannotWriteAFrameTheCallingThreadOnlyReads) {
     char* data = nullptr;
     ASSERT_TRUE(ArpPlcGds_BeginRead(in_, &data));
 

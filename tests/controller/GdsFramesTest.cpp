@@ -82,7 +82,7 @@ TEST(GdsFrames, TheStatusWordReadsZeroAfterABusCycle) {
     EXPECT_EQ(station.frameBytes(Frame::In), (std::vector<uint8_t>{0, 0, 0xFF}));
 }
 
-TEST(GdsFrames, ThePlantFindsPortVariablesOfBothFrames) {
+TEST(GdsFrames, TheStationFindsPortVariablesOfBothFrames) {
     auto station = Station::of({Module::DI8_DO8, Module::AI2_AO2});
     EXPECT_EQ(station.variableOffset("Arp.Io.AxlC/0.~DO8"), 2u);
     EXPECT_EQ(station.variableOffset("Arp.Io.AxlC/1.~AI32"), 4u);
@@ -160,7 +160,7 @@ TEST(GdsFrames, NullArgumentsFailWithATextNamingTheArgument) {
     ArpPlcIo_ReleaseGdsBuffer(in);
 }
 
-TEST(GdsFrames, WithoutAPlantEveryCallReportsThatNoBusIsRunning) {
+TEST(GdsFrames, WithoutAStationEveryCallReportsThatNoBusIsRunning) {
     TGdsBuffer* handle = nullptr;
 
     EXPECT_FALSE(ArpPlcIo_GetBufferPtrByBufferID("Arp.Io.AxlC", "1:IN", &handle));

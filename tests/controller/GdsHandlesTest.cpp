@@ -74,7 +74,7 @@ TEST(GdsHandles, EveryCallOnAReleasedHandleFails) {
     EXPECT_EQ(station.openLocks(), 0);
 }
 
-TEST(GdsHandles, AHandleOutlivesItsPlantAndIsThenRefused) {
+TEST(GdsHandles, AHandleOutlivesItsStationAndIsThenRefused) {
     std::optional<Station> first(Station::of({Module::DI8_DO8}));
     TGdsBuffer* in = acquire("1:IN");
     first.reset();

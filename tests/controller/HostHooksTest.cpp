@@ -76,7 +76,7 @@ TEST_F(HostHooks, SettingAHookHandsBackTheOneItReplaces) {
     EXPECT_EQ(vplc::setRunningDriverThreadsHook(&countedThreads), nullptr);
 }
 
-TEST_F(HostHooks, TheScanStartHookRunsAtEveryInputCopyBeforeThePlantsHook) {
+TEST_F(HostHooks, TheScanStartHookRunsAtEveryInputCopyBeforeTheStationsHook) {
     auto station = Station::of({Module::DI8_DO8});
     station.onInputCopy([] { events.emplace_back("input copy"); });
 

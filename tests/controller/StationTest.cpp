@@ -32,14 +32,14 @@ void onAnything(PlcOperation) {
 
 }  // namespace
 
-TEST(Station, OnlyOnePlantLivesAtATime) {
+TEST(Station, OnlyOneStationLivesAtATime) {
     auto station = Station::of({Module::DI8_DO8});
 
     EXPECT_THROW(Station::of({Module::AI2_AO2}), std::logic_error);
     EXPECT_EQ(station.modules(), (std::vector<Module>{Module::DI8_DO8}));
 }
 
-TEST(Station, ADestroyedPlantMakesRoomForANewOne) {
+TEST(Station, ADestroyedStationMakesRoomForANewOne) {
     { auto first = Station::of({Module::DI8_DO8}); }
 
     auto second = Station::of({Module::AI2_AO2});
@@ -47,7 +47,7 @@ TEST(Station, ADestroyedPlantMakesRoomForANewOne) {
     EXPECT_EQ(second.modules(), (std::vector<Module>{Module::AI2_AO2}));
 }
 
-TEST(Station, AMovedPlantStaysInstalled) {
+TEST(Station, AMovedStationStaysInstalled) {
     std::optional<Station> moved;
     {
         auto station = Station::builder().module(Module::DI8_DO8).build();
@@ -59,14 +59,14 @@ TEST(Station, AMovedPlantStaysInstalled) {
     EXPECT_EQ(moved->inputsInGds(1), (std::vector<uint8_t>{0x3C}));
 }
 
-TEST(Station, WithTheLastPlantGoneTheBusStopsRunning) {
+TEST(Station, WithTheLastStationGoneTheBusStopsRunning) {
     { auto station = Station::of({Module::DI8_DO8}); }
 
     EXPECT_FALSE(ArpPlcAxio_ReadFromAxioToGds(0));
     EXPECT_EQ(lastError(), "No Axioline bus is running");
 }
 
-TEST(Station, APlantBuiltWhileAnotherHeldAHandleDoesNotCountThatHandle) {
+TEST(Station, AStationBuiltWhileAnotherHeldAHandleDoesNotCountThatHandle) {
     std::optional<Station> first(Station::of({Module::DI8_DO8}));
     acquire("1:IN");
     first.reset();
@@ -82,7 +82,7 @@ TEST(PlcDomain, TheRegisteredHandlerIsRetrievable) {
     EXPECT_EQ(vplc::plcOperationHandler(), &onStart);
 }
 
-TEST(PlcDomain, AHandlerIsRegisteredWithoutAPlant) {
+TEST(PlcDomain, AHandlerIsRegisteredWithoutAStation) {
     std::thread registering([] { ArpPlcDomain_SetHandler(onAnything); });
     registering.join();
 

@@ -50,13 +50,7 @@ protected:
         return std::nullopt;
     }
 
-    std::vector<LoggedLine> logs() const {
-        std::vector<LoggedLine> lines;
-        for (const auto& line : recorder_.logs(&rig_.driver())) {
-            lines.push_back({line.level, line.format, line.text});
-        }
-        return lines;
-    }
+    std::vector<LoggedLine> logs() const { return hosting::loggedLines(recorder_, &rig_.driver()); }
 
     int busCopies() const {
         return station_.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesAtStart_;

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "ExposedDriver.h"
+#include "ExposedDriverTest.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverRig.h"
 #include "hosting/HostCalls.h"
@@ -26,7 +26,7 @@ namespace {
 
 // Driver threads wait at the scan gate, so that the tables and the frames stay as initialize()
 // left them.
-class DriverInitialisation : public ::testing::Test {
+class DriverInitialisation : public drivertest::ExposedDriverTest {
 protected:
     DriverInitialisation() { clock_.holdScans(true); }
 
@@ -39,12 +39,6 @@ protected:
     DriverPtr<ExposedDriver> make(const DriverConfig& config) {
         return DriverPtr<ExposedDriver>(new ExposedDriver(config));
     }
-
-    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
-    DriverRig rig_;
-    orbel::Recorder& recorder_ = rig_.recorder();
-    vplc::VirtualClock& clock_ = rig_.clock();
-    vplc::Station& station_ = rig_.station();
 };
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "CombinedModule.h"
-#include "ExposedDriver.h"
+#include "ExposedDriverTest.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverRig.h"
 #include "hosting/FloatBytes.h"
@@ -20,6 +20,7 @@
 using drivertest::combinedModule;
 using hosting::DriverPtr;
 namespace host = hosting::host;
+using drivertest::ExposedDriverTest;
 using hosting::DriverConfig;
 using hosting::DriverRig;
 using hosting::floatBytes;
@@ -42,7 +43,7 @@ public:
 
 // Events arrive while the driver's thread waits at the scan gate, so that every platform call
 // counted here is the event path's.
-class EventReception : public ::testing::Test {
+class EventReception : public ExposedDriverTest {
 protected:
     EventReception() {
         vplc::Runtime::reset();
@@ -54,12 +55,7 @@ protected:
     }
 
     ExposedDriver& start(const DriverConfig& config, INumberedPinModule* module = nullptr) {
-        driver_.reset(new ExposedDriver(config));
-        if (module != nullptr) {
-            driver_->setModule(module);
-        }
-        host::initialize(*driver_);
-        clock_.settle();
+        ExposedDriverTest::start(config, module);
         EXPECT_TRUE(recorder_.stops().empty());
         busCopiesAtStart_ = station_.calls("ArpPlcAxio_WriteFromGdsToAxio");
         return *driver_;
@@ -69,12 +65,6 @@ protected:
         return station_.calls("ArpPlcAxio_WriteFromGdsToAxio") - busCopiesAtStart_;
     }
 
-    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
-    DriverRig rig_;
-    orbel::Recorder& recorder_ = rig_.recorder();
-    vplc::VirtualClock& clock_ = rig_.clock();
-    vplc::Station& station_ = rig_.station();
-    DriverPtr<ExposedDriver> driver_;
     int busCopiesAtStart_ = 0;
 };
 

@@ -2,11 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "ExposedDriver.h"
+#include "ExposedDriverTest.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverRig.h"
 #include "hosting/HostCalls.h"
@@ -17,10 +18,9 @@
 #include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
-using hosting::DriverPtr;
 namespace host = hosting::host;
+using drivertest::ExposedDriverTest;
 using hosting::DriverConfig;
-using hosting::DriverRig;
 using hosting::LoggedLine;
 using testsupport::ExposedDriver;
 
@@ -69,34 +69,60 @@ public:
 
 constexpr const char* kTestModule = "TEST_MODULE";
 
+// The line of a pin that the module does not offer, for a kind ("Digital input", ...); `end` ends
+// both the format and the text (the analog input's has no full stop).
+LoggedLine notAvailable(const std::string& kind, const std::string& pin, const std::string& range,
+                        const std::string& end = ".") {
+    return {
+        2, kind + " pin with number &d is not available. Valid numbers are %s" + end,
+        kind + " pin with number " + pin + " is not available. Valid numbers are " + range + end};
+}
+
+// The input table holds a record for the pin, with the event id and payload size given.
+void expectInputRecord(const std::map<int, stEventParams_t>& inputs, int pin, uint32_t eventId,
+                       uint32_t size) {
+    ASSERT_EQ(inputs.count(pin), 1u);
+    EXPECT_EQ(inputs.at(pin).nId, eventId);
+    EXPECT_EQ(inputs.at(pin).nSize, size);
+}
+
+// The line of a pin that an earlier service of the same kind took.
+LoggedLine inUse(const std::string& kind, int pin) {
+    return {2, kind + " pin with number %d is already in use.",
+            kind + " pin with number " + std::to_string(pin) + " is already in use."};
+}
+
 // Driver threads wait at the scan gate, so that the tables and the input buffers stay as the
 // registration left them.
-class PinRegistration : public ::testing::Test {
+class PinRegistration : public ExposedDriverTest {
 protected:
     PinRegistration() { clock_.holdScans(true); }
 
-    ExposedDriver& initialize(const DriverConfig& config) {
-        driver_.reset(new ExposedDriver(config));
-        host::initialize(*driver_);
-        clock_.settle();
-        return *driver_;
+    // The driver logged `line` alone and stopped once, for the service, with `message`.
+    void expectStopped(const LoggedLine& line, const std::string& message) const {
+        EXPECT_EQ(logs(), std::vector<LoggedLine>{line});
+        EXPECT_EQ(stopMessages(), std::vector<std::string>{message});
     }
 
-    // Initialises with a module of the test's own, for the device type kTestModule.
-    ExposedDriver& initializeWith(INumberedPinModule* module, DriverConfig config) {
-        driver_.reset(new ExposedDriver(config));
-        driver_->setModule(module);
-        host::initialize(*driver_);
-        clock_.settle();
-        return *driver_;
+    // The driver logged nothing and stopped once, for the service, with `message`, leaving no
+    // output entry and writing nothing.
+    void expectOutputRefusedSilently(const std::string& message) const {
+        EXPECT_TRUE(logs().empty());
+        EXPECT_EQ(stopMessages(), std::vector<std::string>{message});
+        EXPECT_TRUE(driver_->outputs().empty());
+        EXPECT_EQ(station_.calls("ArpPlcGds_BeginWrite"), 0);
     }
 
-    std::vector<LoggedLine> logs() const {
-        std::vector<LoggedLine> lines;
-        for (const auto& line : recorder_.logs(driver_.get())) {
-            lines.push_back({line.level, line.format, line.text});
+    // Makes the driver and initialises it, which must throw an Error saying `what`.
+    template <class Error>
+    void expectInitializeThrows(const DriverConfig& config, const char* what) {
+        driver_.reset(new ExposedDriver(config));
+        try {
+            host::initialize(*driver_);
+            FAIL() << "nothing thrown";
+        } catch (const Error& error) {
+            EXPECT_STREQ(error.what(), what);
         }
-        return lines;
     }
 
     std::vector<std::string> stopMessages() const {
@@ -122,19 +148,12 @@ protected:
         }
         return ::testing::AssertionSuccess();
     }
-
-    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
-    DriverRig rig_;
-    orbel::Recorder& recorder_ = rig_.recorder();
-    vplc::VirtualClock& clock_ = rig_.clock();
-    vplc::Station& station_ = rig_.station();
-    DriverPtr<ExposedDriver> driver_;
 };
 
 }  // namespace
 
 TEST_F(PinRegistration, ADigitalInputOnPin3GetsAZeroedBufferOfItsSizeAndItsEventId) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(17, "3", 6));
+    auto& driver = start(DriverConfig::digital().digitalIn(17, "3", 6));
 
     ASSERT_EQ(driver.digitalInputs().count(3), 1u);
     const stEventParams_t& event = driver.digitalInputs().at(3);
@@ -148,7 +167,7 @@ TEST_F(PinRegistration, ADigitalInputOnPin3GetsAZeroedBufferOfItsSizeAndItsEvent
 }
 
 TEST_F(PinRegistration, AnAnalogInputOnPin1GetsAZeroedBufferOfItsSizeAndItsEventId) {
-    auto& driver = initialize(DriverConfig::analog(2).analogIn(8, "1"));
+    auto& driver = start(DriverConfig::analog(2).analogIn(8, "1"));
 
     ASSERT_EQ(driver.analogInputs().count(1), 1u);
     const stEventParams_t& event = driver.analogInputs().at(1);
@@ -159,135 +178,92 @@ TEST_F(PinRegistration, AnAnalogInputOnPin1GetsAZeroedBufferOfItsSizeAndItsEvent
 }
 
 TEST_F(PinRegistration, APinNumberAfterBlanksIsRead) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "   7"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "   7"));
     EXPECT_EQ(driver.digitalInputs().count(7), 1u);
 }
 
 TEST_F(PinRegistration, TextAfterThePinNumberIsIgnored) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "7abc"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "7abc"));
     EXPECT_EQ(driver.digitalInputs().count(7), 1u);
 }
 
 TEST_F(PinRegistration, APinNumberOf1Point5IsPin1) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "1.5"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "1.5"));
     EXPECT_EQ(driver.digitalInputs().count(1), 1u);
 }
 
 TEST_F(PinRegistration, PinMinus1IsReportedAsNotAvailable) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "-1"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "-1"));
 
-    EXPECT_EQ(logs(), (std::vector<LoggedLine>{
-                          {2,
-                           "Digital input pin with number &d is not available. Valid numbers "
-                           "are %s.",
-                           "Digital input pin with number -1 is not available. Valid numbers are "
-                           "0 - 7."}}));
-    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid digital input number."});
+    expectStopped(notAvailable("Digital input", "-1", "0 - 7"), "Invalid digital input number.");
     EXPECT_TRUE(driver.digitalInputs().empty());
 }
 
 TEST_F(PinRegistration, DigitalInputPin8IsNotAvailableOnTheDigitalModule) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "8"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "8"));
 
-    EXPECT_EQ(logs(), (std::vector<LoggedLine>{
-                          {2,
-                           "Digital input pin with number &d is not available. Valid numbers "
-                           "are %s.",
-                           "Digital input pin with number 8 is not available. Valid numbers are "
-                           "0 - 7."}}));
-    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid digital input number."});
+    expectStopped(notAvailable("Digital input", "8", "0 - 7"), "Invalid digital input number.");
     EXPECT_TRUE(driver.digitalInputs().empty());
     EXPECT_TRUE(recorder_.threadStarts().empty());
 }
 
 TEST_F(PinRegistration, DigitalOutputPin8IsNotAvailableOnTheDigitalModule) {
-    auto& driver = initialize(DriverConfig::digital().digitalOut(1, "8", "1"));
+    auto& driver = start(DriverConfig::digital().digitalOut(1, "8", "1"));
 
-    EXPECT_EQ(logs(), (std::vector<LoggedLine>{
-                          {2,
-                           "Digital output pin with number &d is not available. Valid numbers "
-                           "are %s.",
-                           "Digital output pin with number 8 is not available. Valid numbers are "
-                           "0 - 7."}}));
-    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid digital output pin number."});
+    expectStopped(notAvailable("Digital output", "8", "0 - 7"),
+                  "Invalid digital output pin number.");
     EXPECT_TRUE(driver.outputs().empty());
     EXPECT_EQ(station_.calls("ArpPlcGds_BeginWrite"), 0);
 }
 
 TEST_F(PinRegistration, AnalogInputPin2IsNotAvailableOnTheAnalogModule) {
-    auto& driver = initialize(DriverConfig::analog(2).analogIn(1, "2"));
+    auto& driver = start(DriverConfig::analog(2).analogIn(1, "2"));
 
-    EXPECT_EQ(logs(), (std::vector<LoggedLine>{
-                          {2,
-                           "Analog input pin with number &d is not available. Valid numbers "
-                           "are %s",
-                           "Analog input pin with number 2 is not available. Valid numbers are "
-                           "0 - 1"}}));
-    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid analog input number."});
+    expectStopped(notAvailable("Analog input", "2", "0 - 1", ""), "Invalid analog input number.");
     EXPECT_TRUE(driver.analogInputs().empty());
 }
 
 TEST_F(PinRegistration, AnalogOutputPin5IsNotAvailableOnTheAnalogModule) {
-    auto& driver = initialize(DriverConfig::analog(2).analogOut(1, "5", "1"));
+    auto& driver = start(DriverConfig::analog(2).analogOut(1, "5", "1"));
 
-    EXPECT_EQ(logs(), (std::vector<LoggedLine>{
-                          {2,
-                           "Analog output pin with number &d is not available. Valid numbers "
-                           "are %s.",
-                           "Analog output pin with number 5 is not available. Valid numbers are "
-                           "0 - 1."}}));
-    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Invalid analog output number"});
+    expectStopped(notAvailable("Analog output", "5", "0 - 1"), "Invalid analog output number");
     EXPECT_TRUE(driver.outputs().empty());
 }
 
 TEST_F(PinRegistration, ASecondAnalogInputOnOnePinIsInUseWithAFullStop) {
-    auto& driver = initialize(DriverConfig::analog(2).analogIn(1, "1").analogIn(2, "1"));
+    auto& driver = start(DriverConfig::analog(2).analogIn(1, "1").analogIn(2, "1"));
 
-    EXPECT_EQ(logs(),
-              (std::vector<LoggedLine>{{2, "Analog input pin with number %d is already in use.",
-                                        "Analog input pin with number 1 is already in use."}}));
-    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Pin already in use."});
+    expectStopped(inUse("Analog input", 1), "Pin already in use.");
     ASSERT_EQ(driver.analogInputs().size(), 1u);
     EXPECT_EQ(driver.analogInputs().at(1).nId, 1u);
 }
 
 TEST_F(PinRegistration, ASecondDigitalInputOnOnePinIsInUseWithoutAFullStop) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "4").digitalIn(2, "4"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "4").digitalIn(2, "4"));
 
-    EXPECT_EQ(logs(),
-              (std::vector<LoggedLine>{{2, "Digital input pin with number %d is already in use.",
-                                        "Digital input pin with number 4 is already in use."}}));
-    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Pin already in use"});
+    expectStopped(inUse("Digital input", 4), "Pin already in use");
     ASSERT_EQ(driver.digitalInputs().size(), 1u);
     EXPECT_EQ(driver.digitalInputs().at(4).nId, 1u);
 }
 
 TEST_F(PinRegistration, ASecondDigitalOutputOnOnePinIsInUseWithAFullStop) {
-    auto& driver =
-        initialize(DriverConfig::digital().digitalOut(1, "4", "0").digitalOut(2, "4", "1"));
+    auto& driver = start(DriverConfig::digital().digitalOut(1, "4", "0").digitalOut(2, "4", "1"));
 
     EXPECT_EQ(driver.outputs().size(), 1u);
-    EXPECT_EQ(logs(),
-              (std::vector<LoggedLine>{{2, "Digital output pin with number %d is already in use.",
-                                        "Digital output pin with number 4 is already in use."}}));
-    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Pin already in use."});
+    expectStopped(inUse("Digital output", 4), "Pin already in use.");
     EXPECT_TRUE(outputBound(4, 1, DigitalOut));
 }
 
 TEST_F(PinRegistration, ASecondAnalogOutputOnOnePinIsInUseWithoutAFullStop) {
-    auto& driver =
-        initialize(DriverConfig::analog(2).analogOut(1, "0", "1").analogOut(2, "0", "2"));
+    auto& driver = start(DriverConfig::analog(2).analogOut(1, "0", "1").analogOut(2, "0", "2"));
 
-    EXPECT_EQ(logs(),
-              (std::vector<LoggedLine>{{2, "Analog output pin with number %d is already in use.",
-                                        "Analog output pin with number 0 is already in use."}}));
-    EXPECT_EQ(stopMessages(), std::vector<std::string>{"Pin already in use"});
+    expectStopped(inUse("Analog output", 0), "Pin already in use");
     EXPECT_TRUE(outputBound(0, 1, AnalogOut));
     EXPECT_EQ(driver.outputs().size(), 1u);
 }
 
 TEST_F(PinRegistration, ADigitalInputAndADigitalOutputMayShareAPinNumber) {
-    auto& driver = initialize(DriverConfig::digital().digitalIn(1, "2").digitalOut(2, "2", "0"));
+    auto& driver = start(DriverConfig::digital().digitalIn(1, "2").digitalOut(2, "2", "0"));
 
     EXPECT_TRUE(recorder_.stops().empty());
     EXPECT_EQ(driver.digitalInputs().count(2), 1u);
@@ -295,14 +271,8 @@ TEST_F(PinRegistration, ADigitalInputAndADigitalOutputMayShareAPinNumber) {
 }
 
 TEST_F(PinRegistration, AServiceWithoutPinNumThrowsAndLeavesTheHostsRecordWithoutIt) {
-    driver_.reset(new ExposedDriver(DriverConfig::digital().service(1, "DigitalIn", 1)));
-
-    try {
-        host::initialize(*driver_);
-        FAIL() << "nothing thrown";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_STREQ(error.what(), "stoi");
-    }
+    expectInitializeThrows<std::invalid_argument>(
+        DriverConfig::digital().service(1, "DigitalIn", 1), "stoi");
 
     EXPECT_TRUE(driver_->hostServices().at(1).mapParams.empty());
     EXPECT_TRUE(driver_->digitalInputs().empty());
@@ -311,41 +281,22 @@ TEST_F(PinRegistration, AServiceWithoutPinNumThrowsAndLeavesTheHostsRecordWithou
 }
 
 TEST_F(PinRegistration, APinNumAbcThrowsInvalidArgument) {
-    driver_.reset(new ExposedDriver(DriverConfig::digital().digitalIn(1, "abc")));
-
-    try {
-        host::initialize(*driver_);
-        FAIL() << "nothing thrown";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_STREQ(error.what(), "stoi");
-    }
+    expectInitializeThrows<std::invalid_argument>(DriverConfig::digital().digitalIn(1, "abc"),
+                                                  "stoi");
 
     EXPECT_EQ(driver_->hostServices().at(1).mapParams.at("PinNum"), "abc");
     EXPECT_FALSE(driver_->module()->isServiceAlreadyRegistered(0, DigitalIn));
 }
 
 TEST_F(PinRegistration, APinNumBeyondTheIntRangeThrowsOutOfRange) {
-    driver_.reset(new ExposedDriver(DriverConfig::analog(2).analogIn(1, "99999999999")));
-
-    try {
-        host::initialize(*driver_);
-        FAIL() << "nothing thrown";
-    } catch (const std::out_of_range& error) {
-        EXPECT_STREQ(error.what(), "stoi");
-    }
+    expectInitializeThrows<std::out_of_range>(DriverConfig::analog(2).analogIn(1, "99999999999"),
+                                              "stoi");
     EXPECT_TRUE(recorder_.stops().empty());
 }
 
 TEST_F(PinRegistration, ADigitalOutputWithoutInitValThrowsBeforeTheModuleIsAsked) {
-    driver_.reset(
-        new ExposedDriver(DriverConfig::digital().service(1, "DigitalOut", 1, {{"PinNum", "3"}})));
-
-    try {
-        host::initialize(*driver_);
-        FAIL() << "nothing thrown";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_STREQ(error.what(), "stoi");
-    }
+    expectInitializeThrows<std::invalid_argument>(
+        DriverConfig::digital().service(1, "DigitalOut", 1, {{"PinNum", "3"}}), "stoi");
 
     EXPECT_FALSE(driver_->module()->isServiceAlreadyRegistered(3, DigitalOut));
     EXPECT_EQ(station_.calls("ArpPlcGds_BeginWrite"), 0);
@@ -384,12 +335,12 @@ TEST_F(PinRegistration, AnInvalidInitValThrowsEvenForAPinThatIsNotAvailable) {
 }
 
 TEST_F(PinRegistration, InitVal1SwitchesADigitalOutputOn) {
-    initialize(DriverConfig::digital().digitalOut(1, "6", "1"));
+    start(DriverConfig::digital().digitalOut(1, "6", "1"));
     EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x40);
 }
 
 TEST_F(PinRegistration, InitVal256WritesTheLow8BitsWhichAre0) {
-    initialize(DriverConfig::digital().digitalOut(1, "0", "256"));
+    start(DriverConfig::digital().digitalOut(1, "0", "256"));
     EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x00);
     EXPECT_EQ(station_.calls("ArpPlcGds_BeginWrite"), 1);
 }
@@ -397,33 +348,52 @@ TEST_F(PinRegistration, InitVal256WritesTheLow8BitsWhichAre0) {
 TEST_F(PinRegistration, InitValMinus1Writes255) {
     // The module's set-or-clear rule makes 255 set pin 0 and clear every other pin; a value of 1
     // would have set pin 2 as well.
-    initialize(DriverConfig::digital().digitalOut(1, "0", "-1").digitalOut(2, "2", "-1"));
+    start(DriverConfig::digital().digitalOut(1, "0", "-1").digitalOut(2, "2", "-1"));
     EXPECT_EQ(station_.digitalOutputsOnBus(1), 0x01);
 }
 
-TEST_F(PinRegistration, AnAnalogInitVal1Writes3000) {
-    initialize(DriverConfig::analog(2).analogOut(1, "1", "1"));
-    EXPECT_EQ(station_.analogOutputOnBus(2, 1), 3000);
+namespace {
+
+// An analog output's initial value and the word its channel carries on the bus after
+// initialisation.
+struct AnalogInitVal {
+    std::string name;
+    int channel;
+    std::string initVal;
+    unsigned short word;
+};
+
+void PrintTo(const AnalogInitVal& row, std::ostream* out) {
+    *out << row.name;
 }
 
-TEST_F(PinRegistration, AnAnalogInitVal10Writes30000) {
-    initialize(DriverConfig::analog(2).analogOut(1, "0", "10"));
-    EXPECT_EQ(station_.analogOutputOnBus(2, 0), 30000);
+class AnalogInitialValue : public PinRegistration,
+                           public testing::WithParamInterface<AnalogInitVal> {};
+
+}  // namespace
+
+TEST_P(AnalogInitialValue, IsWrittenAsItsWord) {
+    const AnalogInitVal& row = GetParam();
+    start(DriverConfig::analog(2).analogOut(1, std::to_string(row.channel), row.initVal));
+    EXPECT_EQ(station_.analogOutputOnBus(2, row.channel), row.word);
 }
 
-TEST_F(PinRegistration, AnAnalogInitVal1Point5IsTakenAs1) {
-    initialize(DriverConfig::analog(2).analogOut(1, "0", "1.5"));
-    EXPECT_EQ(station_.analogOutputOnBus(2, 0), 3000);
-}
+// Each case named as the test it was.
+INSTANTIATE_TEST_SUITE_P(
+    PinRegistration, AnalogInitialValue,
+    testing::Values(AnalogInitVal{"AnAnalogInitVal1Writes3000", 1, "1", 3000},
+                    AnalogInitVal{"AnAnalogInitVal10Writes30000", 0, "10", 30000},
+                    AnalogInitVal{"AnAnalogInitVal1Point5IsTakenAs1", 0, "1.5", 3000}),
+    [](const testing::TestParamInfo<AnalogInitVal>& info) { return info.param.name; });
 
 TEST_F(PinRegistration, ADigitalOutputOnPin2IsRegisteredWithType3) {
-    initialize(DriverConfig::digital().digitalOut(12, "2", "0"));
+    start(DriverConfig::digital().digitalOut(12, "2", "0"));
     EXPECT_TRUE(outputBound(2, 12, DigitalOut));
     EXPECT_EQ(static_cast<int>(DigitalOut), 3);
 }
 
 TEST_F(PinRegistration, AnAnalogOutputOnPin1IsRegisteredWithType1) {
-    initialize(DriverConfig::analog(2).analogOut(13, "1", "0"));
+    start(DriverConfig::analog(2).analogOut(13, "1", "0"));
     EXPECT_TRUE(outputBound(1, 13, AnalogOut));
     EXPECT_EQ(static_cast<int>(AnalogOut), 1);
 }
@@ -432,7 +402,7 @@ TEST_F(PinRegistration, AnEventIdWithoutMappingGetsAnElementOfSize0AndAnEmptyPay
     auto config = DriverConfig::digital().digitalIn(5, "1");
     config.mappings.clear();
 
-    auto& driver = initialize(config);
+    auto& driver = start(config);
 
     ASSERT_EQ(driver.hostMappings().count(5), 1u);
     EXPECT_EQ(driver.hostMappings().at(5).nDataSize, 0);
@@ -443,8 +413,8 @@ TEST_F(PinRegistration, AnEventIdWithoutMappingGetsAnElementOfSize0AndAnEmptyPay
 }
 
 TEST_F(PinRegistration, AModuleRefusingADigitalInputStopsSilentlyAndKeepsTheEntry) {
-    auto& driver = initializeWith(new RefusingModule<AXL_F_DI8_1_DO8_1>(1),
-                                  DriverConfig(kTestModule).digitalIn(3, "5"));
+    auto& driver = start(DriverConfig(kTestModule).digitalIn(3, "5"),
+                         new RefusingModule<AXL_F_DI8_1_DO8_1>(1));
 
     EXPECT_TRUE(logs().empty());
     EXPECT_EQ(stopMessages(),
@@ -454,61 +424,45 @@ TEST_F(PinRegistration, AModuleRefusingADigitalInputStopsSilentlyAndKeepsTheEntr
 }
 
 TEST_F(PinRegistration, AModuleRefusingAnAnalogInputIsLoggedAndStoppedAndKeepsTheEntry) {
-    auto& driver = initializeWith(new RefusingModule<AXL_F_AI2_AO2>(2),
-                                  DriverConfig(kTestModule).analogIn(3, "1"));
+    auto& driver =
+        start(DriverConfig(kTestModule).analogIn(3, "1"), new RefusingModule<AXL_F_AI2_AO2>(2));
 
-    EXPECT_EQ(logs(),
-              (std::vector<LoggedLine>{{2, "Could not register service for analog input pin %i",
-                                        "Could not register service for analog input pin 1"}}));
-    EXPECT_EQ(stopMessages(),
-              std::vector<std::string>{"Could not register service for analog input pin"});
+    expectStopped({2, "Could not register service for analog input pin %i",
+                   "Could not register service for analog input pin 1"},
+                  "Could not register service for analog input pin");
     EXPECT_EQ(driver.analogInputs().count(1), 1u);
 }
 
 TEST_F(PinRegistration, AModuleRefusingADigitalOutputGetsNoInitialWriteAndNoEntry) {
-    auto& driver = initializeWith(new RefusingModule<AXL_F_DI8_1_DO8_1>(1),
-                                  DriverConfig(kTestModule).digitalOut(3, "5", "1"));
+    start(DriverConfig(kTestModule).digitalOut(3, "5", "1"),
+          new RefusingModule<AXL_F_DI8_1_DO8_1>(1));
 
-    EXPECT_TRUE(logs().empty());
-    EXPECT_EQ(stopMessages(),
-              std::vector<std::string>{"Could not register service for digital output pin."});
-    EXPECT_TRUE(driver.outputs().empty());
-    EXPECT_EQ(station_.calls("ArpPlcGds_BeginWrite"), 0);
+    expectOutputRefusedSilently("Could not register service for digital output pin.");
 }
 
 TEST_F(PinRegistration, AModuleRefusingAnAnalogOutputGetsNoInitialWriteAndNoEntry) {
-    auto& driver = initializeWith(new RefusingModule<AXL_F_AI2_AO2>(2),
-                                  DriverConfig(kTestModule).analogOut(3, "0", "4"));
+    start(DriverConfig(kTestModule).analogOut(3, "0", "4"), new RefusingModule<AXL_F_AI2_AO2>(2));
 
-    EXPECT_TRUE(logs().empty());
-    EXPECT_EQ(stopMessages(),
-              std::vector<std::string>{"Can't register service for analog output pin"});
-    EXPECT_TRUE(driver.outputs().empty());
-    EXPECT_EQ(station_.calls("ArpPlcGds_BeginWrite"), 0);
+    expectOutputRefusedSilently("Can't register service for analog output pin");
 }
 
 TEST_F(PinRegistration, ALaterDigitalInputOnAPinReplacesTheEarlierRecord) {
-    auto& driver = initializeWith(new NeverTakenModule<AXL_F_DI8_1_DO8_1>(1),
-                                  DriverConfig(kTestModule).digitalIn(1, "2").digitalIn(2, "2", 3));
+    auto& driver = start(DriverConfig(kTestModule).digitalIn(1, "2").digitalIn(2, "2", 3),
+                         new NeverTakenModule<AXL_F_DI8_1_DO8_1>(1));
 
-    ASSERT_EQ(driver.digitalInputs().count(2), 1u);
-    EXPECT_EQ(driver.digitalInputs().at(2).nId, 2u);
-    EXPECT_EQ(driver.digitalInputs().at(2).nSize, 3u);
+    expectInputRecord(driver.digitalInputs(), 2, 2, 3);
 }
 
 TEST_F(PinRegistration, ALaterAnalogInputOnAPinKeepsTheEarlierRecord) {
-    auto& driver = initializeWith(new NeverTakenModule<AXL_F_AI2_AO2>(2),
-                                  DriverConfig(kTestModule).analogIn(1, "0").analogIn(2, "0", 8));
+    auto& driver = start(DriverConfig(kTestModule).analogIn(1, "0").analogIn(2, "0", 8),
+                         new NeverTakenModule<AXL_F_AI2_AO2>(2));
 
-    ASSERT_EQ(driver.analogInputs().count(0), 1u);
-    EXPECT_EQ(driver.analogInputs().at(0).nId, 1u);
-    EXPECT_EQ(driver.analogInputs().at(0).nSize, 4u);
+    expectInputRecord(driver.analogInputs(), 0, 1, 4);
 }
 
 TEST_F(PinRegistration, ALaterOutputOnAPinTakesOverItsEntry) {
-    auto& driver =
-        initializeWith(new NeverTakenModule<AXL_F_AI2_AO2>(2),
-                       DriverConfig(kTestModule).analogOut(1, "0", "0").analogOut(2, "0", "1"));
+    auto& driver = start(DriverConfig(kTestModule).analogOut(1, "0", "0").analogOut(2, "0", "1"),
+                         new NeverTakenModule<AXL_F_AI2_AO2>(2));
 
     EXPECT_TRUE(outputBound(0, 2, AnalogOut));
     EXPECT_EQ(driver.outputs().size(), 1u);

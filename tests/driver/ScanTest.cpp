@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "CombinedModule.h"
-#include "ExposedDriver.h"
+#include "ExposedDriverTest.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverRig.h"
 #include "hosting/FloatBytes.h"
@@ -27,18 +27,9 @@ using Duration = vplc::VirtualClock::Duration;
 
 // A driver's scan on virtual time. With a single input the initial phase publishes at 0 and
 // pauses 1 ms, so the endless scan runs at 1 ms, 101 ms, 201 ms and so on.
-class Scan : public ::testing::Test {
+class Scan : public ExposedDriverTest {
 protected:
     static Duration scanTime(int scan) { return 1ms + (scan - 1) * Duration(100ms); }
-
-    void start(const DriverConfig& config, INumberedPinModule* module = nullptr) {
-        driver_.reset(new ExposedDriver(config));
-        if (module != nullptr) {
-            driver_->setModule(module);
-        }
-        host::initialize(*driver_);
-        clock_.settle();
-    }
 
     // Serves channel 0 of the analog module as event 5, with the channel at `from` until the
     // second scan has run, then moves it to `to`.
@@ -81,13 +72,6 @@ protected:
         }
         return starts;
     }
-
-    // The rig's recorder, clock and bus; the test holds its own driver, made directly.
-    DriverRig rig_;
-    orbel::Recorder& recorder_ = rig_.recorder();
-    vplc::VirtualClock& clock_ = rig_.clock();
-    vplc::Station& station_ = rig_.station();
-    DriverPtr<ExposedDriver> driver_;
 };
 
 }  // namespace

@@ -27,10 +27,7 @@ std::vector<FaultRow> eventRows() {
                    digitalOnBus(0x20), deliver(kPin6, 1), digitalOnBus(0x00), deliver(kPin6, 1),
                    digitalOnBus(0x40)},
          .log = writeLockKept(),
-         .notes = {"GDS holds 0x00; the copy to the bus fails while the host thread still "
-                   "holds the lock, bus keeps 0x20",
-                   "next event: its Begin is refused, its End frees the lock, its copy brings "
-                   "0x00; the one after is written (0x40)"}},
+         .notes = outputLockKept("0x00", "bus keeps 0x20", "next event", "0x40")},
         {.name = "AnalogOutputEventBeginWriteFails",
          .fault = {kBeginWrite, "writeAnalog: output event (channel 1 <- 2.5)", "OUT frame busy"},
          .steps = {startAnalog, failNext, deliverFloat(kChannel1, 2.5f), analogInGds(1, 15000),
@@ -44,10 +41,7 @@ std::vector<FaultRow> eventRows() {
                    analogOnBus(1, 15000), deliverFloat(kChannel1, 1.0f), analogOnBus(1, 7500),
                    deliverFloat(kChannel1, 1.0f), analogOnBus(1, 3000)},
          .log = writeLockKept(),
-         .notes = {"GDS holds 7500; the copy to the bus fails while the host thread still "
-                   "holds the lock, bus keeps 15000",
-                   "next event (1.0): its Begin is refused, its End frees the lock, its copy "
-                   "brings 7500; the one after is written (3000)"}},
+         .notes = outputLockKept("7500", "bus keeps 15000", "next event (1.0)", "3000")},
         {.name = "DigitalOutputEventWriteOutputsFails",
          .fault = {kWriteOutputs, "onReceiveEvent: after a digital output event (pin 5 <- 0)",
                    "Axioline bus cycle missed"},

@@ -40,6 +40,15 @@ std::vector<LoggedLine> writeLockKept() {
     return {failure(kNoUnlock, kOutUnlockTimedOut), failure(kNoBeginWrite, kWriteLockStillHeld)};
 }
 
+RowNotes outputLockKept(const std::string& gds, const std::string& bus,
+                        const std::string& nextEvent, const std::string& after) {
+    return {.neutral = "GDS holds " + gds +
+                       "; the copy to the bus fails while the host thread still holds the lock, " +
+                       bus,
+            .next = nextEvent + ": its Begin is refused, its End frees the lock, its copy brings " +
+                    gds + "; the one after is written (" + after + ")"};
+}
+
 void PrintTo(const FaultRow& row, std::ostream* out) {
     *out << row.fault.call << " at " << row.fault.site;
 }

@@ -105,6 +105,13 @@ struct RowNotes {
     std::string teardown = kBothReleased;
 };
 
+// The notes of a row whose End of the output frame fails on the host thread: the thread keeps the
+// lock, so the copy to the bus fails, and the next event's Begin is refused while its End frees
+// the lock. `gds` is what the frame then holds, `bus` what the bus shows ("bus keeps 0x20"),
+// `nextEvent` how the next event is named and `after` what the one after it writes.
+RowNotes outputLockKept(const std::string& gds, const std::string& bus,
+                        const std::string& nextEvent, const std::string& after);
+
 // One row of the matrix. Its steps drive the driver to the call site, inject the failure and go
 // on past it, checking the neutral result and what follows.
 struct FaultRow {

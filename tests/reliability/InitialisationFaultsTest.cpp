@@ -51,10 +51,7 @@ std::vector<FaultRow> initialisationRows() {
                    deliverFloat(kChannel1, 2.5f), analogOnBus(1, 15000),
                    deliverFloat(kChannel1, 2.5f), analogOnBus(1, 7500)},
          .log = writeLockKept(),
-         .notes = {"GDS holds 15000; the copy to the bus fails while the host thread still "
-                   "holds the lock, bus 0",
-                   "next event: its Begin is refused, its End frees the lock, its copy brings "
-                   "15000; the one after is written (7500)"}},
+         .notes = outputLockKept("15000", "bus 0", "next event", "7500")},
         {.name = "InitializeWriteOutputsFails",
          .fault = {kWriteOutputs, "initialize: initial output image", "Axioline bus not running"},
          .steps = {createDigital, failNext, initialize, threadStarted(true), digitalInGds(0x20),

@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "Sanitizers.h"
 #include "hosting/ChildProcess.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverPtr.h"
@@ -21,15 +22,7 @@
 #include "vplc/Station.h"
 #include "vplc/VirtualClock.h"
 
-#if defined(__SANITIZE_ADDRESS__)
-#define AXL_LEAK_CHECK 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define AXL_LEAK_CHECK 1
-#endif
-#endif
-
-#ifdef AXL_LEAK_CHECK
+#if AXL_TEST_ADDRESS_SANITIZER
 #include <sanitizer/lsan_interface.h>
 #endif
 
@@ -67,7 +60,7 @@ void expectNothingLeft(const vplc::Station& station, const orbel::Recorder& reco
 }
 
 void expectNoLeak() {
-#ifdef AXL_LEAK_CHECK
+#if AXL_TEST_ADDRESS_SANITIZER
     EXPECT_EQ(__lsan_do_recoverable_leak_check(), 0);
 #endif
 }

@@ -9,13 +9,11 @@
 
 #include <chrono>
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "HostRecords.h"
 #include "hosting/DriverConfig.h"
 #include "hosting/DriverLibrary.h"
 #include "hosting/DriverRig.h"
@@ -31,15 +29,6 @@ namespace host = hosting::host;
 
 constexpr unsigned kInputEvent = 100;
 constexpr unsigned kOutputEvent = 200;
-
-stServiceParams_t service(unsigned eventId, const char* type,
-                          std::map<std::string, std::string> params) {
-    stServiceParams_t s;
-    s.nEventId = eventId;
-    s.sServiceType = type;
-    s.mapParams = std::move(params);
-    return s;
-}
 
 // The file a loaded library came from, or "not loaded".
 std::string loadedFrom(const char* soname) {
@@ -78,11 +67,9 @@ int main(int argc, char** argv) {
     const vplc::Station& station = rig.station();
     rig.station().setDigitalInput(1, 0, true);
 
-    auto records =
-        hosting::DriverConfig::digital().mapping(kInputEvent, 1).mapping(kOutputEvent, 1);
-    records.services = {
-        {1, service(kInputEvent, "DigitalIn", {{"PinNum", "0"}})},
-        {2, service(kOutputEvent, "DigitalOut", {{"PinNum", "3"}, {"InitVal", "0"}})}};
+    auto records = hosting::DriverConfig::digital()
+                       .digitalIn(kInputEvent, "0")
+                       .digitalOut(kOutputEvent, "3", "0");
 
     CSI_base& owned = rig.create(records, library->factory());
     const CSI_base* driver = &owned;

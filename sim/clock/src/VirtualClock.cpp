@@ -137,13 +137,7 @@ void VirtualClock::atScanStart() {
         return;
     }
     Ticket ticket;
-    held_.push_back(&ticket);
-    stoppedRunning();
-    wait(lock, ticket, [&ticket] { return ticket.released; });
-    if (!ticket.released) {
-        std::erase(held_, &ticket);
-        ++running_;
-    }
+    waitIn(held_, lock, ticket, ticket.released);
     lock.unlock();
     orbel::endIfRequested();
 }
@@ -179,13 +173,7 @@ void VirtualClock::pause(const timespec& request) {
     }
     Sleeper sleeper;
     sleeper.wakeAt = now_ + duration;
-    sleepers_.push_back(&sleeper);
-    stoppedRunning();
-    wait(lock, sleeper, [&sleeper] { return sleeper.woken; });
-    if (!sleeper.woken) {
-        std::erase(sleepers_, &sleeper);
-        ++running_;
-    }
+    waitIn(sleepers_, lock, sleeper, sleeper.woken);
 }
 
 // A fiber whose end is requested is resumed by the host that ends it, so only threads are woken.
@@ -229,6 +217,18 @@ void VirtualClock::wait(std::unique_lock<std::mutex>& lock, Waiter& waiter, Done
         lock.unlock();
         orbel::suspendFiber();
         lock.lock();
+    }
+}
+
+template <class Kind>
+void VirtualClock::waitIn(std::vector<Kind*>& waiting, std::unique_lock<std::mutex>& lock,
+                          Kind& waiter, const bool& letGo) {
+    waiting.push_back(&waiter);
+    stoppedRunning();
+    wait(lock, waiter, [&letGo] { return letGo; });
+    if (!letGo) {
+        std::erase(waiting, &waiter);
+        ++running_;
     }
 }
 

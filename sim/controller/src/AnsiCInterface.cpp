@@ -93,65 +93,80 @@ bool lockFrame(std::shared_lock<std::shared_mutex>& lock, const std::shared_ptr<
     return true;
 }
 
-// A call on a frame buffer: counted (failing if a fault is due), then its frame as frameOf finds
-// it.
-const std::shared_ptr<GdsFrame>* calledFrame(Controller& controller, const PlatformFunction& call,
-                                             const TGdsBuffer* pBuffer) {
+// A call on a frame buffer, under the controller's shared lock: counted (failing if a fault is
+// due), then `onFrame(controller, lock, frame)` with its frame as frameOf finds it.
+template <class OnFrame>
+bool onCalledFrame(const PlatformFunction& call, const TGdsBuffer* pBuffer, OnFrame onFrame) {
+    Controller& controller = Controller::instance();
+    auto lock = controller.share();
     if (controller.dueFault(call.slot, call.name)) {
-        return nullptr;
+        return false;
     }
-    return frameOf(controller, call.name, pBuffer);
-}
-
-bool begin(const PlatformFunction& call, TGdsBuffer* pBuffer, char** ppData, Access access) {
-    const std::string_view function = call.name;
-    Controller& controller = Controller::instance();
-    auto lock = controller.share();
-    const std::shared_ptr<GdsFrame>* found = calledFrame(controller, call, pBuffer);
+    const std::shared_ptr<GdsFrame>* found = frameOf(controller, call.name, pBuffer);
     if (found == nullptr) {
         return false;
     }
-    GdsFrame& frame = **found;
-    if (ppData == nullptr) {
-        return fail(nullArgument(function, "ppData"));
-    }
-    if (frame.heldByCaller()) {
-        ++controller.bus()->counters().nestedBegins;
-        return fail(std::string(function) + ": the calling thread already holds a lock on " +
-                    "buffer " + quoted(frame.bufferId()));
-    }
-    if (!lockFrame(lock, *found, access)) {
-        return false;
-    }
-    try {
-        frame.addCaller(access);
-    } catch (...) {
-        // Out of memory: the lock must not outlive the failed call.
-        frame.unlock(access);
-        throw;
-    }
-    *ppData = frame.data();
-    return true;
+    return onFrame(controller, lock, *found);
 }
 
-bool end(const PlatformFunction& call, TGdsBuffer* pBuffer, Access access) {
-    const std::string_view function = call.name;
-    Controller& controller = Controller::instance();
-    auto lock = controller.share();
-    const std::shared_ptr<GdsFrame>* found = calledFrame(controller, call, pBuffer);
-    if (found == nullptr) {
-        return false;
-    }
-    GdsFrame& frame = **found;
-    if (frame.heldByCaller() != access) {
-        ++controller.bus()->counters().unmatchedEnds;
-        return fail(std::string(function) + ": the calling thread holds no " +
-                    (access == Access::Read ? "read" : "write") + " lock on buffer " +
-                    quoted(frame.bufferId()));
-    }
-    frame.removeCaller();
-    frame.unlock(access);
-    return true;
+// Begin and End of either access, each platform function with its counter looked up once.
+const PlatformFunction& beginCall(Access access) {
+    static const PlatformFunction read("ArpPlcGds_BeginRead");
+    static const PlatformFunction write("ArpPlcGds_BeginWrite");
+    return access == Access::Read ? read : write;
+}
+
+const PlatformFunction& endCall(Access access) {
+    static const PlatformFunction read("ArpPlcGds_EndRead");
+    static const PlatformFunction write("ArpPlcGds_EndWrite");
+    return access == Access::Read ? read : write;
+}
+
+bool begin(TGdsBuffer* pBuffer, char** ppData, Access access) {
+    const PlatformFunction& call = beginCall(access);
+    return onCalledFrame(
+        call, pBuffer,
+        [&](Controller& controller, auto& lock, const std::shared_ptr<GdsFrame>& found) {
+            GdsFrame& frame = *found;
+            if (ppData == nullptr) {
+                return fail(nullArgument(call.name, "ppData"));
+            }
+            if (frame.heldByCaller()) {
+                ++controller.bus()->counters().nestedBegins;
+                return fail(std::string(call.name) +
+                            ": the calling thread already holds a lock on buffer " +
+                            quoted(frame.bufferId()));
+            }
+            if (!lockFrame(lock, found, access)) {
+                return false;
+            }
+            try {
+                frame.addCaller(access);
+            } catch (...) {
+                // Out of memory: the lock must not outlive the failed call.
+                frame.unlock(access);
+                throw;
+            }
+            *ppData = frame.data();
+            return true;
+        });
+}
+
+bool end(TGdsBuffer* pBuffer, Access access) {
+    const PlatformFunction& call = endCall(access);
+    return onCalledFrame(
+        call, pBuffer, [&](Controller& controller, auto&, const std::shared_ptr<GdsFrame>& found) {
+            GdsFrame& frame = *found;
+            if (frame.heldByCaller() != access) {
+                ++controller.bus()->counters().unmatchedEnds;
+                return fail(std::string(call.name) + ": the calling thread holds no " +
+                            (access == Access::Read ? "read" : "write") + " lock on buffer " +
+                            quoted(frame.bufferId()));
+            }
+            frame.removeCaller();
+            frame.unlock(access);
+            return true;
+        });
 }
 
 bool busCycle(const PlatformFunction& call, Frame which, Access access, void (Bus::*copy)()) {
@@ -267,23 +282,19 @@ bool getVariableOffset(TGdsBuffer* pBuffer, const char* variableName, std::size_
 }
 
 bool beginRead(TGdsBuffer* pBuffer, char** ppData) {
-    static const PlatformFunction call("ArpPlcGds_BeginRead");
-    return begin(call, pBuffer, ppData, Access::Read);
+    return begin(pBuffer, ppData, Access::Read);
 }
 
 bool endRead(TGdsBuffer* pBuffer) {
-    static const PlatformFunction call("ArpPlcGds_EndRead");
-    return end(call, pBuffer, Access::Read);
+    return end(pBuffer, Access::Read);
 }
 
 bool beginWrite(TGdsBuffer* pBuffer, char** ppData) {
-    static const PlatformFunction call("ArpPlcGds_BeginWrite");
-    return begin(call, pBuffer, ppData, Access::Write);
+    return begin(pBuffer, ppData, Access::Write);
 }
 
 bool endWrite(TGdsBuffer* pBuffer) {
-    static const PlatformFunction call("ArpPlcGds_EndWrite");
-    return end(call, pBuffer, Access::Write);
+    return end(pBuffer, Access::Write);
 }
 
 bool readFromAxioToGds(unsigned long) {

@@ -2,6 +2,7 @@
 #include "orbel/PauseClock.h"
 
 #include <atomic>
+#include <stdexcept>
 
 namespace orbel {
 
@@ -17,6 +18,17 @@ void setPauseClock(PauseClock* clock) {
 
 PauseClock* pauseClock() {
     return installedClock.load();
+}
+
+void installPauseClock(PauseClock& clock) {
+    if (pauseClock() != nullptr) {
+        throw std::logic_error("A pause clock is already installed");
+    }
+    setPauseClock(&clock);
+}
+
+void uninstallPauseClock(PauseClock&) {
+    setPauseClock(nullptr);
 }
 
 }  // namespace orbel

@@ -5,69 +5,24 @@
 
 namespace orbel {
 
-namespace {
-
-template <class Record>
-std::vector<Record> ofDriver(const std::vector<Record>& records, const CSI_base* driver) {
-    std::vector<Record> result;
-    for (const Record& record : records) {
-        if (record.driver == driver) {
-            result.push_back(record);
-        }
-    }
-    return result;
+std::vector<LogLine> Recorder::logs(DriverFilter driver) const {
+    return select(logs_, driver);
 }
 
-}  // namespace
-
-std::vector<LogLine> Recorder::logs() const {
-    std::lock_guard lock(mutex_);
-    return logs_;
+std::vector<Publication> Recorder::published(DriverFilter driver) const {
+    return select(publications_, driver);
 }
 
-std::vector<LogLine> Recorder::logs(const CSI_base* driver) const {
-    std::lock_guard lock(mutex_);
-    return ofDriver(logs_, driver);
+std::vector<Stop> Recorder::stops(DriverFilter driver) const {
+    return select(stops_, driver);
 }
 
-std::vector<Publication> Recorder::published() const {
-    std::lock_guard lock(mutex_);
-    return publications_;
+std::vector<ThreadStart> Recorder::threadStarts(DriverFilter driver) const {
+    return select(threadStarts_, driver);
 }
 
-std::vector<Publication> Recorder::published(const CSI_base* driver) const {
-    std::lock_guard lock(mutex_);
-    return ofDriver(publications_, driver);
-}
-
-std::vector<Stop> Recorder::stops() const {
-    std::lock_guard lock(mutex_);
-    return stops_;
-}
-
-std::vector<Stop> Recorder::stops(const CSI_base* driver) const {
-    std::lock_guard lock(mutex_);
-    return ofDriver(stops_, driver);
-}
-
-std::vector<ThreadStart> Recorder::threadStarts() const {
-    std::lock_guard lock(mutex_);
-    return threadStarts_;
-}
-
-std::vector<ThreadStart> Recorder::threadStarts(const CSI_base* driver) const {
-    std::lock_guard lock(mutex_);
-    return ofDriver(threadStarts_, driver);
-}
-
-std::vector<ThreadExit> Recorder::threadExits() const {
-    std::lock_guard lock(mutex_);
-    return threadExits_;
-}
-
-std::vector<ThreadExit> Recorder::threadExits(const CSI_base* driver) const {
-    std::lock_guard lock(mutex_);
-    return ofDriver(threadExits_, driver);
+std::vector<ThreadExit> Recorder::threadExits(DriverFilter driver) const {
+    return select(threadExits_, driver);
 }
 
 void Recorder::clear() {
@@ -95,6 +50,22 @@ bool Recorder::waitUntil(const std::function<bool()>& condition,
             return false;
         }
     }
+}
+
+template <class Record>
+std::vector<Record> Recorder::select(const std::vector<Record>& records,
+                                     DriverFilter driver) const {
+    std::lock_guard lock(mutex_);
+    if (!driver) {
+        return records;
+    }
+    std::vector<Record> result;
+    for (const Record& record : records) {
+        if (record.driver == *driver) {
+            result.push_back(record);
+        }
+    }
+    return result;
 }
 
 template <class Record>

@@ -15,15 +15,15 @@
 
 namespace orbel {
 
-SanitizerFiber::SanitizerFiber() : fiber_(__tsan_create_fiber(0)) {}
-
-SanitizerFiber::~SanitizerFiber() {
-    __tsan_destroy_fiber(fiber_);
+void SanitizerFiber::Destroy::operator()(void* fiber) const {
+    __tsan_destroy_fiber(fiber);
 }
+
+SanitizerFiber::SanitizerFiber() : fiber_(__tsan_create_fiber(0)) {}
 
 void* SanitizerFiber::enter() {
     void* caller = __tsan_get_current_fiber();
-    __tsan_switch_to_fiber(fiber_, 0);
+    __tsan_switch_to_fiber(fiber_.get(), 0);
     return caller;
 }
 
@@ -37,9 +37,9 @@ void SanitizerFiber::leave(void* caller) {
 
 namespace orbel {
 
-SanitizerFiber::SanitizerFiber() = default;
+void SanitizerFiber::Destroy::operator()(void*) const {}
 
-SanitizerFiber::~SanitizerFiber() = default;
+SanitizerFiber::SanitizerFiber() = default;
 
 void* SanitizerFiber::enter() {
     return nullptr;

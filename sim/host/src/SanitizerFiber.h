@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <memory>
 #include <utility>
 
 namespace orbel {
@@ -16,9 +17,6 @@ namespace orbel {
 class SanitizerFiber {
 public:
     SanitizerFiber();
-    ~SanitizerFiber();
-    SanitizerFiber(const SanitizerFiber&) = delete;
-    SanitizerFiber& operator=(const SanitizerFiber&) = delete;
 
     // Calls `body` in this fiber's context and comes back to the caller's, also when it throws.
     template <class Body>
@@ -34,10 +32,15 @@ public:
     }
 
 private:
+    // The fiber's context: made with the fiber, destroyed with it; none without ThreadSanitizer.
+    struct Destroy {
+        void operator()(void* fiber) const;
+    };
+
     void* enter();
     void leave(void* caller);
 
-    [[maybe_unused]] void* fiber_ = nullptr;  // used only under ThreadSanitizer
+    std::unique_ptr<void, Destroy> fiber_;
 };
 
 }  // namespace orbel

@@ -7,9 +7,10 @@ std::ostream& operator<<(std::ostream& out, const LoggedLine& line) {
     return out << "{" << line.level << ", \"" << line.format << "\", \"" << line.text << "\"}";
 }
 
-std::vector<LoggedLine> loggedLines(const orbel::Recorder& recorder) {
+std::vector<LoggedLine> loggedLines(const orbel::Recorder& recorder,
+                                    orbel::Recorder::DriverFilter driver) {
     std::vector<LoggedLine> lines;
-    for (const orbel::LogLine& line : recorder.logs()) {
+    for (const orbel::LogLine& line : recorder.logs(driver)) {
         lines.push_back({line.level, line.format, line.text});
     }
     return lines;

@@ -140,6 +140,11 @@ private:
     // Waits until `done` holds or the current thread's end is requested.
     template <class Done>
     void wait(std::unique_lock<std::mutex>& lock, Waiter& waiter, Done done);
+    // Stops running and waits among `waiting` until the clock lets the waiter go (sets `letGo`);
+    // if its end is requested first, it leaves `waiting` and runs on.
+    template <class Kind>
+    void waitIn(std::vector<Kind*>& waiting, std::unique_lock<std::mutex>& lock, Kind& waiter,
+                const bool& letGo);
 
     const Mode mode_;
     mutable std::mutex mutex_;

@@ -42,4 +42,10 @@ public:
 void setPauseClock(PauseClock* clock);
 PauseClock* pauseClock();
 
+// Installs the clock; throws std::logic_error while another clock is installed: two hosts
+// controlling time at once would each miss the other's threads.
+void installPauseClock(PauseClock& clock);
+// Takes the clock out again: real time.
+void uninstallPauseClock(PauseClock& clock);
+
 }  // namespace orbel

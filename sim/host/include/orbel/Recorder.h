@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -55,20 +56,18 @@ struct ThreadExit {
 };
 
 // Records everything the host library reports, for tests and tools. Registered as an observer
-// for its whole lifetime. Every query returns a copy, in the order of the events; the overloads
-// with a driver keep only that driver's entries (null: the entries of no driver).
+// for its whole lifetime. Every query returns a copy, in the order of the events; given a driver,
+// it keeps only that driver's entries (null: the entries of no driver).
 class Recorder final : public HostObserver {
 public:
-    std::vector<LogLine> logs() const;
-    std::vector<LogLine> logs(const CSI_base* driver) const;
-    std::vector<Publication> published() const;
-    std::vector<Publication> published(const CSI_base* driver) const;
-    std::vector<Stop> stops() const;
-    std::vector<Stop> stops(const CSI_base* driver) const;
-    std::vector<ThreadStart> threadStarts() const;
-    std::vector<ThreadStart> threadStarts(const CSI_base* driver) const;
-    std::vector<ThreadExit> threadExits() const;
-    std::vector<ThreadExit> threadExits(const CSI_base* driver) const;
+    // No driver given: the entries of all drivers.
+    using DriverFilter = std::optional<const CSI_base*>;
+
+    std::vector<LogLine> logs(DriverFilter driver = std::nullopt) const;
+    std::vector<Publication> published(DriverFilter driver = std::nullopt) const;
+    std::vector<Stop> stops(DriverFilter driver = std::nullopt) const;
+    std::vector<ThreadStart> threadStarts(DriverFilter driver = std::nullopt) const;
+    std::vector<ThreadExit> threadExits(DriverFilter driver = std::nullopt) const;
 
     void clear();
 
@@ -87,6 +86,8 @@ private:
     void threadStarted(const CSI_base* driver) override;
     void threadEnded(const CSI_base* driver, std::string_view how) override;
 
+    template <class Record>
+    std::vector<Record> select(const std::vector<Record>& records, DriverFilter driver) const;
     template <class Record>
     void add(std::vector<Record>& records, Record record);
 

@@ -24,8 +24,10 @@ std::ostream& operator<<(std::ostream& out, const LoggedLine& line);
 inline constexpr const char* kVersionFormat =
     "CPLCNext: Drivername[%s]-Version [%d.%d.%d] - Service[%s]";
 
-// The log lines recorded so far, of every driver and of none.
-std::vector<LoggedLine> loggedLines(const orbel::Recorder& recorder);
+// The log lines recorded so far, of every driver and of none; given a driver, only its lines (null:
+// the lines of no driver).
+std::vector<LoggedLine> loggedLines(const orbel::Recorder& recorder,
+                                    orbel::Recorder::DriverFilter driver = std::nullopt);
 
 // Every line recorded so far except the version lines.
 std::vector<LoggedLine> linesAfterVersion(const orbel::Recorder& recorder);
